@@ -1,0 +1,236 @@
+#include "databaseservice/drivecolumns.h"
+#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/parameterlistsource.h"
+#include "databaseservice/recordio.h"
+#include "platform/text.h"
+
+#include <utility>
+
+namespace DatabaseService {
+
+namespace {
+
+using Drive = DriveDataColumns;
+
+constexpr auto allColumns = pick(Drive::table, Drive::All);
+static_assert(allColumns.size() == 53);
+
+constexpr auto columnsWithoutKey = pick(Drive::table, Drive::All & ~Drive::Key);
+static_assert(columnsWithoutKey.size() == 52);
+
+struct Page {
+    std::string parentId;
+    int64 count;
+    int64 start;
+};
+
+// The first cell of the first row.
+class FirstCell final : public RowSink {
+public:
+    void Row(CellReader& cells) override
+    {
+        if (std::exchange(m_waiting, false)) {
+            m_kind = cells.next();
+            m_number = m_kind == CellReader::Kind::Integer ? cells.integer() : 0;
+        }
+    }
+
+    bool isText() const { return m_kind == CellReader::Kind::Text; }
+    int number() const { return static_cast<int>(m_number); }
+
+private:
+    bool m_waiting = true;
+    CellReader::Kind m_kind = CellReader::Kind::None;
+    int64 m_number = 0;
+};
+
+} // namespace
+
+DriveDataTable DriverDBProviderBase::GetDriveDataById(std::string fileId)
+{
+    static const auto select = statementOf<std::string>(
+        selectText(columnsWithoutKey, "FROM DriveDataTable WHERE fileId = :fileId ;"), ":fileId");
+    std::vector<DriveDataTable> rows;
+    auto key = oneValue(select, fileId);
+    ReadRecords(select.sql, &key, columnsWithoutKey, rows);
+    if (rows.empty()) {
+        return {};
+    }
+    rows.front().SetFileid(fileId);
+    return std::move(rows.front());
+}
+
+std::vector<DriveDataTable> DriverDBProviderBase::GetALLDriveData()
+{
+    static const std::string select = selectText(allColumns, "FROM DriveDataTable;");
+    std::vector<DriveDataTable> rows;
+    ReadRecords(select, nullptr, allColumns, rows);
+    return rows;
+}
+
+std::vector<DriveDataTable> DriverDBProviderBase::GetDriveDataByParentId(std::string parentId)
+{
+    static const auto select = statementOf<std::string>(
+        selectText(allColumns, "FROM DriveDataTable WHERE parentId = :parentId;"), ":parentId");
+    std::vector<DriveDataTable> rows;
+    auto parent = oneValue(select, parentId);
+    ReadRecords(select.sql, &parent, allColumns, rows);
+    return rows;
+}
+
+std::vector<DriveDataTable> DriverDBProviderBase::GetDriveDataByWhereSql(std::string where, DatabaseBindParameter& bind)
+{
+    static const std::string select = selectText(allColumns, "FROM DriveDataTable WHERE ");
+    std::vector<DriveDataTable> rows;
+    std::list<DatabaseBindParameter> copy{bind};
+    ParameterListSource values(copy);
+    ReadRecords(select + where, &values, allColumns, rows);
+    return rows;
+}
+
+std::vector<std::shared_ptr<DriveDataTable>> DriverDBProviderBase::GetDriveDataByRawSQL(const std::string& sql)
+{
+    std::vector<std::shared_ptr<DriveDataTable>> rows;
+    ReadRecords(sql, nullptr, allColumns, rows);
+    return rows;
+}
+
+std::vector<std::shared_ptr<DriveDataTable>> DriverDBProviderBase::GetFileMetadataByRawSQL(const std::string& sql)
+{
+    return GetDriveDataByRawSQL(sql);
+}
+
+void DriverDBProviderBase::GetFileMetadataByRawSQL(void* context, std::function<bool(uint64, int64)> visit)
+{
+    for (const DriveDataTable& record : GetALLDriveData()) {
+        visit(reinterpret_cast<std::uintptr_t>(context), static_cast<int64>(reinterpret_cast<std::intptr_t>(&record)));
+    }
+}
+
+std::vector<std::string> DriverDBProviderBase::GetDriveDataNameByFieldId(const std::vector<std::string>& ids)
+{
+    static const auto select =
+        statementOf<std::string>("SELECT name FROM DriveDataTable WHERE fileId = :fileId;", ":fileId");
+    std::vector<std::string> names;
+    WithStatement(select.sql, [&](sqlite3_stmt* statement) {
+        for (const std::string& id : ids) {
+            std::string& name = names.emplace_back();
+            RowFunction first([&, waiting = true](CellReader& cells) mutable {
+                if (std::exchange(waiting, false)) {
+                    cells.nextText(name);
+                }
+            });
+            auto key = oneValue(select, id);
+            Execute(nullptr, statement, {}, &key, &first);
+        }
+    });
+    return names;
+}
+
+std::vector<bool> DriverDBProviderBase::CheckWhetherFileIdExistsInDriveData(const std::vector<std::string>& ids)
+{
+    std::vector<bool> exist;
+    WithStatement("SELECT COUNT(fileId) FROM DriveDataTable WHERE fileId = :fileId ;", [&](sqlite3_stmt* statement) {
+        for (const std::string& id : ids) {
+            exist.push_back(CheckWhetherFileIdExistsInDriveData(platform::toWide(id), statement));
+        }
+    });
+    return exist;
+}
+
+bool DriverDBProviderBase::CheckWhetherFileIdExistsInDriveData(const std::wstring& id, sqlite3_stmt* statement)
+{
+    static const auto parameter = statementOf<std::wstring>({}, ":fileId");
+    auto key = oneValue(parameter, id);
+    FirstCell count;
+    Execute(nullptr, statement, {}, &key, &count);
+    return count.number() != 0;
+}
+
+// Runs `use` with a statement prepared on a connection of its own, unless the file cannot be opened or the statement
+// not be prepared.
+void DriverDBProviderBase::WithStatement(const std::string& sql, const std::function<void(sqlite3_stmt*)>& use)
+{
+    sqlite3* const db = GetDbConnection();
+    if (db == nullptr) {
+        return;
+    }
+    if (sqlite3_stmt* const statement = PrepareSql(db, sql); statement != nullptr) {
+        use(statement);
+        FinalizeStatment(statement);
+    }
+    CloseDatabase(db);
+}
+
+int DriverDBProviderBase::CountDriverData()
+{
+    FirstCell count;
+    Execute(nullptr, nullptr, "SELECT COUNT(fileId) FROM DriveDataTable", nullptr, &count);
+    return count.number();
+}
+
+int DriverDBProviderBase::GetCountBySelectSQL(std::string& sql)
+{
+    FirstCell count;
+    Execute(nullptr, nullptr, sql, nullptr, &count);
+    return count.isText() ? -1 : count.number();
+}
+
+bool DriverDBProviderBase::GetFolderSubFile(const std::string& parentId, std::vector<std::string>& files,
+                                            std::vector<std::string>& folders, const unsigned& selNums,
+                                            const unsigned& startPos)
+{
+    // The lower case of the second column and the text '0' stand in the statement as the client has always sent it.
+    static const Statement<Page> select{"SELECT fileId, mimetype FROM DriveDataTable WHERE parentId = :parentId AND "
+                                        "recycled='0' LIMIT :selNums OFFSET :startPos",
+                                        {{":parentId", &bindMember<&Page::parentId>},
+                                         {":selNums", &bindMember<&Page::count>},
+                                         {":startPos", &bindMember<&Page::start>}}};
+    const Page page{parentId, selNums, startPos};
+    auto values = oneValue(select, page);
+    RowFunction sort([&](CellReader& cells) {
+        std::string id;
+        std::string mimeType;
+        cells.nextText(id);
+        cells.nextText(mimeType);
+        (mimeType == DriveDataTable::folderMimeType ? folders : files).push_back(std::move(id));
+    });
+    Execute(nullptr, nullptr, select.sql, &values, &sort);
+    return true;
+}
+
+bool DriverDBProviderBase::GetSourcesFolder(const std::unordered_set<std::string>& sources,
+                                            std::unordered_set<std::string>& folders)
+{
+    static const auto select = statementOf<std::string>(
+        "WITH RECURSIVE items(fileId, mimeType) AS ( SELECT fileId, mimeType FROM DriveDataTable WHERE fileId = "
+        ":fileId UNION ALL SELECT DriveDataTable.fileId, DriveDataTable.mimeType FROM DriveDataTable JOIN items ON "
+        "DriveDataTable.parentId = items.fileId) SELECT fileId FROM items WHERE mimeType = "
+        "'application/vnd.tessix-apps.folder'",
+        ":fileId");
+    RowFunction insert([&](CellReader& cells) {
+        std::string id;
+        cells.nextText(id);
+        folders.insert(std::move(id));
+    });
+    for (const std::string& source : sources) {
+        auto key = oneValue(select, source);
+        Execute(nullptr, nullptr, select.sql, &key, &insert);
+    }
+    return true;
+}
+
+int DriverDBProviderBase::GetFilesChildNodeCount(const std::string& fileId)
+{
+    static const auto select = statementOf<std::string>(
+        "WITH RECURSIVE items(fileId, recycled) AS ( SELECT fileId, recycled FROM DriveDataTable WHERE fileId = "
+        ":fileId UNION ALL SELECT DriveDataTable.fileId, DriveDataTable.recycled FROM DriveDataTable JOIN items ON "
+        "DriveDataTable.parentId = items.fileId) SELECT COUNT(*) FROM items WHERE recycled = '0';",
+        ":fileId");
+    auto key = oneValue(select, fileId);
+    FirstCell count;
+    Execute(nullptr, nullptr, select.sql, &key, &count);
+    return count.number();
+}
+
+} // namespace DatabaseService

@@ -1,0 +1,237 @@
+#include "clientservices/cloudlogger.h"
+#include "databaseservice/drivecolumns.h"
+#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/recordio.h"
+
+#include <algorithm>
+
+namespace DatabaseService {
+
+namespace {
+
+using Drive = DriveDataColumns;
+
+constexpr auto keyColumn = pick(Drive::table, Drive::Key);
+
+constexpr auto insertColumns = pick(Drive::table, Drive::All);
+static_assert(insertColumns.size() == 53);
+
+// Without the local path, which the replaced row therefore loses; callers that keep it use an update.
+constexpr auto replaceColumns = pick(Drive::table, Drive::All & ~Drive::Path);
+static_assert(replaceColumns.size() == 52);
+
+constexpr auto fullUpdateColumns = pick(Drive::table, Drive::All & ~(Drive::Key | Drive::Path));
+static_assert(fullUpdateColumns.size() == 51);
+
+constexpr auto allDataUpdateColumns = pick(Drive::table, Drive::Cloud | Drive::Local | Drive::Batch, "autoUpload",
+                                           "riskFileSign", "riskFileType", Drive::Spare);
+
+constexpr auto baseUpdateColumns = pick(Drive::table, Drive::Cloud | Drive::Local, "autoUpload", "needToDisplay",
+                                        "riskFileSign", "riskFileType", Drive::Spare);
+
+constexpr auto simpleUpdateColumns =
+    pick(Drive::table, "name", "size", "parentId", "recycled", "directlyRecycled", "modifiedTime", "recycledTime",
+         "contentVersion", "version", "riskFileSign", "fileExtSign", "needToDisplay", "classIndex", "riskFileType",
+         "deleteSrcPath");
+
+constexpr auto markerUpdateColumns = pick(
+    Drive::table, "renameName", "renameTime", "renameBatchId", "moveParentId", "moveTime", "moveBatchId", "softDelete",
+    "softDeleteSrcPath", "softDelTime", "softDelBatchId", "hardDelete", "hardDelTime", "hardDelBatchId", "localRestore",
+    "restoreTime", "uploadTime", "uploadBatchId", "newBatchId", "restoreBatchId");
+
+constexpr auto simpleAndMarkerUpdateColumns =
+    pick(Drive::table, "name", "size", "parentId", "favorite", "recycled", "directlyRecycled", "modifiedTime",
+         "recycledTime", "version", markerUpdateColumns, "riskFileSign", "riskFileType", "fileExtSign", "needToDisplay",
+         "classIndex", "deleteSrcPath");
+
+constexpr auto localInformationColumns = pick(Drive::table, "localAbsolutePath", "localFileSha256");
+
+Statement<DriveDataTable> updateOf(const ColumnList<DriveDataTable>& columns)
+{
+    return updateStatement("UPDATE DriveDataTable", columns, "WHERE fileId = :fileId", keyColumn);
+}
+
+const Statement<DriveDataTable>& fullUpdate()
+{
+    static const auto update = updateOf(fullUpdateColumns);
+    return update;
+}
+
+// What the map form of the update may overwrite.
+constexpr auto patchableColumns =
+    pick(Drive::table, "batchOper", "localAbsolutePath", "uploadTime", "renameName", "renameTime", "moveParentId",
+         "moveTime", "softDelete", "deleteSrcPath", "softDeleteSrcPath", "softDelTime", "hardDelete", "hardDelTime",
+         "localRestore", "restoreTime", "parentId", "name", "version");
+static_assert(patchableColumns.size() == 18);
+
+} // namespace
+
+// Every writer answers true whatever the engine reported, but for the display flag's two.
+
+bool DriverDBProviderBase::InsertDriveData(const DriveDataTable& record)
+{
+    return InsertDriveDataBatch({record});
+}
+
+bool DriverDBProviderBase::InsertDriveDataBatch(const std::vector<DriveDataTable>& records)
+{
+    static const auto insert = insertStatement("INSERT INTO DriveDataTable (", insertColumns);
+    WriteRecords(insert, records);
+    return true;
+}
+
+bool DriverDBProviderBase::ReplaceDriveData(const DriveDataTable& record)
+{
+    return ReplaceDriveAllData({record});
+}
+
+bool DriverDBProviderBase::ReplaceDriveAllData(const std::vector<DriveDataTable>& records)
+{
+    static const auto replace = insertStatement("REPLACE INTO DriveDataTable (", replaceColumns);
+    WriteRecords(replace, records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateDriveData(const DriveDataTable& record)
+{
+    WriteRecords(fullUpdate(), std::vector{&record});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateDriveData(const std::vector<std::shared_ptr<DriveDataTable>>& records)
+{
+    if (std::find(records.begin(), records.end(), nullptr) != records.end()) {
+        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, "DriverDBProviderBase::UpdateDriveData",
+                                                   "a null record was left out", true);
+    }
+    WriteRecords(fullUpdate(), records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateDriveData(const std::string& fileId,
+                                           const std::unordered_map<std::string, std::string>& values)
+{
+    DriveDataTable record = GetDriveDataById(fileId);
+    for (const Column<DriveDataTable>* column : patchableColumns) {
+        if (const auto found = values.find(std::string(column->name)); found != values.end()) {
+            column->assign(record, found->second);
+        }
+    }
+    UpdateDriveData(record);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateDriveAllData(const std::vector<DriveDataTable>& records)
+{
+    static const auto update = updateOf(allDataUpdateColumns);
+    WriteRecords(update, records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateDriveBaseData(const std::vector<DriveDataTable>& records)
+{
+    static const auto update = updateOf(baseUpdateColumns);
+    WriteRecords(update, records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateDriveSimpleData(const std::vector<DriveDataTable>& records)
+{
+    static const auto update = updateOf(simpleUpdateColumns);
+    WriteRecords(update, records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateDriveOperData(const std::vector<DriveDataTable>& records)
+{
+    static const auto update = updateOf(markerUpdateColumns);
+    WriteRecords(update, records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateSimpleAllData(const std::vector<DriveDataTable>& records)
+{
+    static const auto update = updateOf(simpleAndMarkerUpdateColumns);
+    WriteRecords(update, records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateFileLocalInfo(const std::vector<DriveDataTable>& records)
+{
+    static const auto update = updateOf(localInformationColumns);
+    WriteRecords(update, records);
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateCloudContentStatusById(const std::string& fileId, int status)
+{
+    return UpdateCloudContentStatusByIds({{fileId, status}});
+}
+
+bool DriverDBProviderBase::UpdateCloudContentStatusByIds(const std::vector<std::pair<std::string, int>>& statuses)
+{
+    using Status = std::pair<std::string, int>;
+    static const Statement<Status> update{
+        "UPDATE DriveDataTable SET needToDisplay = :needToDisplay WHERE fileId = :fileId;",
+        {{":needToDisplay", &bindMember<&Status::second>}, {":fileId", &bindMember<&Status::first>}}};
+    return WriteRecords(update, statuses);
+}
+
+bool DriverDBProviderBase::DeleteDriveDataById(const std::string& fileId)
+{
+    return DeleteDriveDataById(std::vector{fileId});
+}
+
+bool DriverDBProviderBase::DeleteDriveDataById(const std::vector<std::string>& fileIds)
+{
+    static const auto remove =
+        statementOf<std::string>("DELETE FROM DriveDataTable WHERE fileId = :fileId ;", ":fileId");
+    WriteRecords(remove, fileIds);
+    return true;
+}
+
+bool DriverDBProviderBase::DeleteAllDriveData()
+{
+    Execute("DELETE FROM DriveDataTable;");
+    return true;
+}
+
+bool DriverDBProviderBase::DeleteDriveDataWithoutLocal()
+{
+    // The table has no column of that name, so nothing is deleted; callers rely on the rows staying.
+    Execute("DELETE FROM DriveDataTable WHERE local = 1;");
+    return true;
+}
+
+bool DriverDBProviderBase::ExecuteSQL(const std::string& sql)
+{
+    Execute(sql);
+    return true;
+}
+
+bool DriverDBProviderBase::ExecuteSQLList(std::vector<std::string>& statements)
+{
+    for (const std::string& sql : statements) {
+        Execute(sql);
+    }
+    return true;
+}
+
+void DriverDBProviderBase::SetDriveDataSyncFlag(const std::vector<std::string>& parentIds)
+{
+    static const auto mark = statementOf<std::string>(
+        "UPDATE DriveDataTable SET data2 = 1 WHERE parentId = :parentId and recycled = 0 and softDelBatchId = 0 "
+        "and moveBatchId = 0 and restoreBatchId = 0;",
+        ":parentId");
+    WriteRecords(mark, parentIds);
+}
+
+void DriverDBProviderBase::DelDriveDataBySyncFlag(const std::vector<std::string>& parentIds)
+{
+    // Without the tests of the mark: a row that has gained a pending operation since is swept all the same.
+    static const auto sweep = statementOf<std::string>(
+        "DELETE FROM DriveDataTable WHERE data2 = 1 and parentId = :parentId and recycled = 0;", ":parentId");
+    WriteRecords(sweep, parentIds);
+}
+
+} // namespace DatabaseService

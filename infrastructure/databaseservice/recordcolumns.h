@@ -1,0 +1,227 @@
+#pragma once
+
+#include "databaseservice/cellreader.h"
+#include "databaseservice/integers.h"
+#include "databaseservice/parameterwriter.h"
+
+#include <array>
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+/// A table is described once, as one `constexpr` array of columns: SQL name, declared type, the record's member
+/// behind it and the groups that it belongs to. Every statement's text, its parameters and the order of reading come
+/// from there.
+namespace DatabaseService {
+
+template <class Record> using BindMember = bool (*)(const Record&, ParameterWriter&, int index);
+
+template <class Record> using ReadMember = void (*)(Record&, CellReader&);
+
+template <class Record> using AssignMember = void (*)(Record&, const std::string& text);
+
+/// The three functions are null for a column that no member stands for.
+template <class Record> struct Column {
+    std::string_view name;
+    std::string_view declaration;
+    unsigned groups = 0;
+    BindMember<Record> bind = nullptr;
+    ReadMember<Record> read = nullptr;
+    AssignMember<Record> assign = nullptr;
+};
+
+template <auto Member> struct MemberTraits;
+
+template <class R, class T, T R::*Member> struct MemberTraits<Member> {
+    using Record = R;
+    using Type = T;
+};
+
+template <class T> bool bindValue(const T& value, ParameterWriter& parameters, int index)
+{
+    if constexpr (std::is_integral_v<T>) {
+        return parameters.bind(index, static_cast<int64>(value));
+    } else {
+        return parameters.bind(index, value);
+    }
+}
+
+template <auto Member>
+bool bindMember(const typename MemberTraits<Member>::Record& record, ParameterWriter& parameters, int index)
+{
+    return bindValue(record.*Member, parameters, index);
+}
+
+/// Converts between kinds as the getters of `DatabaseQueryResult` do, and cuts numbers to the member last.
+template <auto Member> void readMember(typename MemberTraits<Member>::Record& record, CellReader& cells)
+{
+    using Type = typename MemberTraits<Member>::Type;
+    if constexpr (std::is_integral_v<Type>) {
+        record.*Member = static_cast<Type>(cells.nextInteger());
+    } else {
+        cells.nextText(record.*Member);
+    }
+}
+
+/// A number is the digits at the front of the text, cut to the member.
+template <auto Member> void assignMember(typename MemberTraits<Member>::Record& record, const std::string& text)
+{
+    using Type = typename MemberTraits<Member>::Type;
+    if constexpr (std::is_integral_v<Type>) {
+        record.*Member = static_cast<Type>(leadingInteger(std::string_view(text)));
+    } else {
+        record.*Member = text;
+    }
+}
+
+template <auto Member> constexpr auto column(std::string_view name, std::string_view declaration, unsigned groups)
+{
+    return Column<typename MemberTraits<Member>::Record>{
+        name, declaration, groups, &bindMember<Member>, &readMember<Member>, &assignMember<Member>};
+}
+
+/// A column that the table has and no statement names.
+template <class Record> constexpr Column<Record> unnamedColumn(std::string_view name, std::string_view declaration)
+{
+    return {name, declaration};
+}
+
+/// Columns in the order of a statement.
+template <class Record> class ColumnList {
+public:
+    constexpr void append(const Column<Record>& column) { m_columns.at(m_size++) = &column; }
+    constexpr std::size_t size() const { return m_size; }
+    constexpr const Column<Record>* const* begin() const { return m_columns.data(); }
+    constexpr const Column<Record>* const* end() const { return m_columns.data() + m_size; }
+
+private:
+    std::array<const Column<Record>*, 64> m_columns{};
+    std::size_t m_size = 0;
+};
+
+/// Appends the columns that are in any of `groups`, in the order of the table.
+template <class Record, std::size_t N>
+constexpr void appendTo(ColumnList<Record>& list, const std::array<Column<Record>, N>& table, unsigned groups)
+{
+    for (const Column<Record>& column : table) {
+        if ((column.groups & groups) != 0) {
+            list.append(column);
+        }
+    }
+}
+
+/// Appends the one column of that name; an unknown name does not compile.
+template <class Record, std::size_t N>
+constexpr void appendTo(ColumnList<Record>& list, const std::array<Column<Record>, N>& table, std::string_view name)
+{
+    for (const Column<Record>& column : table) {
+        if (column.name == name) {
+            list.append(column);
+            return;
+        }
+    }
+    throw std::invalid_argument("no such column");
+}
+
+template <class Record> constexpr void appendTo(ColumnList<Record>& list, const auto&, const ColumnList<Record>& other)
+{
+    for (const Column<Record>* column : other) {
+        list.append(*column);
+    }
+}
+
+/// A statement's columns, in its order: groups, names of single columns and other lists.
+template <class Record, std::size_t N, class... Items>
+constexpr ColumnList<Record> pick(const std::array<Column<Record>, N>& table, const Items&... items)
+{
+    ColumnList<Record> list;
+    (appendTo(list, table, items), ...);
+    return list;
+}
+
+/// One named parameter and what it takes from a record.
+template <class Record> struct Parameter {
+    std::string name; ///< with its colon
+    BindMember<Record> bind;
+};
+
+/// A statement's text and what its parameters take from a record. Build it once and keep it.
+template <class Record> struct Statement {
+    std::string sql;
+    std::vector<Parameter<Record>> parameters;
+};
+
+/// A statement with one parameter that takes the whole value.
+template <class Value> Statement<Value> statementOf(std::string sql, std::string parameter)
+{
+    return {std::move(sql), {{std::move(parameter), &bindValue<Value>}}};
+}
+
+/// "a,b,c", each name between `before` and what follows it.
+template <class Record, class Text> std::string joined(const ColumnList<Record>& columns, Text text)
+{
+    std::string all;
+    for (const Column<Record>* column : columns) {
+        all += all.empty() ? "" : ",";
+        all += text(*column);
+    }
+    return all;
+}
+
+template <class Record> std::string names(const ColumnList<Record>& columns)
+{
+    return joined(columns, [](const Column<Record>& column) { return std::string(column.name); });
+}
+
+template <class Record> std::vector<Parameter<Record>> parametersOf(const ColumnList<Record>& columns)
+{
+    std::vector<Parameter<Record>> parameters;
+    for (const Column<Record>* column : columns) {
+        parameters.push_back({':' + std::string(column->name), column->bind});
+    }
+    return parameters;
+}
+
+/// `head`, which ends in an opening bracket, and the columns with their declarations.
+template <class Record, std::size_t N>
+std::string createTable(std::string_view head, const std::array<Column<Record>, N>& table)
+{
+    std::string columns;
+    for (const Column<Record>& column : table) {
+        columns += columns.empty() ? "" : ",";
+        columns += std::string(column.name) + ' ' + std::string(column.declaration);
+    }
+    return std::string(head) + columns + ");";
+}
+
+/// `head`, which ends in an opening bracket, then the columns and their parameters.
+template <class Record> Statement<Record> insertStatement(std::string_view head, const ColumnList<Record>& columns)
+{
+    const std::string values = joined(columns, [](const auto& column) { return ':' + std::string(column.name); });
+    return {std::string(head) + names(columns) + ") VALUES (" + values + ");", parametersOf(columns)};
+}
+
+/// `head`, the columns set from their parameters, and `tail`, whose parameters are those of `keys`.
+template <class Record>
+Statement<Record> updateStatement(std::string_view head, const ColumnList<Record>& columns, std::string_view tail,
+                                  const ColumnList<Record>& keys)
+{
+    const std::string settings = joined(
+        columns, [](const auto& column) { return std::string(column.name) + " = :" + std::string(column.name); });
+    Statement<Record> statement{std::string(head) + " SET " + settings + ' ' + std::string(tail),
+                                parametersOf(columns)};
+    for (Parameter<Record>& key : parametersOf(keys)) {
+        statement.parameters.push_back(std::move(key));
+    }
+    return statement;
+}
+
+template <class Record> std::string selectText(const ColumnList<Record>& columns, std::string_view tail)
+{
+    return "SELECT " + names(columns) + ' ' + std::string(tail);
+}
+
+} // namespace DatabaseService

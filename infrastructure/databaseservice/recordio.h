@@ -1,0 +1,119 @@
+#pragma once
+
+#include "databaseservice/databaseoperationbase.h"
+#include "databaseservice/elementsource.h"
+#include "databaseservice/recordcolumns.h"
+#include "databaseservice/rowsink.h"
+
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace DatabaseService {
+
+/// Records on their way into a statement, bound straight from the caller's memory. `Element` is the record itself or
+/// a pointer to one, plain or shared; null pointers are passed over.
+template <class Record, class Element> class RecordSource final : public ElementSource {
+public:
+    RecordSource(const Statement<Record>& statement, std::span<const Element> records)
+        : m_statement(statement),
+          m_records(records)
+    {
+    }
+
+    bool Advance() override
+    {
+        do {
+            m_current = m_next < m_records.size() ? address(m_records[m_next]) : nullptr;
+        } while (m_next++ < m_records.size() && m_current == nullptr);
+        return m_current != nullptr;
+    }
+
+    bool Bind(ParameterWriter& parameters) override
+    {
+        if (m_indexes.empty()) {
+            for (const Parameter<Record>& parameter : m_statement.parameters) {
+                m_indexes.push_back(parameters.index(parameter.name));
+            }
+        }
+        const int* index = m_indexes.data();
+        for (const Parameter<Record>& parameter : m_statement.parameters) {
+            if (!parameter.bind(*m_current, parameters, *index++)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    static const Record* address(const Record& record) { return &record; }
+    static const Record* address(const Record* record) { return record; }
+    static const Record* address(const std::shared_ptr<Record>& record) { return record.get(); }
+
+    const Statement<Record>& m_statement;
+    std::span<const Element> m_records;
+    std::size_t m_next = 0;
+    const Record* m_current = nullptr;
+    std::vector<int> m_indexes; // of the parameters in the prepared statement, in the statement's order
+};
+
+/// A single value for a statement that takes just one; it must outlive the source.
+template <class Value> RecordSource<Value, Value> oneValue(const Statement<Value>& statement, const Value& value)
+{
+    return RecordSource<Value, Value>(statement, {&value, 1});
+}
+
+/// Rows on their way into records. `Element` is the record itself or a shared pointer to one.
+template <class Record, class Element> class RecordSink final : public RowSink {
+public:
+    RecordSink(const ColumnList<Record>& columns, std::vector<Element>& rows) : m_columns(columns), m_rows(rows) { }
+
+    void Row(CellReader& cells) override
+    {
+        Record& record = append();
+        for (const Column<Record>* column : m_columns) {
+            column->read(record, cells);
+        }
+    }
+
+private:
+    Record& append()
+    {
+        if constexpr (std::is_same_v<Record, Element>) {
+            return m_rows.emplace_back();
+        } else {
+            return *m_rows.emplace_back(std::make_shared<Record>());
+        }
+    }
+
+    const ColumnList<Record>& m_columns;
+    std::vector<Element>& m_rows;
+};
+
+/// Hands each row to a function.
+template <class Function> class RowFunction final : public RowSink {
+public:
+    explicit RowFunction(Function function) : m_function(std::move(function)) { }
+    void Row(CellReader& cells) override { m_function(cells); }
+
+private:
+    Function m_function;
+};
+
+template <class Record, class Element>
+bool DatabaseOperationBase::WriteRecords(const Statement<Record>& statement, const std::vector<Element>& records)
+{
+    RecordSource<Record, Element> elements(statement, records);
+    return Execute(nullptr, nullptr, statement.sql, &elements, nullptr);
+}
+
+template <class Record, class Element>
+bool DatabaseOperationBase::ReadRecords(const std::string& sql, ElementSource* elements,
+                                        const ColumnList<Record>& columns, std::vector<Element>& records)
+{
+    RecordSink<Record, Element> rows(columns, records);
+    return Execute(nullptr, nullptr, sql, elements, &rows);
+}
+
+} // namespace DatabaseService

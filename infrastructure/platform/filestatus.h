@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
+namespace platform {
+
+enum class FileKind { Regular, Folder, Link, Other };
+
+struct FileStatus {
+    FileKind kind = FileKind::Other;
+    std::int64_t size = 0;                ///< bytes; 0 for what is not a regular file
+    std::int64_t modifiedNanoseconds = 0; ///< since 1970-01-01 00:00 UTC; negative for earlier times
+    std::int64_t createdNanoseconds = 0;  ///< the same; equals `modifiedNanoseconds` where the system does not know
+};
+
+/// Looks at the entry itself and never at what a link points to. On failure `error` is set and the result is
+/// a default one.
+FileStatus readStatus(const std::filesystem::path& path, std::error_code& error) noexcept;
+
+} // namespace platform

@@ -1,0 +1,28 @@
+#include "platform/terminal.h"
+
+#include <windows.h>
+
+namespace platform {
+
+namespace {
+
+HANDLE handle(Stream stream)
+{
+    return GetStdHandle(stream == Stream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+}
+
+} // namespace
+
+bool isTerminal(Stream stream) noexcept
+{
+    DWORD mode = 0;
+    return GetConsoleMode(handle(stream), &mode) != 0;
+}
+
+int terminalWidth(Stream stream) noexcept
+{
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    return GetConsoleScreenBufferInfo(handle(stream), &info) != 0 ? info.srWindow.Right - info.srWindow.Left + 1 : 0;
+}
+
+} // namespace platform

@@ -1,0 +1,341 @@
+// The drive's row writers: each statement touches exactly its columns.
+
+#include "support/drivefields.h"
+#include "support/enginelines.h"
+#include "support/observed.h"
+#include "support/storetest.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <sstream>
+
+using namespace testsupport;
+using DatabaseService::DriveDataTable;
+using DatabaseService::int64;
+
+namespace {
+
+const std::string cloud =
+    "name kind mimeType description size attachmentSize hash contentVersion parentId favorite "
+    "recycled directlyRecycled createdTime modifiedTime recycledTime isSync thumbnailDownloadLink "
+    "LCDImageDownloadLink version batchOper ";
+const std::string local = "localFileSha256 deleteSrcPath uploadTime renameName renameTime moveParentId moveTime "
+                          "softDelete softDeleteSrcPath softDelTime hardDelete hardDelTime localRestore restoreTime ";
+const std::string batch = "uploadBatchId renameBatchId moveBatchId softDelBatchId hardDelBatchId restoreBatchId "
+                          "newBatchId ";
+const std::string spare = "data1 data2 data3 data4 ";
+const std::string markers = "renameName renameTime renameBatchId moveParentId moveTime moveBatchId softDelete "
+                            "softDeleteSrcPath softDelTime softDelBatchId hardDelete hardDelTime hardDelBatchId "
+                            "localRestore restoreTime uploadTime uploadBatchId newBatchId restoreBatchId ";
+
+const EngineLines lines("DriveModuleData.dat");
+
+struct Update {
+    const char* name;
+    std::function<bool(ObservedDrive&, const DriveDataTable&)> call;
+    std::string columns; // in the statement's order
+};
+
+const Update updates[] = {
+    {"UpdateDriveData, one", [](auto& drive, auto& record) { return drive.UpdateDriveData(record); },
+     cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare},
+    {"UpdateDriveData, pointers",
+     [](auto& drive, auto& record) {
+         return drive.UpdateDriveData(std::vector{std::make_shared<DriveDataTable>(record)});
+     },
+     cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare},
+    {"UpdateDriveAllData", [](auto& drive, auto& record) { return drive.UpdateDriveAllData({record}); },
+     cloud + local + batch + "autoUpload riskFileSign riskFileType " + spare},
+    {"UpdateDriveBaseData", [](auto& drive, auto& record) { return drive.UpdateDriveBaseData({record}); },
+     cloud + local + "autoUpload needToDisplay riskFileSign riskFileType " + spare},
+    {"UpdateDriveSimpleData", [](auto& drive, auto& record) { return drive.UpdateDriveSimpleData({record}); },
+     "name size parentId recycled directlyRecycled modifiedTime recycledTime contentVersion version riskFileSign "
+     "fileExtSign needToDisplay classIndex riskFileType deleteSrcPath "},
+    {"UpdateDriveOperData", [](auto& drive, auto& record) { return drive.UpdateDriveOperData({record}); }, markers},
+    {"UpdateSimpleAllData", [](auto& drive, auto& record) { return drive.UpdateSimpleAllData({record}); },
+     "name size parentId favorite recycled directlyRecycled modifiedTime recycledTime version " + markers +
+         "riskFileSign riskFileType fileExtSign needToDisplay classIndex deleteSrcPath "},
+    {"UpdateFileLocalInfo", [](auto& drive, auto& record) { return drive.UpdateFileLocalInfo({record}); },
+     "localAbsolutePath localFileSha256 "},
+    {"UpdateCloudContentStatusById",
+     [](auto& drive, auto& record) {
+         return drive.UpdateCloudContentStatusById(record.GetFileid(), record.GetCloudContentStatus());
+     },
+     "needToDisplay "},
+};
+
+std::vector<std::string> split(const std::string& words)
+{
+    std::istringstream stream(words);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+class DriveWriters : public StoreTest {
+protected:
+    DriveWriters()
+    {
+        m_drive.InitDatabase();
+        m_drive.trace.take();
+    }
+
+    /// The columns of a full read.
+    std::vector<std::string> row(const std::string& id)
+    {
+        return m_file.query("SELECT " + driveColumnList() + " FROM DriveDataTable WHERE fileId = '" + id + '\'').at(0);
+    }
+
+    /// The statement between the two ends of its transaction, which all its executions share.
+    std::string statement()
+    {
+        const std::vector<std::string> trace = m_drive.trace.take();
+        EXPECT_GE(trace.size(), 3U);
+        EXPECT_TRUE(trace.front().ends_with(":BEGIN IMMEDIATE;"));
+        EXPECT_TRUE(trace.back().ends_with(":COMMIT;"));
+        EXPECT_EQ(std::count(trace.begin(), trace.end(), trace[1]), static_cast<std::ptrdiff_t>(trace.size()) - 2);
+        return trace[1].substr(trace[1].find(':') + 1);
+    }
+
+    std::string ids() { return m_file.value("SELECT group_concat(fileId) FROM DriveDataTable"); }
+
+    ObservedDrive m_drive;
+    SqliteFile m_file{path(L"DriveModuleData.dat"), SqliteFile::Collation::NameCompare};
+};
+
+} // namespace
+
+TEST_F(DriveWriters, InsertStoresEveryMember)
+{
+    const DriveDataTable record = filledRecord("id", 1);
+    EXPECT_TRUE(m_drive.InsertDriveData(record));
+    EXPECT_EQ(row("id"), cellsOf(record));
+    EXPECT_EQ(m_file.query("SELECT subFileAndDirectory, operateType, device FROM DriveDataTable"),
+              (Rows{{"NULL", "NULL", "NULL"}}));
+    const std::string sql = statement();
+    EXPECT_TRUE(sql.starts_with("INSERT INTO DriveDataTable (")) << sql;
+    EXPECT_EQ(parametersIn(sql), driveColumns());
+
+    EXPECT_TRUE(m_drive.InsertDriveData(DriveDataTable()));
+    EXPECT_EQ(row(""), cellsOf(DriveDataTable())) << "the column's own default does not come into it";
+}
+
+TEST_F(DriveWriters, ReplaceForgetsTheLocalPath)
+{
+    m_drive.InsertDriveData(filledRecord("there", 1));
+    m_drive.trace.take();
+    EXPECT_TRUE(m_drive.ReplaceDriveData(filledRecord("there", 2)));
+    const std::string sql = statement();
+    EXPECT_TRUE(sql.starts_with("REPLACE INTO DriveDataTable (")) << sql;
+    EXPECT_EQ(parametersIn(sql).size(), 52U);
+    EXPECT_TRUE(m_drive.ReplaceDriveAllData({filledRecord("new", 3), filledRecord("there", 4)}));
+    for (const auto& [id, seed] : {std::pair{"there", 4}, {"new", 3}}) {
+        std::vector<std::string> expected = cellsOf(filledRecord(id, seed));
+        expected[21] = "NULL";
+        EXPECT_EQ(row(id), expected);
+    }
+    EXPECT_EQ(m_drive.GetDriveDataById("there").GetLocalAbsolutePath(), "");
+}
+
+// Fill a row, update it from a record that differs in every member, and compare column by column with what the
+// statement names.
+TEST_F(DriveWriters, EachUpdateTouchesExactlyItsColumns)
+{
+    for (const auto& [name, call, columns] : updates) {
+        SCOPED_TRACE(name);
+        m_file.exec("DELETE FROM DriveDataTable");
+        m_drive.InsertDriveDataBatch({filledRecord("id", 1), filledRecord("other", 2)});
+        m_file.exec("UPDATE DriveDataTable SET subFileAndDirectory = 5, operateType = 6, device = 'd'");
+        m_drive.trace.take();
+        const DriveDataTable update = filledRecord("id", 3);
+        EXPECT_TRUE(call(m_drive, update));
+
+        std::vector<std::string> expected = split(columns);
+        std::vector<std::string> changed;
+        const std::vector<std::string> after = row("id");
+        for (std::size_t at = 0; at < after.size(); ++at) {
+            const DriveField& field = driveFields()[at];
+            if (after[at] != field.cell(filledRecord("id", 1))) {
+                changed.push_back(field.column);
+                EXPECT_EQ(after[at], field.cell(update)) << field.column;
+            }
+        }
+        std::vector<std::string> parameters = expected;
+        parameters.push_back("fileId");
+        const std::string sql = statement();
+        EXPECT_EQ(parametersIn(sql), parameters);
+        EXPECT_TRUE(sql.starts_with("UPDATE DriveDataTable SET ")) << sql;
+        EXPECT_NE(sql.find("WHERE fileId = :fileId"), std::string::npos) << sql;
+        std::sort(expected.begin(), expected.end());
+        std::sort(changed.begin(), changed.end());
+        EXPECT_EQ(changed, expected);
+        EXPECT_EQ(row("other"), cellsOf(filledRecord("other", 2)));
+        EXPECT_EQ(m_file.value("SELECT count(*) FROM DriveDataTable WHERE subFileAndDirectory = 5 AND operateType = 6 "
+                               "AND device = 'd'"),
+                  "2");
+
+        EXPECT_TRUE(call(m_drive, filledRecord("unknown", 4)));
+        EXPECT_EQ(ids(), "'id,other'") << "an update inserts nothing";
+    }
+}
+
+TEST_F(DriveWriters, NumbersKeepAllTheirBits)
+{
+    DriveDataTable record = treeRecord("id", "root");
+    record.SetSize(std::numeric_limits<int64>::min());
+    record.SetVersion(std::numeric_limits<int64>::max());
+    record.SetFavorite(std::numeric_limits<std::int32_t>::min());
+    record.SetClassIndex(std::numeric_limits<std::int32_t>::max());
+    m_drive.InsertDriveData(record);
+    EXPECT_EQ(row("id"), cellsOf(record));
+    EXPECT_EQ(cellsOf(m_drive.GetDriveDataById("id")), cellsOf(record));
+}
+
+TEST_F(DriveWriters, TextIsNeverPartOfTheStatement)
+{
+    const std::string texts[] = {"'; DROP TABLE DriveDataTable; --", "\"quoted\" :name ?1 %s",
+                                 std::string(3 << 20, 'm'), "\xE5\x90\x8D\r\n\t"};
+    for (const std::string& text : texts) {
+        DriveDataTable record = treeRecord(text, text);
+        record.SetName(text);
+        record.SetData4(text);
+        m_drive.InsertDriveData(record);
+        EXPECT_EQ(cellsOf(m_drive.GetDriveDataById(text)), cellsOf(record));
+        EXPECT_EQ(m_drive.GetDriveDataByParentId(text).size(), 1U);
+        EXPECT_TRUE(m_drive.DeleteDriveDataById(text));
+    }
+    EXPECT_EQ(m_drive.CountDriverData(), 0);
+}
+
+TEST_F(DriveWriters, ABatchIsOneTransactionThatLosesFailedRowsOnly)
+{
+    m_drive.InsertDriveData(treeRecord("b", "root"));
+    m_drive.trace.take();
+    EXPECT_TRUE(m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", "lost"), treeRecord("c", "")}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
+    EXPECT_EQ(m_drive.trace.take().size(), 5U);
+    EXPECT_EQ(m_file.query("SELECT fileId, parentId FROM DriveDataTable ORDER BY 1"),
+              (Rows{{"'a'", "''"}, {"'b'", "'root'"}, {"'c'", "''"}}));
+
+    EXPECT_TRUE(m_drive.InsertDriveDataBatch({}));
+    EXPECT_TRUE(m_drive.UpdateDriveData(std::vector<std::shared_ptr<DriveDataTable>>()));
+    EXPECT_TRUE(m_drive.DeleteDriveDataById(std::vector<std::string>()));
+    EXPECT_TRUE(m_drive.UpdateCloudContentStatusByIds({}));
+    EXPECT_EQ(m_drive.trace.take().size(), 8U) << "an empty batch begins and commits";
+}
+
+TEST_F(DriveWriters, NullRecordsAreLeftOutWithALine)
+{
+    m_drive.InsertDriveDataBatch({filledRecord("a", 1), filledRecord("b", 1)});
+    const auto update = [](const char* id) {
+        return std::make_shared<DriveDataTable>(filledRecord(id, 2));
+    };
+    EXPECT_TRUE(m_drive.UpdateDriveData(std::vector{update("a"), std::shared_ptr<DriveDataTable>(), update("b")}));
+    EXPECT_EQ(m_file.query("SELECT name FROM DriveDataTable"), (Rows{{"'name-2'"}, {"'name-2'"}}));
+    EXPECT_TRUE(m_log.failuresWere({{"DriverDBProviderBase::UpdateDriveData", "*"}}));
+}
+
+TEST_F(DriveWriters, UpdateByNamesPatchesEighteenMembers)
+{
+    const std::string keys[] = {
+        "batchOper",   "localAbsolutePath", "uploadTime",    "renameName",        "renameTime",  "moveParentId",
+        "moveTime",    "softDelete",        "deleteSrcPath", "softDeleteSrcPath", "softDelTime", "hardDelete",
+        "hardDelTime", "localRestore",      "restoreTime",   "parentId",          "name",        "version"};
+    const DriveDataTable before = filledRecord("id", 1);
+    m_drive.InsertDriveData(before);
+    std::unordered_map<std::string, std::string> values;
+    for (const std::string& key : keys) {
+        values[key] = "42" + key;
+    }
+    values["size"] = values["fileId"] = values["needToDisplay = 0; --"] = "42";
+    EXPECT_TRUE(m_drive.UpdateDriveData("id", values));
+    const std::vector<std::string> after = row("id");
+    for (std::size_t at = 0; at < after.size(); ++at) {
+        const DriveField& field = driveFields()[at];
+        const bool patched = std::ranges::count(keys, field.column) > 0 && field.column != "localAbsolutePath";
+        EXPECT_EQ(after[at], !patched ? field.cell(before) : field.text ? textCell("42" + field.column) : "42");
+    }
+
+    const std::tuple<std::string, std::string, std::string> numbers[] = {
+        {"version", "letters", "0"},
+        {"version", "", "0"},
+        {"version", " -7.9", "-7"},
+        {"version", "99999999999999999999", "9223372036854775807"},
+        {"version", "-99999999999999999999", "-9223372036854775808"},
+        {"softDelete", "4294967297", "1"}, // cut to the member's width
+        {"softDelete", "2147483648", "-2147483648"},
+    };
+    for (const auto& [key, text, stored] : numbers) {
+        EXPECT_TRUE(m_drive.UpdateDriveData("id", {{key, text}}));
+        EXPECT_EQ(m_file.value("SELECT " + key + " FROM DriveDataTable"), stored) << text;
+    }
+
+    const std::vector<std::string> unpatched = row("id");
+    EXPECT_TRUE(m_drive.UpdateDriveData("id", {}));
+    EXPECT_EQ(row("id"), unpatched);
+    EXPECT_TRUE(m_drive.UpdateDriveData("unknown", {{"name", "new"}}));
+    EXPECT_EQ(ids(), "'id'");
+}
+
+TEST_F(DriveWriters, OnlyTheDisplayFlagReportsTheEngine)
+{
+    m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", "")});
+    EXPECT_TRUE(m_drive.UpdateCloudContentStatusByIds({{"a", 2}, {"unknown", 3}, {"b", -1}}));
+    EXPECT_EQ(m_file.query("SELECT needToDisplay FROM DriveDataTable ORDER BY fileId"), (Rows{{"2"}, {"-1"}}));
+
+    useFolder(path(L"missing"));
+    const DriveDataTable record = treeRecord("a", "");
+    std::vector<std::string> statements{"SELECT 1", "SELECT 2"};
+    EXPECT_TRUE(m_drive.InsertDriveData(record) && m_drive.ReplaceDriveData(record));
+    for (const Update& update : updates) {
+        const bool reports = std::string(update.name).starts_with("UpdateCloudContentStatus");
+        EXPECT_EQ(update.call(m_drive, record), !reports) << update.name;
+    }
+    EXPECT_FALSE(m_drive.UpdateCloudContentStatusByIds({}));
+    EXPECT_TRUE(m_drive.UpdateDriveData("a", {{"name", "b"}}));
+    EXPECT_TRUE(m_drive.DeleteDriveDataById("a") && m_drive.DeleteDriveDataById(std::vector<std::string>{"a"}));
+    EXPECT_TRUE(m_drive.DeleteAllDriveData() && m_drive.DeleteDriveDataWithoutLocal());
+    EXPECT_TRUE(m_drive.ExecuteSQL("SELECT 1") && m_drive.ExecuteSQLList(statements));
+    EXPECT_FALSE(std::filesystem::exists(path(L"missing")));
+    const std::vector<std::string> log = m_log.take();
+    EXPECT_EQ(std::ranges::count_if(log, [](auto& line) { return line.ends_with("datdoes not exist."); }), 21);
+}
+
+TEST_F(DriveWriters, Deletes)
+{
+    m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", ""), treeRecord("c", ""), treeRecord("d", "")});
+    m_drive.trace.take();
+    EXPECT_TRUE(m_drive.DeleteDriveDataById("a"));
+    EXPECT_EQ(statement(), "DELETE FROM DriveDataTable WHERE fileId = :fileId ;");
+    EXPECT_TRUE(m_drive.DeleteDriveDataById(std::vector<std::string>{"b", "unknown", "c"}));
+    EXPECT_EQ(ids(), "'d'");
+
+    // The statement tests a column that the table does not have.
+    EXPECT_TRUE(m_drive.DeleteDriveDataWithoutLocal());
+    EXPECT_TRUE(m_log.failuresWere({lines.prepare}));
+    EXPECT_EQ(ids(), "'d'");
+    m_file.exec("ALTER TABLE DriveDataTable ADD COLUMN local INTEGER");
+    m_drive.trace.take();
+    EXPECT_TRUE(m_drive.DeleteDriveDataWithoutLocal());
+    EXPECT_EQ(statement(), "DELETE FROM DriveDataTable WHERE local = 1;");
+
+    EXPECT_TRUE(m_drive.DeleteAllDriveData());
+    EXPECT_EQ(statement(), "DELETE FROM DriveDataTable;");
+    EXPECT_EQ(m_drive.CountDriverData(), 0);
+}
+
+TEST_F(DriveWriters, ListsOfStatementsRunEachAlone)
+{
+    std::vector<std::string> statements{"INSERT INTO DriveDataTable(fileId) VALUES('a')",
+                                        "INSERT INTO nowhere VALUES(1)",
+                                        "INSERT INTO DriveDataTable(fileId) VALUES('b'); DELETE FROM DriveDataTable"};
+    EXPECT_TRUE(m_drive.ExecuteSQLList(statements));
+    EXPECT_TRUE(m_log.failuresWere({lines.prepare}));
+    EXPECT_EQ(ids(), "'a,b'") << "only the first statement of a text runs";
+    EXPECT_EQ(m_file.value("SELECT needToDisplay FROM DriveDataTable LIMIT 1"), "1") << "here the default applies";
+    const int opened = m_drive.opened;
+    statements.clear();
+    EXPECT_TRUE(m_drive.ExecuteSQLList(statements));
+    EXPECT_EQ(m_drive.opened, opened) << "an empty list opens nothing";
+    EXPECT_TRUE(m_drive.ExecuteSQL("DELETE FROM DriveDataTable WHERE fileId = 'a'"));
+    EXPECT_EQ(ids(), "'b'");
+}

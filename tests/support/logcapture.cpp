@@ -1,0 +1,100 @@
+#include "support/logcapture.h"
+
+#include "clientservices/cloudlogger.h"
+
+#include <algorithm>
+
+namespace testsupport {
+
+namespace {
+
+std::string describe(int severity, const std::string& function, const std::string& message)
+{
+    return std::to_string(severity) + ' ' + function + ": " + message;
+}
+
+std::string describe(const Logger::LogEntry& entry)
+{
+    std::string text = describe(entry.severity, entry.function, entry.message);
+    if (entry.module != 0 || entry.line <= 0 || (entry.severity == 5 && !entry.flag)) {
+        text += " (module " + std::to_string(entry.module) + ", line " + std::to_string(entry.line) + ", flag " +
+            std::to_string(entry.flag) + ')';
+    }
+    return text;
+}
+
+bool matches(const Logger::LogEntry& entry, const ExpectedLine& line)
+{
+    if (!line.message.ends_with('*')) {
+        return describe(entry) == describe(line.severity, line.function, line.message);
+    }
+    const std::string prefix = line.message.substr(0, line.message.size() - 1);
+    return entry.message.starts_with(prefix) &&
+        describe(entry) == describe(line.severity, line.function, entry.message);
+}
+
+testing::AssertionResult compare(const std::vector<Logger::LogEntry>& entries, const std::vector<ExpectedLine>& lines)
+{
+    if (std::ranges::equal(entries, lines, matches)) {
+        return testing::AssertionSuccess();
+    }
+    testing::AssertionResult failure = testing::AssertionFailure();
+    failure << "the log has\n";
+    for (const Logger::LogEntry& entry : entries) {
+        failure << "  " << describe(entry) << '\n';
+    }
+    failure << "and should have\n";
+    for (const ExpectedLine& line : lines) {
+        failure << "  " << describe(line.severity, line.function, line.message) << '\n';
+    }
+    return failure;
+}
+
+} // namespace
+
+ExpectedLine engine(const std::string& function, const std::string& message)
+{
+    return {"DatabaseOperationBase::" + function, message};
+}
+
+LogCapture::LogCapture() : m_sink(std::make_shared<Logger::CaptureSink>())
+{
+    Logger::CloudLogger::GetInstance()->AddSink(m_sink);
+}
+
+LogCapture::~LogCapture()
+{
+    Logger::CloudLogger::GetInstance()->RemoveSink(m_sink);
+    EXPECT_TRUE(failuresWere({})) << "at the end of the test";
+}
+
+testing::AssertionResult LogCapture::failuresWere(const std::vector<ExpectedLine>& lines)
+{
+    return compare(takeEntries(true), lines);
+}
+
+testing::AssertionResult LogCapture::linesWere(const std::vector<ExpectedLine>& lines)
+{
+    return compare(takeEntries(false), lines);
+}
+
+std::vector<std::string> LogCapture::take()
+{
+    std::vector<std::string> lines;
+    for (const Logger::LogEntry& entry : takeEntries(false)) {
+        lines.push_back(describe(entry));
+    }
+    return lines;
+}
+
+std::vector<Logger::LogEntry> LogCapture::takeEntries(bool failuresOnly)
+{
+    std::vector<Logger::LogEntry> entries = m_sink->Entries();
+    m_sink->Clear();
+    if (failuresOnly) {
+        std::erase_if(entries, [](const Logger::LogEntry& entry) { return entry.severity < 5; });
+    }
+    return entries;
+}
+
+} // namespace testsupport

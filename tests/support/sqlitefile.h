@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <sqlite3.h>
+#include <string>
+#include <vector>
+
+namespace testsupport {
+
+/// Cells as SQL writes them, so that the storage class can be told: NULL, 7, 1.5, 'text', x'00FF'.
+using Rows = std::vector<std::vector<std::string>>;
+
+std::string textCell(const std::string& text);
+
+/// A database file, looked at and made with SQLite alone. Errors throw with SQLite's message.
+class SqliteFile {
+public:
+    enum class Collation { None, NameCompare };
+
+    /// Creates a missing file.
+    explicit SqliteFile(const std::filesystem::path& file, Collation collation = Collation::None);
+    SqliteFile(const SqliteFile&) = delete;
+    SqliteFile& operator=(const SqliteFile&) = delete;
+    ~SqliteFile();
+
+    sqlite3* handle() const { return m_db; }
+
+    /// Any number of statements.
+    void exec(const std::string& sql);
+    Rows query(const std::string& sql);
+    /// The one cell of the one row.
+    std::string value(const std::string& sql);
+
+private:
+    sqlite3* m_db = nullptr;
+};
+
+} // namespace testsupport
