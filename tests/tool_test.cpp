@@ -1,0 +1,521 @@
+#include "platform/paths.h"
+#include "support/sqlitefile.h"
+#include "support/testfolder.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testsupport::SqliteFile;
+
+namespace {
+
+constexpr bool onPosix = fs::path::preferred_separator == '/';
+
+fs::path utf8Path(const std::string& text)
+{
+    return fs::path(std::u8string(text.begin(), text.end()));
+}
+
+std::string readFile(const fs::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void writeFile(const fs::path& file, const std::string& content)
+{
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+std::string shellQuoted(const std::string& text)
+{
+    if constexpr (!onPosix) {
+        return '"' + text + '"';
+    }
+    std::string quoted = "'";
+    for (const char letter : text) {
+        quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+    }
+    return quoted + "'";
+}
+
+struct Ran {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+class Tool : public testing::Test {
+protected:
+    using Arguments = std::vector<std::string>;
+
+    Tool() { fs::create_directories(source()); }
+
+    fs::path store() const { return m_folder.path() / "store"; }
+    fs::path storeFile() const { return store() / "DriveModuleData.dat"; }
+    fs::path source() const { return m_folder.path() / "source"; }
+
+    /// Runs the program; `before` is what the shell puts in front of it.
+    Ran run(const Arguments& arguments, const std::string& before = {}) const
+    {
+        const fs::path out = m_folder.path() / "out.txt";
+        const fs::path err = m_folder.path() / "err.txt";
+        std::string command = before + shellQuoted(DBSERVICE_PROGRAM);
+        for (const std::string& argument : arguments) {
+            command += ' ' + shellQuoted(argument);
+        }
+        command += " > " + shellQuoted(platform::toUtf8(out)) + " 2> " + shellQuoted(platform::toUtf8(err));
+        const int status = std::system((onPosix ? command : '"' + command + '"').c_str());
+        return {status > 255 ? status / 256 : status, readFile(out), readFile(err)};
+    }
+
+    Ran onStore(Arguments arguments, const std::string& before = {}) const
+    {
+        arguments.insert(arguments.begin(), {"--folder", platform::toUtf8(store())});
+        return run(arguments, before);
+    }
+
+    Ran scan(const std::string& before = {}) const
+    {
+        return onStore({"--json", "scan", platform::toUtf8(source())}, before);
+    }
+
+    /// The lines of a command's JSON.
+    std::vector<json> rows(Arguments arguments) const
+    {
+        arguments.insert(arguments.begin(), "--json");
+        const Ran ran = onStore(arguments);
+        EXPECT_EQ(ran.code, 0) << ran.err;
+        std::vector<json> lines;
+        std::istringstream stream(ran.out);
+        for (std::string line; std::getline(stream, line);) {
+            lines.push_back(json::parse(line));
+        }
+        return lines;
+    }
+
+    json row(const std::string& path) const { return rows({"stat", path}).at(0); }
+
+    void changeStore(const std::string& sql) const
+    {
+        SqliteFile(storeFile(), SqliteFile::Collation::NameCompare).exec(sql);
+    }
+
+    testsupport::TestFolder m_folder;
+};
+
+/// The numbers of a scan: added, changed, unchanged, removed, left alone, rows.
+std::vector<int> numbers(const Ran& scan)
+{
+    const json result = json::parse(scan.out);
+    return {result["added"],   result["changed"],   result["unchanged"],
+            result["removed"], result["leftAlone"], result["rows"]};
+}
+
+/// Every file of a folder with what is in it.
+std::map<std::string, std::string> contents(const fs::path& folder)
+{
+    std::map<std::string, std::string> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        files[platform::toUtf8(entry.path().filename())] = readFile(entry.path());
+    }
+    return files;
+}
+
+TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
+{
+    const std::string folder = platform::toUtf8(m_folder.path());
+    writeFile(m_folder.path() / "foreign" / "DriveModuleData.dat", "this is no database, but long enough for one");
+    writeFile(m_folder.path() / "empty" / "DriveModuleData.dat", "");
+    fs::create_directories(m_folder.path() / "odd" / "DriveModuleData.dat");
+    writeFile(source() / "file", "");
+
+    struct Case {
+        Arguments arguments;
+        int code;
+        std::string told;
+    };
+    const Case cases[]{
+        {{}, 2, "no command"},
+        {{"frobnicate"}, 2, "frobnicate"},
+        {{"ls", "--frobnicate"}, 2, "--frobnicate"},
+        {{"ls", "--count", "-1"}, 2, "--count"},
+        {{"ls", "--offset", "99999999999999"}, 2, "--offset"},
+        {{"stat"}, 2, "PATH"},
+        {{"count", "count"}, 2, "count"},
+        {{"ls"}, 1, "--folder STORE"},
+        {{"--folder", folder + "/nowhere", "ls"}, 1, "does not exist"},
+        {{"--folder", folder + "/source", "ls"}, 1, "there is no DriveModuleData.dat"},
+        {{"--folder", folder + "/source/file", "ls"}, 1, "is not a folder"},
+        {{"--folder", folder + "/empty", "count"}, 1, "is empty"},
+        {{"--folder", folder + "/odd", "count"}, 1, "is not a file"},
+        {{"--folder", folder + "/foreign", "count"}, 1, "is not a database"},
+        {{"--folder", folder + "/foreign", "init"}, 1, "is not a database"},
+        {{"--folder", folder + "/foreign", "scan", folder + "/source"}, 1, "is not a database"},
+        {{"--folder", folder + "/new", "scan", folder + "/nowhere"}, 1, "cannot read the folder"},
+        {{"--folder", folder + "/new", "scan", folder + "/source/file"}, 1, "cannot read the folder"},
+        {{"--folder", folder + "/source", "--log", folder + "/odd", "init"}, 1, "cannot write the log file"},
+    };
+    const fs::path before = fs::current_path();
+    fs::current_path(m_folder.path());
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        const Ran ran = run(c.arguments);
+        EXPECT_EQ(ran.code, c.code);
+        EXPECT_EQ(ran.out, "");
+        EXPECT_EQ(ran.err.rfind("dbservice: ", 0), 0U) << ran.err;
+        EXPECT_NE(ran.err.find(c.told), std::string::npos) << ran.err;
+    }
+    fs::current_path(before);
+    EXPECT_EQ(contents(source()).size(), 1U);
+    EXPECT_FALSE(fs::exists(m_folder.path() / "new"));
+    EXPECT_FALSE(fs::exists(m_folder.path() / "nowhere"));
+
+    for (const std::string option : {"--version", "--help"}) {
+        const Ran ran = run({option});
+        EXPECT_EQ(ran.code, 0);
+        EXPECT_NE(ran.out.find(option == "--help" ? "Exit code" : "SQLite 3."), std::string::npos) << ran.out;
+    }
+}
+
+TEST_F(Tool, FindsTheStoreByOptionEnvironmentOrCurrentFolder)
+{
+    const Ran made = onStore({"--json", "init"});
+    ASSERT_EQ(made.code, 0) << made.err;
+    EXPECT_NE(made.err.find("made the folder"), std::string::npos);
+    EXPECT_EQ(json::parse(made.out)["tables"],
+              (json{{"DriveDataTable", 0}, {"DriveConfTable", 0}, {"DriveFullTask", 0}, {"DriveFolderSync", 0}}));
+    const fs::path before = fs::current_path();
+    fs::current_path(store());
+    EXPECT_EQ(run({"count"}).code, 0);
+    fs::current_path(before);
+    if constexpr (onPosix) {
+        EXPECT_EQ(run({"count"}, "DBSERVICE_FOLDER=" + shellQuoted(platform::toUtf8(store())) + ' ').code, 0);
+        EXPECT_EQ(onStore({"count"}, "DBSERVICE_FOLDER=/nowhere ").code, 0);
+    }
+}
+
+TEST_F(Tool, RecordsAnUglyFolder)
+{
+    std::vector<std::string> names{"plain.txt",
+                                   "it's \xC3\xA4 \xCE\xB1\xCE\xB2 \xE5\x86\x99\xE7\x9C\x9F \xD8\xB9\xD8\xB1.jpg",
+                                   "\xF0\x9F\x93\xB7 100%_[a,b] $HOME `x`.PNG", ".hidden", "folder with blanks/empty"};
+    std::string deep = "deep";
+    for (int level = 0; level < 100; ++level) {
+        deep += "/d";
+    }
+    int entries = 1 + static_cast<int>(names.size()) + 1 + 101;
+    for (const std::string& name : names) {
+        fs::create_directories((source() / utf8Path(name)).parent_path());
+        if (name.ends_with("empty")) {
+            fs::create_directories(source() / utf8Path(name));
+        } else {
+            writeFile(source() / utf8Path(name), name);
+        }
+    }
+    fs::create_directories(source() / deep);
+    int odd = 0;
+    if constexpr (onPosix) {
+        for (const std::string name : {"say \"hi\"\nbye\x1b[31m\\.txt", "id:1", "-rf", "latin\xE9", "latin\xE8"}) {
+            writeFile(source() / name, "x");
+            ++entries;
+        }
+        fs::create_symlink("nowhere", source() / "dangling");
+        fs::create_symlink("loop2", source() / "loop1");
+        fs::create_symlink("loop1", source() / "loop2");
+        fs::create_directory_symlink("../..", source() / "folder with blanks" / "up");
+        fs::create_symlink("plain.txt", source() / "fine");
+        ASSERT_EQ(std::system(("mkfifo " + shellQuoted(platform::toUtf8(source() / "pipe.jpg"))).c_str()), 0);
+        entries += 6;
+        odd = 6;
+    }
+
+    const Ran first = scan(onPosix ? "env -u TERM LC_ALL=C " : "");
+    ASSERT_EQ(first.code, 0) << first.err;
+    EXPECT_EQ(numbers(first), (std::vector{entries, 0, 0, 0, 0, entries}));
+    EXPECT_EQ(json::parse(first.out)["odd"], odd) << first.err;
+    EXPECT_EQ(first.err.find('\x1b'), std::string::npos);
+    EXPECT_EQ(numbers(scan()), (std::vector{0, 0, entries, 0, 0, entries}));
+
+    names.push_back(deep);
+    if constexpr (onPosix) {
+        names.insert(names.end(), {"say \"hi\"\nbye\x1b[31m\\.txt", "id:1", "-rf"});
+    }
+    for (const std::string& name : names) {
+        SCOPED_TRACE(name);
+        const json found = row("/" + name);
+        EXPECT_EQ(found["name"], name.substr(name.rfind('/') + 1));
+        EXPECT_EQ(found["localAbsolutePath"],
+                  platform::toUtf8(fs::canonical(source()) / utf8Path(name).make_preferred()));
+        EXPECT_EQ(row("id:" + found["fileId"].get<std::string>()), found);
+    }
+    EXPECT_EQ(row("/")["subtree"], entries);
+    EXPECT_EQ(row("/deep/d/./../d")["subtree"], 100);
+    EXPECT_EQ(row("/")["parentId"], "");
+    EXPECT_EQ(row(names[2])["mimeType"], "image/png");
+    EXPECT_EQ(row(names[2])["classIndex"], 2);
+    EXPECT_EQ(row(names[2])["needToDisplay"], 1);
+    EXPECT_EQ(row("plain.txt")["size"], 9);
+    EXPECT_EQ(rows({"ls", "/folder with blanks/empty"}).size(), 0U);
+    EXPECT_EQ(rows({"count"}).at(0)["rows"], entries);
+    if constexpr (onPosix) {
+        EXPECT_EQ(row("/pipe.jpg")["mimeType"], "inode/fifo");
+        EXPECT_EQ(row("/folder with blanks/up")["mimeType"], "inode/symlink");
+        EXPECT_EQ(row("/folder with blanks/up")["subtree"], 1);
+        const Ran two = onStore({"stat", "/latin\xE9"});
+        EXPECT_EQ(two.code, 1);
+        EXPECT_NE(two.err.find(" id:"), std::string::npos) << two.err;
+        const Ran table = onStore({"ls"});
+        EXPECT_NE(table.out.find("say \"hi\"\\nbye\\x1b[31m\\.txt\n"), std::string::npos) << table.out;
+    }
+}
+
+TEST_F(Tool, PagesFoldersFirst)
+{
+    for (int i = 0; i < 5; ++i) {
+        writeFile(source() / ("f" + std::to_string(i)), std::string(2000, 'x'));
+        fs::create_directories(source() / ("d" + std::to_string(i)));
+    }
+    ASSERT_EQ(scan().code, 0);
+    std::vector<std::string> seen;
+    for (const std::string offset : {"0", "4", "8", "12"}) {
+        bool files = false;
+        const std::vector<json> page = rows({"ls", "--count", "4", "--offset", offset});
+        EXPECT_EQ(page.size(), offset == "12" ? 0U : offset == "8" ? 2U : 4U);
+        for (const json& shown : page) {
+            seen.push_back(shown["name"]);
+            EXPECT_FALSE(files && shown["name"].get<std::string>().starts_with('d'));
+            files = files || shown["name"].get<std::string>().starts_with('f');
+        }
+    }
+    std::sort(seen.begin(), seen.end());
+    EXPECT_EQ(seen, (std::vector<std::string>{"d0", "d1", "d2", "d3", "d4", "f0", "f1", "f2", "f3", "f4"}));
+    EXPECT_NE(onStore({"ls", "--count", "4", "--offset", "4"}).err.find("--offset 8"), std::string::npos);
+    EXPECT_EQ(onStore({"ls", "--count", "5", "--offset", "5"}).err, "");
+    EXPECT_NE(onStore({"ls", "/f1"}).out.find("1.9 KiB"), std::string::npos);
+
+    const json counted = rows({"count"}).at(0);
+    EXPECT_EQ(counted["folders"], 6);
+    EXPECT_EQ(counted["files"], 5);
+    EXPECT_EQ(counted["classIndex"]["32"], 5);
+    for (const std::string path : {"/none", "/f1/none", "id:none", "/' OR 1=1 --"}) {
+        EXPECT_EQ(onStore({"ls", path}).code, 1) << path;
+    }
+}
+
+TEST_F(Tool, ASecondScanBringsTheTreeUpToDate)
+{
+    for (const char* name : {"keep.txt", "same-size.txt", "gone.txt", "gone/a", "gone/sub/b", "to-folder", "to-file/c",
+                             "to-file/sub/d", "old-name", "untouched/e", "untouched/f", "binned", "moving"}) {
+        writeFile(source() / name, "aaaa");
+    }
+    ASSERT_EQ(numbers(scan()), (std::vector{19, 0, 0, 0, 0, 19}));
+    changeStore("UPDATE DriveDataTable SET localFileSha256 = 'sha', hash = 'h', favorite = 1, data1 = 'mine', "
+                "renameName = 'new', renameTime = 5, renameBatchId = 6, version = 1234567890123 "
+                "WHERE name IN ('keep.txt', 'same-size.txt');"
+                "UPDATE DriveDataTable SET recycled = 1 WHERE name = 'binned';"
+                "UPDATE DriveDataTable SET moveBatchId = 7 WHERE name = 'moving';");
+    const json keptBefore = row("/keep.txt");
+
+    writeFile(source() / "new.txt", "x");
+    writeFile(source() / "new" / "g", "x");
+    writeFile(source() / "same-size.txt", "bbbb");
+    fs::last_write_time(source() / "same-size.txt",
+                        fs::last_write_time(source() / "same-size.txt") + std::chrono::microseconds(5));
+    for (const char* name : {"gone.txt", "gone", "to-folder", "to-file", "binned", "moving"}) {
+        fs::remove_all(source() / name);
+    }
+    writeFile(source() / "to-folder" / "h", "x");
+    writeFile(source() / "to-file", "x");
+    fs::rename(source() / "old-name", source() / "new-name");
+
+    // Added: new.txt, new, new/g, to-folder/h, new-name. Changed: the source (its time), same-size.txt and the two
+    // that became something else. Removed: gone.txt, four of gone, three below to-file, old-name.
+    const Ran second = scan();
+    EXPECT_EQ(second.code, 0) << second.err;
+    EXPECT_EQ(numbers(second), (std::vector{5, 4, 4, 9, 2, 15}));
+    EXPECT_EQ(numbers(scan()), (std::vector{0, 0, 13, 0, 2, 15}));
+
+    EXPECT_EQ(row("/keep.txt"), keptBefore);
+    const json changed = row("/same-size.txt");
+    EXPECT_NE(changed["contentVersion"], keptBefore["contentVersion"]);
+    for (const char* column : {"localFileSha256", "hash", "favorite", "data1", "data2", "renameName", "renameTime",
+                               "renameBatchId", "version", "needToDisplay"}) {
+        EXPECT_EQ(changed[column], keptBefore[column]) << column;
+    }
+    EXPECT_EQ(row("/to-folder")["subtree"], 2);
+    EXPECT_EQ(row("/to-file")["subtree"], 1);
+    EXPECT_EQ(row("/moving")["moveBatchId"], 7);
+    EXPECT_EQ(rows({"count"}).at(0)["recycled"], 1);
+    EXPECT_EQ(row("/")["subtree"], 14); // all but the one in the bin
+}
+
+// What runs that were cut off, or a client, can leave behind: marks, rows without their parent, rows elsewhere.
+TEST_F(Tool, AScanMendsWhatOthersLeft)
+{
+    for (const char* name : {"a/b/c", "a/b/gone", "d", "e"}) {
+        writeFile(source() / name, "x");
+    }
+    ASSERT_EQ(scan().code, 0);
+    fs::remove(source() / "a" / "b" / "gone");
+    changeStore("UPDATE DriveDataTable SET data2 = 1 WHERE name IN ('d', 'gone');"
+                "UPDATE DriveDataTable SET parentId = (SELECT fileId FROM DriveDataTable WHERE name = 'a') "
+                "WHERE name = 'e';"
+                "DELETE FROM DriveDataTable WHERE name = 'b';");
+    const Ran mended = scan();
+    EXPECT_EQ(mended.code, 0) << mended.err;
+    EXPECT_EQ(numbers(mended), (std::vector{1, 1, 4, 1, 0, 6}));
+    EXPECT_EQ(row("/d")["data2"], "");
+    EXPECT_EQ(row("/e")["name"], "e");
+    EXPECT_EQ(row("/")["subtree"], 6);
+}
+
+TEST_F(Tool, RefusesTheTreeOfAnotherSource)
+{
+    ASSERT_EQ(scan().code, 0);
+    const std::map<std::string, std::string> before = contents(store());
+    const fs::path other = m_folder.path() / "other";
+    writeFile(other / "file", "");
+    const Ran refused = onStore({"scan", platform::toUtf8(other)});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_NE(refused.err.find("it holds the tree of"), std::string::npos) << refused.err;
+    EXPECT_EQ(contents(store()), before);
+
+    changeStore("UPDATE DriveDataTable SET fileId = 'a client''s own'");
+    EXPECT_NE(scan().err.find("no scan has written"), std::string::npos);
+}
+
+TEST_F(Tool, LeavesTheStoreItselfOutOfTheTree)
+{
+    const Ran inside = onStore({"--json", "scan", platform::toUtf8(m_folder.path())});
+    ASSERT_EQ(inside.code, 0) << inside.err;
+    EXPECT_EQ(row("/store")["subtree"], 1);
+}
+
+TEST_F(Tool, KeepsWhatItCannotReadAndSaysSo)
+{
+    if constexpr (onPosix) {
+        writeFile(source() / "closed" / "inner" / "file", "x");
+        writeFile(source() / "listed" / "file", "x");
+        ASSERT_EQ(numbers(scan()), (std::vector{6, 0, 0, 0, 0, 6}));
+        fs::remove_all(source() / "closed" / "inner");
+        fs::permissions(source() / "closed", fs::perms::none);
+        fs::permissions(source() / "listed", fs::perms::owner_read);
+        // The superuser may read everything, unless he gives that up.
+        std::error_code refused;
+        fs::directory_iterator(source() / "closed", refused);
+        const Ran ran = scan(refused ? "" : "setpriv --bounding-set -dac_override,-dac_read_search ");
+        EXPECT_EQ(ran.code, 1) << ran.err;
+        EXPECT_EQ(json::parse(ran.out)["lost"], 2) << ran.err;
+        EXPECT_NE(ran.err.find("/closed: cannot read this folder"), std::string::npos) << ran.err;
+        EXPECT_EQ(row("/closed/inner/file")["size"], 1);
+        EXPECT_EQ(row("/listed/file")["size"], 1);
+        fs::permissions(source() / "closed", fs::perms::owner_all);
+        fs::permissions(source() / "listed", fs::perms::owner_all);
+        EXPECT_EQ(numbers(scan())[3], 2);
+    }
+}
+
+// A journal with what must be undone lies beside the file, or the file asks for a write-ahead log.
+TEST_F(Tool, ShowingChangesNoByte)
+{
+    for (int i = 0; i < 300; ++i) {
+        writeFile(source() / ("file" + std::to_string(i)), "x");
+    }
+    ASSERT_EQ(scan().code, 0);
+    const fs::path real = m_folder.path() / "real";
+    const fs::path temporary = m_folder.path() / "temporary";
+    fs::create_directories(temporary);
+
+    const auto look = [&](const std::string& what) {
+        SCOPED_TRACE(what);
+        const std::map<std::string, std::string> before = contents(store());
+        const std::string where = onPosix ? "TMPDIR=" + shellQuoted(platform::toUtf8(temporary)) + ' ' : "";
+        for (const Arguments& command : {Arguments{"ls"}, {"stat", "/file7"}, {"count"}}) {
+            const Ran ran = onStore(command, where);
+            EXPECT_EQ(ran.code, 0) << ran.err;
+        }
+        EXPECT_EQ(row("/file7")["name"], "file7");
+        EXPECT_EQ(contents(store()), before);
+        EXPECT_TRUE(fs::is_empty(temporary));
+    };
+    look("plain");
+
+    fs::rename(store(), real);
+    fs::create_directories(store());
+    {
+        SqliteFile writer(real / "DriveModuleData.dat", SqliteFile::Collation::NameCompare);
+        writer.exec("PRAGMA cache_size = 5; BEGIN; UPDATE DriveDataTable SET name = 'half written', size = 7;");
+        for (const char* name : {"DriveModuleData.dat", "DriveModuleData.dat-journal"}) {
+            fs::copy_file(real / name, store() / name);
+        }
+    }
+    ASSERT_NE(readFile(storeFile()), readFile(real / "DriveModuleData.dat"));
+    look("hot journal");
+
+    SqliteFile(real / "DriveModuleData.dat").exec("PRAGMA journal_mode = WAL;");
+    fs::remove_all(store());
+    fs::create_directories(store());
+    fs::copy_file(real / "DriveModuleData.dat", storeFile());
+    look("write-ahead log, closed");
+    {
+        SqliteFile writer(real / "DriveModuleData.dat", SqliteFile::Collation::NameCompare);
+        writer.exec("UPDATE DriveDataTable SET size = 77 WHERE name = 'file7';");
+        fs::copy_file(real / "DriveModuleData.dat-wal", store() / "DriveModuleData.dat-wal");
+    }
+    look("write-ahead log with rows in it");
+    EXPECT_EQ(row("/file7")["size"], 77);
+}
+
+TEST_F(Tool, FailuresOfTheLibraryReachThePerson)
+{
+    fs::create_directories(store());
+    SqliteFile(storeFile()).exec("CREATE TABLE other(x)");
+    const fs::path log = m_folder.path() / "log.txt";
+    for (const Arguments& command : {Arguments{"count"}, {"ls", "id:x"}, {"--quiet", "count"}}) {
+        Arguments arguments{"--log", platform::toUtf8(log)};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        const Ran ran = onStore(arguments);
+        EXPECT_EQ(ran.code, 1);
+        EXPECT_NE(ran.err.find("dbservice: warning: DriveModuleData.dat: sqlite3_prepare failed"), std::string::npos)
+            << ran.err;
+    }
+    EXPECT_NE(readFile(log).find("sqlite3_prepare failed"), std::string::npos);
+
+    fs::remove_all(store());
+    ASSERT_EQ(scan().code, 0);
+    changeStore("INSERT INTO DriveDataTable(fileId, parentId, recycled) VALUES ('x', 'y', 0), ('y', 'x', 0);");
+    EXPECT_NE(onStore({"stat", "id:x"}).err.find("its own ancestor"), std::string::npos);
+}
+
+// A table that refuses updates stands for a full disk: nothing may be swept when rows could not be written.
+TEST_F(Tool, AFailedScanRemovesNothing)
+{
+    writeFile(source() / "changed", "x");
+    writeFile(source() / "gone", "x");
+    ASSERT_EQ(scan().code, 0);
+    changeStore("CREATE TRIGGER refuse BEFORE UPDATE OF name ON DriveDataTable BEGIN "
+                "SELECT RAISE(ABORT, 'refused'); END;");
+    writeFile(source() / "changed", "xx");
+    fs::remove(source() / "gone");
+    const Ran ran = scan();
+    EXPECT_EQ(ran.code, 1);
+    EXPECT_EQ(ran.out, "");
+    EXPECT_NE(ran.err.find("refused"), std::string::npos) << ran.err;
+    EXPECT_EQ(rows({"count"}).at(0)["rows"], 3);
+    changeStore("DROP TRIGGER refuse");
+    EXPECT_EQ(numbers(scan()), (std::vector{0, 2, 0, 1, 0, 2}));
+}
+
+} // namespace

@@ -1,0 +1,102 @@
+#include "application.h"
+
+#include "commands.h"
+#include "databaseservice/version.h"
+#include "displaytext.h"
+#include "failure.h"
+#include "session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+namespace dbservice {
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int wrongUsage = 2;
+
+std::string versions()
+{
+    return "dbservice " + DatabaseService::LibraryVersion() + "\nSQLite " + DatabaseService::SqliteVersion() +
+        "\norder of names " + DatabaseService::NameOrderVersion();
+}
+
+void addGlobalOptions(CLI::App& app, GlobalOptions& options)
+{
+    app.add_option("--folder", options.folder,
+                   "The user's database folder; without it the current folder, if it holds store files")
+        ->envname("DBSERVICE_FOLDER")
+        ->type_name("STORE");
+    app.add_option("--log", options.logFile, "Write everything that the library logs to FILE, rotated at 10 MiB")
+        ->type_name("FILE");
+    app.add_flag("--json", options.json, "Print results as JSON with the stored names as keys");
+    app.add_flag("--quiet", options.quiet, "No progress and no notes; warnings and errors stay");
+    app.set_version_flag("--version", versions, "Show the versions of library, SQLite and order of names");
+    app.footer("Results go to standard output, everything else to standard error.\n"
+               "Exit code: 0 done, 1 something failed or was lost, 2 wrong usage.\n"
+               "Help on a command: dbservice COMMAND --help");
+}
+
+int misused(const char* what)
+{
+    std::cerr << "dbservice: " << printable(what) << "\nTry `dbservice --help`." << std::endl;
+    return wrongUsage;
+}
+
+int runCommand(const GlobalOptions& options, const Command& command)
+{
+    Session session(options);
+    int code = failed;
+    try {
+        code = command(session);
+    } catch (const Failure& reason) {
+        session.reporter().error(reason.what());
+    } catch (const std::exception& error) {
+        session.reporter().error(std::string("cannot go on: ") + error.what());
+    }
+    if (code == 0 && session.libraryFailures() > 0) {
+        session.reporter().error("cannot vouch for the result: the store reported " +
+                                 counted(session.libraryFailures(), "failure", "failures") +
+                                 ", see the warnings above");
+        code = failed;
+    }
+    if (!std::cout.flush()) {
+        session.reporter().error("cannot write the result to standard output");
+        code = failed;
+    }
+    return code;
+}
+
+} // namespace
+
+int run(const std::vector<std::string>& arguments)
+{
+    GlobalOptions options;
+    Command command;
+    CLI::App app("Works on the database stores of a user's folder.", "dbservice");
+    app.fallthrough();
+    app.allow_windows_style_options(false); // "/Photos" is a path
+    app.require_subcommand(0, 1);           // none is told apart below, with a better text
+    app.get_formatter()->column_width(28);
+    addGlobalOptions(app, options);
+    addInit(app, command);
+    addScan(app, command);
+    addLs(app, command);
+    addStat(app, command);
+    addCount(app, command);
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        return command ? runCommand(options, command) : misused("no command is given");
+    } catch (const CLI::Success& asked) {
+        return app.exit(asked);
+    } catch (const CLI::ParseError& error) {
+        return misused(error.what());
+    } catch (const std::exception& error) { // the session could not begin
+        std::cerr << "dbservice: " << printable(error.what()) << std::endl;
+        return failed;
+    }
+}
+
+} // namespace dbservice

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace dbservice {
+
+class Session;
+
+/// What a command does once the command line is understood. Gives the exit code, or throws a `Failure`.
+using Command = std::function<int(Session&)>;
+
+// Each of these adds one command to the command line and sets `chosen` when the person names it.
+
+void addInit(CLI::App& app, Command& chosen);
+void addScan(CLI::App& app, Command& chosen);
+void addLs(CLI::App& app, Command& chosen);
+void addStat(CLI::App& app, Command& chosen);
+void addCount(CLI::App& app, Command& chosen);
+
+} // namespace dbservice

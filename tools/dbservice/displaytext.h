@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Text as a person reads it. All functions take and give UTF-8 and none looks at the locale.
+namespace dbservice {
+
+/// With everything escaped that would move the cursor or turn the text around: "\n", "\x1b", "\u{202e}".
+std::string printable(std::string_view text);
+
+/// How many cells of a terminal the text takes. Wide characters take two, combining ones none.
+int cellWidth(std::string_view text);
+
+/// Cut to at most `width` cells, the last of them an ellipsis if anything was cut.
+std::string fitted(std::string_view text, int width);
+
+/// "0 B", "1.5 KiB", "12.0 GiB".
+std::string humanSize(std::int64_t bytes);
+
+/// Seconds since 1970-01-01 00:00 UTC as "2024-02-29 12:34:56" in UTC; as the plain number where no year fits.
+std::string humanTime(std::int64_t seconds);
+
+/// "1,234,567".
+std::string grouped(std::int64_t number);
+
+/// "1 row", "2,000 rows".
+std::string counted(std::int64_t number, std::string_view singular, std::string_view plural);
+
+/// "0.12"
+std::string twoDecimals(double number);
+
+} // namespace dbservice

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "databaseservice/drivedatatable.h"
+
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <string>
+
+namespace dbservice {
+
+/// The record with its stored columns as keys, in the order of the table.
+nlohmann::ordered_json toJson(const DatabaseService::DriveDataTable& row);
+
+/// Calls `visit` for each stored column with the value as a person reads it, empty for a value that is 0 or empty.
+void forEachField(const DatabaseService::DriveDataTable& row,
+                  const std::function<void(const std::string& name, const std::string& value)>& visit);
+
+/// One line of JSON, with anything repaired that is not UTF-8.
+std::string toLine(const nlohmann::ordered_json& value);
+
+} // namespace dbservice

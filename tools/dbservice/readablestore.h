@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+
+namespace dbservice {
+
+/// Where a command that only shows may read a store's file without changing a byte of the store: the store's own
+/// folder or, where opening the file would replay a journal or lay down files beside it, a temporary copy of the
+/// file and its journal, removed with this object.
+///
+/// Throws a `Failure` when the file is missing or no database, and when no copy can be made.
+class ReadableStore {
+public:
+    ReadableStore(const std::filesystem::path& folder, const std::filesystem::path& fileName);
+    ReadableStore(const ReadableStore&) = delete;
+    ReadableStore& operator=(const ReadableStore&) = delete;
+    ~ReadableStore();
+
+    const std::filesystem::path& folder() const { return m_copy.empty() ? m_folder : m_copy; }
+
+private:
+    void copy(const std::filesystem::path& file, const std::filesystem::path& fileName);
+
+    std::filesystem::path m_folder;
+    std::filesystem::path m_copy;
+};
+
+/// Throws a `Failure` when something is there that is no database. An empty file is none yet, and passes.
+void requireDatabaseOrNothing(const std::filesystem::path& file);
+
+} // namespace dbservice

@@ -1,0 +1,144 @@
+#include "session.h"
+
+#include "clientservices/cloudlogger.h"
+#include "clientservices/globalparamwrapper.h"
+#include "clientservices/logsinks.h"
+#include "displaytext.h"
+#include "failure.h"
+#include "platform/paths.h"
+#include "platform/terminal.h"
+#include "platform/text.h"
+#include "storelog.h"
+
+namespace fs = std::filesystem;
+
+namespace dbservice {
+
+namespace {
+
+bool holdsStoreFiles(const fs::path& folder)
+{
+    for (const std::string_view name : storeFileNames) {
+        std::error_code ignored;
+        if (fs::exists(folder / name, ignored)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+fs::path chooseFolder(const std::string& folder)
+{
+    if (folder.empty() && !holdsStoreFiles(fs::current_path())) {
+        throw Failure("cannot tell which store is meant: the current folder holds no store files; "
+                      "name the store's folder with --folder STORE or in DBSERVICE_FOLDER");
+    }
+    const fs::path path = fs::absolute(pathFromArgument(folder.empty() ? "." : folder)).lexically_normal();
+    if (!isUnicode(path)) {
+        throw Failure("cannot use the store folder " + platform::toUtf8(path) + ": its name is not UTF-8");
+    }
+    return path.has_filename() ? path : path.parent_path();
+}
+
+} // namespace
+
+Session::Session(const GlobalOptions& options)
+    : m_options(options),
+      m_log(std::make_shared<StoreLog>(m_reporter)),
+      m_folder(chooseFolder(options.folder))
+{
+    if (options.quiet) {
+        m_reporter.beQuiet();
+    }
+    if (!options.logFile.empty()) {
+        constexpr std::size_t maxBytes = 10 << 20;
+        constexpr std::size_t maxFiles = 3;
+        try {
+            m_logFile = Logger::MakeRotatingFileSink(pathFromArgument(options.logFile), maxBytes, maxFiles);
+        } catch (const std::exception& error) {
+            throw Failure("cannot write the log file " + options.logFile + ": " + error.what());
+        }
+    }
+    Logger::CloudLogger::GetInstance()->AddSink(m_log);
+    Logger::CloudLogger::GetInstance()->AddSink(m_logFile);
+}
+
+Session::~Session()
+{
+    Logger::CloudLogger::GetInstance()->RemoveSink(m_logFile);
+    Logger::CloudLogger::GetInstance()->RemoveSink(m_log);
+}
+
+int Session::outputWidth()
+{
+    return platform::terminalWidth(platform::Stream::Output);
+}
+
+void Session::makeStoreFolder()
+{
+    std::error_code error;
+    if (fs::create_directories(m_folder, error)) {
+        m_reporter.note("made the folder " + platform::toUtf8(m_folder));
+    } else if (error) {
+        throw Failure("cannot make the store folder " + platform::toUtf8(m_folder) + ": " + error.message());
+    }
+}
+
+DatabaseService::DriverDBProviderBase& Session::readDrive()
+{
+    requireStoreFolder();
+    m_readable.emplace(m_folder, driveFileName);
+    useFolder(m_readable->folder());
+    return m_drive;
+}
+
+DatabaseService::DriverDBProviderBase& Session::writeDrive()
+{
+    requireStoreFolder();
+    requireDatabaseOrNothing(m_folder / driveFileName);
+    useFolder(m_folder);
+    m_drive.InitDatabase();
+    stopIfFailed("lay down the drive store");
+    return m_drive;
+}
+
+int Session::libraryFailures() const
+{
+    return m_log->failures();
+}
+
+void Session::stopIfFailed(const std::string& what) const
+{
+    if (libraryFailures() > 0) {
+        throw Failure("cannot " + what + ": the store reported " + counted(libraryFailures(), "failure", "failures") +
+                      ", see the warnings above");
+    }
+}
+
+void Session::requireStoreFolder() const
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(m_folder, error);
+    if (!fs::is_directory(status)) {
+        throw Failure("cannot open the store: " + platform::toUtf8(m_folder) +
+                      (fs::exists(status) ? " is not a folder" : " does not exist"));
+    }
+}
+
+void Session::useFolder(const fs::path& folder)
+{
+    m_log->setStore(driveFileName);
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(platform::toUtf8(folder)));
+}
+
+fs::path pathFromArgument(std::string_view argument)
+{
+    return fs::path(std::u8string(argument.begin(), argument.end()));
+}
+
+bool isUnicode(const fs::path& path)
+{
+    return pathFromArgument(platform::toUtf8(path)) == path;
+}
+
+} // namespace dbservice

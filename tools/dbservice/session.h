@@ -1,0 +1,83 @@
+#pragma once
+
+#include "databaseservice/driverdbproviderbase.h"
+#include "readablestore.h"
+#include "reporter.h"
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Logger {
+class LogSink;
+}
+
+namespace dbservice {
+
+class StoreLog;
+
+/// What the command line says for every command.
+struct GlobalOptions {
+    std::string folder;  ///< empty: the current folder, if it holds store files
+    std::string logFile; ///< empty: none
+    bool json = false;
+    bool quiet = false;
+};
+
+inline constexpr const char* driveFileName = "DriveModuleData.dat";
+
+/// The files by which a folder is known to be a store.
+inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, "main.dat", "transmission.dat",
+                                                                "FastAccess.dat"};
+
+/// One run of the tool: the store it works on, what the library logs meanwhile, and where things are told.
+/// Throws a `Failure` where the store or the log file cannot be used.
+class Session {
+public:
+    explicit Session(const GlobalOptions& options);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    bool json() const { return m_options.json; }
+    Reporter& reporter() { return m_reporter; }
+    /// The width to which tables on standard output are cut, 0 for no limit.
+    static int outputWidth();
+
+    const std::filesystem::path& storeFolder() const { return m_folder; }
+    /// Makes the folder if it is missing, and says so.
+    void makeStoreFolder();
+
+    /// The drive store for a command that only shows: no byte of the store changes.
+    DatabaseService::DriverDBProviderBase& readDrive();
+    /// The drive store for writing, with its tables laid down.
+    DatabaseService::DriverDBProviderBase& writeDrive();
+
+    /// How many failures the library has logged in this run.
+    int libraryFailures() const;
+    /// Throws "cannot `what`: ..." if the library has logged any.
+    void stopIfFailed(const std::string& what) const;
+
+private:
+    void requireStoreFolder() const;
+    void useFolder(const std::filesystem::path& folder);
+
+    GlobalOptions m_options;
+    Reporter m_reporter;
+    std::shared_ptr<StoreLog> m_log;
+    std::shared_ptr<Logger::LogSink> m_logFile;
+    std::filesystem::path m_folder;
+    std::optional<ReadableStore> m_readable;
+    DatabaseService::DriverDBProviderBase m_drive;
+};
+
+/// A path from a command line's argument, with every byte kept where paths are bytes.
+std::filesystem::path pathFromArgument(std::string_view argument);
+
+/// Whether the path loses nothing when it is written as UTF-8.
+bool isUnicode(const std::filesystem::path& path);
+
+} // namespace dbservice

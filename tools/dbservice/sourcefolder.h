@@ -1,0 +1,68 @@
+#pragma once
+
+#include "databaseservice/clientconstants.h"
+#include "platform/filestatus.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dbservice {
+
+class Reporter;
+
+/// A name or a path as the system has it; names in a path are joined by '/'.
+using NativeText = std::filesystem::path::string_type;
+
+/// One entry of a real folder.
+struct DiskEntry {
+    NativeText name;
+    std::string shownName; ///< UTF-8, repaired
+    std::string id;        ///< the same for the same path below the source, whatever else changes
+    platform::FileStatus status;
+    std::string_view mimeType;
+    DatabaseService::ClientConstants::ExtensionGroup group = DatabaseService::ClientConstants::ExtensionGroup::Unknown;
+    /// False where the entry is there but the system would not tell what it is; then only name and id count.
+    bool examined = true;
+
+    bool isFolder() const { return examined && status.kind == platform::FileKind::Folder; }
+};
+
+/// The real folder that a scan records, read one folder at a time. Nothing but folders is opened, and links are
+/// looked at but not followed. What is odd is a warning with its path and is counted.
+class SourceFolder {
+public:
+    /// Throws a `Failure` when `source` is no folder that can be read. The files of a store in `storeFolder` are left
+    /// out wherever they turn up.
+    SourceFolder(const std::filesystem::path& source, const std::filesystem::path& storeFolder, Reporter& reporter);
+
+    /// The source itself as an entry; its path below the source is empty.
+    DiskEntry self() const;
+    /// What is in a folder, in no particular order; `folder` is its path below the source. Nothing when the folder
+    /// cannot be read to its end.
+    std::optional<std::vector<DiskEntry>> list(const NativeText& folder);
+
+    std::filesystem::path absolute(const NativeText& below) const;
+
+    /// Entries that were recorded although something is wrong with them.
+    int odd() const { return m_odd; }
+    /// Entries and folders that could not be recorded.
+    int lost() const { return m_lost; }
+
+private:
+    std::optional<DiskEntry> examine(const NativeText& folder, const std::filesystem::directory_entry& file);
+    void checkLink(const std::filesystem::path& link);
+    bool isStoreFile(const std::filesystem::path& file) const;
+    void warnOdd(const std::filesystem::path& path, const std::string& what);
+    void warnLost(const std::filesystem::path& path, const std::string& what);
+
+    std::filesystem::path m_source;
+    std::filesystem::path m_storeFolder;
+    Reporter& m_reporter;
+    int m_odd = 0;
+    int m_lost = 0;
+};
+
+} // namespace dbservice
