@@ -1,0 +1,294 @@
+#include "expertdrive.h"
+
+#include "platform/namecompare.h"
+#include "platform/paths.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <fmt/format.h>
+#include <sqlite3.h>
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+#include <tuple>
+#include <utility>
+
+namespace benchmarks {
+
+using DatabaseService::DriveDataTable;
+
+namespace {
+
+// The record's members are private, and its accessors copy. An explicit instantiation may name private members, which
+// gives the expert what he would have in a program of his own: a record that he can fill and bind in place.
+template <class Tag, auto... Members> struct Expose {
+    friend constexpr auto membersOf(Tag) { return std::make_tuple(Members...); }
+};
+
+struct AllMembers {
+    friend constexpr auto membersOf(AllMembers);
+};
+
+struct MarkerMembers {
+    friend constexpr auto membersOf(MarkerMembers);
+};
+
+using D = DriveDataTable;
+
+// In the order of `allColumns`.
+template struct Expose<
+    AllMembers, &D::m_fileId, &D::m_name, &D::m_kind, &D::m_mimeType, &D::m_description, &D::m_size,
+    &D::m_attachmentSize, &D::m_hash, &D::m_contentVersion, &D::m_parentId, &D::m_favorite, &D::m_recycled,
+    &D::m_directlyRecycled, &D::m_createdTime, &D::m_modifiedTime, &D::m_recycledTime, &D::m_isSync,
+    &D::m_thumbnailDownloadLink, &D::m_LCDImageDownloadLink, &D::m_version, &D::m_batchOper, &D::m_localAbsolutePath,
+    &D::m_localFileSha256, &D::m_deleteSrcPath, &D::m_uploadTime, &D::m_renameName, &D::m_renameTime,
+    &D::m_moveParentId, &D::m_moveTime, &D::m_softDelete, &D::m_softDeleteSrcPath, &D::m_softDelTime, &D::m_hardDelete,
+    &D::m_hardDelTime, &D::m_localRestore, &D::m_restoreTime, &D::m_uploadBatchId, &D::m_renameBatchId,
+    &D::m_moveBatchId, &D::m_softDelBatchId, &D::m_hardDelBatchId, &D::m_restoreBatchId, &D::m_newBatchId,
+    &D::m_autoUpload, &D::m_riskFileSign, &D::m_riskFileType, &D::m_fileExtSign, &D::m_cloudContentStatus,
+    &D::m_classIndex, &D::m_data1, &D::m_data2, &D::m_data3, &D::m_data4>;
+
+constexpr std::string_view allColumns =
+    "fileId,name,kind,mimeType,description,size,attachmentSize,hash,contentVersion,parentId,favorite,"
+    "recycled,directlyRecycled,createdTime,modifiedTime,recycledTime,isSync,thumbnailDownloadLink,"
+    "LCDImageDownloadLink,version,batchOper,localAbsolutePath,localFileSha256,deleteSrcPath,uploadTime,"
+    "renameName,renameTime,moveParentId,moveTime,softDelete,softDeleteSrcPath,softDelTime,hardDelete,"
+    "hardDelTime,localRestore,restoreTime,uploadBatchId,renameBatchId,moveBatchId,softDelBatchId,"
+    "hardDelBatchId,restoreBatchId,newBatchId,autoUpload,riskFileSign,riskFileType,fileExtSign,needToDisplay,"
+    "classIndex,data1,data2,data3,data4";
+
+// In the order of `markerColumns`, and last the key.
+template struct Expose<MarkerMembers, &D::m_renameName, &D::m_renameTime, &D::m_renameBatchId, &D::m_moveParentId,
+                       &D::m_moveTime, &D::m_moveBatchId, &D::m_softDelete, &D::m_softDeleteSrcPath, &D::m_softDelTime,
+                       &D::m_softDelBatchId, &D::m_hardDelete, &D::m_hardDelTime, &D::m_hardDelBatchId,
+                       &D::m_localRestore, &D::m_restoreTime, &D::m_uploadTime, &D::m_uploadBatchId, &D::m_newBatchId,
+                       &D::m_restoreBatchId, &D::m_fileId>;
+
+constexpr std::string_view markerColumns =
+    "renameName,renameTime,renameBatchId,moveParentId,moveTime,moveBatchId,softDelete,softDeleteSrcPath,"
+    "softDelTime,softDelBatchId,hardDelete,hardDelTime,hardDelBatchId,localRestore,restoreTime,uploadTime,"
+    "uploadBatchId,newBatchId,restoreBatchId";
+
+constexpr auto allMembers = membersOf(AllMembers{});
+constexpr auto markerMembers = membersOf(MarkerMembers{});
+constexpr std::size_t allCount = std::tuple_size_v<decltype(allMembers)>;
+
+// A lookup by id does not select the id.
+constexpr std::size_t firstById = 1;
+
+// The list with each column written as `format` says.
+std::string each(std::string_view columns, fmt::string_view format)
+{
+    std::string text;
+    while (!columns.empty()) {
+        const std::string_view column = columns.substr(0, columns.find(','));
+        columns.remove_prefix(std::min(columns.size(), column.size() + 1));
+        text += text.empty() ? "" : ",";
+        text += fmt::vformat(format, fmt::make_format_args(column));
+    }
+    return text;
+}
+
+bool bind(sqlite3_stmt* stmt, int index, const std::string& value)
+{
+    return sqlite3_bind_text(stmt, index, value.data(), static_cast<int>(value.size()), SQLITE_STATIC) == SQLITE_OK;
+}
+
+bool bind(sqlite3_stmt* stmt, int index, std::int64_t value)
+{
+    return sqlite3_bind_int64(stmt, index, value) == SQLITE_OK;
+}
+
+template <class Members, std::size_t... I>
+bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members, std::index_sequence<I...>)
+{
+    return (bind(stmt, static_cast<int>(I) + 1, record.*std::get<I>(members)) && ...);
+}
+
+template <class Members> bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members)
+{
+    return bindMembers(stmt, record, members, std::make_index_sequence<std::tuple_size_v<Members>>());
+}
+
+void read(sqlite3_stmt* stmt, int column, std::string& value)
+{
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
+    if (text == nullptr) {
+        value.clear();
+    } else {
+        value.assign(text, static_cast<std::size_t>(sqlite3_column_bytes(stmt, column)));
+    }
+}
+
+void read(sqlite3_stmt* stmt, int column, std::int64_t& value)
+{
+    value = sqlite3_column_int64(stmt, column);
+}
+
+void read(sqlite3_stmt* stmt, int column, std::int32_t& value)
+{
+    value = sqlite3_column_int(stmt, column);
+}
+
+// The statement selects all columns from the one numbered `First` on.
+template <std::size_t First, std::size_t... I>
+void readMembers(sqlite3_stmt* stmt, DriveDataTable& record, std::index_sequence<I...>)
+{
+    (read(stmt, static_cast<int>(I), record.*std::get<First + I>(allMembers)), ...);
+}
+
+int compare(void* /*user*/, int leftSize, const void* left, int rightSize, const void* right)
+{
+    return platform::compareNames({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
+                                  {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
+}
+
+int wait(void* /*data*/, int /*count*/)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return 1;
+}
+
+} // namespace
+
+ExpertDrive::ExpertDrive(Connection connection) : m_kept(connection == Connection::Kept)
+{
+    const std::string select = fmt::format("SELECT {} FROM DriveDataTable", allColumns);
+    m_texts[Insert] = fmt::format("INSERT INTO DriveDataTable ({}) VALUES ({});", allColumns, each(allColumns, ":{}"));
+    m_texts[ReadAll] = select + ";";
+    m_texts[Children] = select + " WHERE parentId = :parentId;";
+    m_texts[ById] = fmt::format("SELECT {} FROM DriveDataTable WHERE fileId = :fileId ;",
+                                allColumns.substr(allColumns.find(',') + 1));
+    m_texts[UpdateMarkers] =
+        fmt::format("UPDATE DriveDataTable SET {} WHERE fileId = :fileId", each(markerColumns, "{0} = :{0}"));
+}
+
+ExpertDrive::~ExpertDrive()
+{
+    disconnect();
+}
+
+void ExpertDrive::open(const std::filesystem::path& folder)
+{
+    m_path = platform::toUtf8(folder / "DriveModuleData.dat");
+    if (m_kept) {
+        connect();
+    }
+}
+
+void ExpertDrive::close()
+{
+    disconnect();
+}
+
+void ExpertDrive::connect()
+{
+    check(sqlite3_open_v2(m_path.c_str(), &m_db, 0x80006, nullptr) == SQLITE_OK);
+    check(sqlite3_busy_handler(m_db, wait, nullptr) == SQLITE_OK);
+    check(sqlite3_create_collation(m_db, "NameCompare", SQLITE_UTF8, nullptr, compare) == SQLITE_OK);
+}
+
+void ExpertDrive::disconnect()
+{
+    for (sqlite3_stmt*& stmt : m_statements) {
+        sqlite3_finalize(std::exchange(stmt, nullptr));
+    }
+    sqlite3_close(std::exchange(m_db, nullptr));
+}
+
+void ExpertDrive::exec(const char* sql)
+{
+    check(sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr) == SQLITE_OK);
+}
+
+void ExpertDrive::check(bool good) const
+{
+    if (!good) {
+        throw std::runtime_error(std::string("the C interface failed: ") + sqlite3_errmsg(m_db));
+    }
+}
+
+template <class Body> void ExpertDrive::transaction(const char* begin, Text text, Body body)
+{
+    if (!m_kept) {
+        connect();
+    }
+    sqlite3_stmt*& stmt = m_statements[text];
+    if (stmt == nullptr) {
+        const std::string& sql = m_texts[text];
+        check(sqlite3_prepare(m_db, sql.data(), static_cast<int>(sql.size()), &stmt, nullptr) == SQLITE_OK);
+    }
+    exec(begin);
+    body(stmt);
+    check((m_kept ? sqlite3_reset(stmt) : sqlite3_finalize(std::exchange(stmt, nullptr))) == SQLITE_OK);
+    exec("COMMIT;");
+    if (!m_kept) {
+        disconnect();
+    }
+}
+
+template <std::size_t FirstColumn, class Row> void ExpertDrive::forEachRow(sqlite3_stmt* stmt, Row row)
+{
+    int code = sqlite3_step(stmt);
+    for (; code == SQLITE_ROW; code = sqlite3_step(stmt)) {
+        readMembers<FirstColumn>(stmt, row(), std::make_index_sequence<allCount - FirstColumn>());
+    }
+    check(code == SQLITE_DONE);
+}
+
+void ExpertDrive::insert(const DriveRecords& records)
+{
+    transaction("BEGIN IMMEDIATE;", Insert, [&](sqlite3_stmt* stmt) {
+        for (const DriveDataTable& record : records) {
+            check(sqlite3_reset(stmt) == SQLITE_OK);
+            check(bindMembers(stmt, record, allMembers));
+            check(sqlite3_step(stmt) == SQLITE_DONE);
+        }
+    });
+}
+
+DriveRecords ExpertDrive::readAll()
+{
+    DriveRecords records;
+    transaction("BEGIN DEFERRED", ReadAll, [&](sqlite3_stmt* stmt) {
+        forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
+    });
+    return records;
+}
+
+DriveRecords ExpertDrive::children(const std::string& parentId)
+{
+    DriveRecords records;
+    transaction("BEGIN DEFERRED", Children, [&](sqlite3_stmt* stmt) {
+        check(bind(stmt, 1, parentId));
+        forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
+    });
+    return records;
+}
+
+DriveDataTable ExpertDrive::byId(const std::string& fileId)
+{
+    DriveDataTable record;
+    transaction("BEGIN DEFERRED", ById, [&](sqlite3_stmt* stmt) {
+        check(bind(stmt, 1, fileId));
+        forEachRow<firstById>(stmt, [&]() -> DriveDataTable& {
+            record.SetFileid(fileId);
+            return record;
+        });
+    });
+    return record;
+}
+
+void ExpertDrive::updateMarkers(const DriveRecords& records)
+{
+    transaction("BEGIN IMMEDIATE;", UpdateMarkers, [&](sqlite3_stmt* stmt) {
+        for (const DriveDataTable& record : records) {
+            check(sqlite3_reset(stmt) == SQLITE_OK);
+            check(bindMembers(stmt, record, markerMembers));
+            check(sqlite3_step(stmt) == SQLITE_DONE);
+        }
+    });
+}
+
+} // namespace benchmarks

@@ -1,0 +1,60 @@
+#!/bin/sh
+# Counts the instructions of the library and of the C interface for the same work on a small drive, which no noise
+# touches, and fails when the library needs too many more of them.
+#
+# Usage: scripts/bench-instructions.sh BUILD_FOLDER
+set -eu
+
+if [ $# -ne 1 ]; then
+    echo "usage: $0 BUILD_FOLDER" >&2
+    exit 2
+fi
+program=$1/bin/databaseservice_benchmark
+rows=5000
+
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+# Prints the instructions of one side of one operation; leaves the number of rows in $scratch/rows.
+count()
+{
+    if ! LD_BIND_NOW=1 valgrind --tool=callgrind --toggle-collect='benchmarks::secondsOf(*' \
+        --callgrind-out-file="$scratch/profile" --log-file="$scratch/log" \
+        "$program" --rows "$rows" --operation "$1" --side "$2" >"$scratch/rows"; then
+        cat "$scratch/log" 2>/dev/null >&2
+        return 1
+    fi
+    sed -n 's/^summary: *//p' "$scratch/profile"
+}
+
+failed=0
+
+# compare OPERATION [LIMIT]
+compare()
+{
+    library=$(count "$1" library)
+    libraryRows=$(cat "$scratch/rows")
+    expert=$(count "$1" expert)
+    if [ "$libraryRows" != "$(cat "$scratch/rows")" ] || [ "${expert:-0}" -eq 0 ]; then
+        echo "$1: the two sides did not do the same work" >&2
+        exit 1
+    fi
+    verdict=$(awk -v library="$library" -v expert="$expert" -v limit="${2:-0}" 'BEGIN {
+        ratio = library / expert
+        printf "%9.3f%8s%s\n", ratio, (limit ? limit : ""), (limit && ratio > limit) ? "  above its limit" : ""
+    }')
+    printf '%-12s%8s%16s%16s%s\n' "$1" "$libraryRows" "$library" "$expert" "$verdict"
+    case $verdict in
+    *above*) failed=1 ;;
+    esac
+}
+
+echo "Instructions on a drive of $rows records"
+printf '%-12s%8s%16s%16s%9s%8s\n' "" rows library expert ratio limit
+compare insert 1.05
+compare insert-bare
+compare read-all 1.10
+compare children
+compare by-id
+compare update
+exit $failed
