@@ -1,0 +1,73 @@
+# The front door. `make` alone prints what it offers: every target with a text behind two number signs.
+
+# The folder that `make demo` looks at.
+FOLDER ?= /usr/share
+export FOLDER
+# How many tests and checks run at a time.
+JOBS ?= $(shell nproc)
+
+# Each target keeps the processors busy by itself.
+.NOTPARALLEL:
+
+sources = $(shell find infrastructure tools tests benchmarks examples -name '*.h' -o -name '*.cpp')
+
+.PHONY: help
+help:
+	@sed -n 's/^\([a-z-]*\):.*## \(.*\)/make \1\t\2/p' Makefile | expand -t 27
+
+.PHONY: demo
+demo: build/release/build.ninja ## put a real folder into a store, change it, bring the store up to date (FOLDER=/usr/share)
+	cmake --build --preset release --target dbservice
+	scripts/demo.sh build/release/bin/dbservice "$$FOLDER"
+
+.PHONY: test
+test: build/release/build.ninja ## build everything and run all tests
+	cmake --build --preset release --target all all_verify_interface_header_sets
+	ctest --preset release --parallel $(JOBS)
+
+.PHONY: test-asan
+test-asan: build/asan/build.ninja ## the same under the sanitizers for memory, leaks and undefined behaviour
+	cmake --build --preset asan
+	ctest --preset asan --parallel $(JOBS)
+
+.PHONY: bench
+bench: benchmark ## measure the library beside plain use of the SQLite C interface
+	$(benchmark)
+
+.PHONY: bench-large
+bench-large: benchmark ## the same with a million records
+	$(benchmark) --rows 1000000
+
+.PHONY: bench-instructions
+bench-instructions: benchmark checks-packages ## count instructions and fail if the library needs too many
+	scripts/bench-instructions.sh build/release
+
+.PHONY: format
+format: checks-packages ## format the sources
+	clang-format -i $(sources)
+
+.PHONY: format-check
+format-check: checks-packages ## fail if a source is not formatted
+	clang-format --dry-run --Werror $(sources)
+
+.PHONY: tidy
+tidy: build/release/build.ninja checks-packages ## run clang-tidy over all sources; takes minutes
+	run-clang-tidy -quiet -p build/release -j $(JOBS) '$(CURDIR)/(infrastructure|tools|tests|benchmarks)/'
+
+.PHONY: install-dependencies
+install-dependencies: ## install every Debian package that building, testing and checking need
+	scripts/install-dependencies
+
+.PHONY: build-packages checks-packages
+build-packages:
+	@scripts/install-dependencies build
+checks-packages:
+	@scripts/install-dependencies checks
+
+benchmark = build/release/bin/databaseservice_benchmark
+.PHONY: benchmark
+benchmark: build/release/build.ninja
+	cmake --build --preset release --target databaseservice_benchmark
+
+build/%/build.ninja: CMakePresets.json | build-packages
+	cmake --preset $*

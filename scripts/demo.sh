@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Shows the command-line tool at work on a real folder: demo.sh PROGRAM FOLDER
+#
+# FOLDER is only read. What is scanned, changed and scanned again is a working copy of it under build/demo with the
+# same names, sizes and times and without the contents, which the store does not look at. It is made in a second or
+# two and takes no space to speak of, however large FOLDER is.
+set -euo pipefail
+
+program=$1
+source=$(realpath -- "$2")
+demo=build/demo
+tree=$demo/tree
+store=$demo/store
+
+say() { printf '\n# %s\n' "$*"; }
+
+run()
+{
+    printf '$'
+    printf ' %q' "$@"
+    printf '\n'
+    "$@"
+}
+
+# Copies names, kinds, modes, times and links, then gives every file its size. What may not be read is left out.
+copy_without_contents()
+{
+    cp -a --no-preserve=ownership --attributes-only "$source/." "$tree" 2>/dev/null || true
+    chmod -R u+rwX "$tree"
+    { find "$source" -type f -size +0 -printf '%s\t%T@\t%P\0' 2>/dev/null || true; } |
+        (cd "$tree" && perl -0 -ne '
+            chomp;
+            my ($size, $time, $path) = split /\t/, $_, 3;
+            truncate $path, $size and utime $time, $time, $path;')
+}
+
+# The folders at the top, the one with the most entries in its whole subtree first.
+top_folders() { find "$tree" -mindepth 1 -maxdepth 1 -type d -exec du --inodes -s {} + | sort -rn | cut -f2; }
+
+# The folder with the most entries of its own, as the store names it.
+fullest_folder()
+{
+    find "$tree" -mindepth 2 -printf '/%P\n' | sed 's|/[^/]*$||' | sort | uniq -c | sort -rn |
+        awk 'NR == 1 { sub(/^ *[0-9]+ /, ""); print }'
+}
+
+[ -d "$source" ] || { echo "demo: $source is not a folder" >&2; exit 1; }
+
+rm -rf "$demo"
+mkdir -p "$tree"
+
+say "A working copy of $source, in names, sizes and times; $source itself is only read."
+copy_without_contents
+echo "$(find "$tree" | wc -l) files and folders in $tree"
+
+say 'The whole folder goes into a fresh store.'
+run "$program" --folder "$store" scan "$tree"
+
+say 'What is in it, as in a file system:'
+run "$program" --folder "$store" ls / --count 12
+full=$(fullest_folder)
+if [ -n "$full" ]; then
+    say 'A folder with many entries is read page by page; here the second page of ten.'
+    run "$program" --folder "$store" ls "$full" --offset 10 --count 10
+    run "$program" --folder "$store" stat "$full"
+fi
+run "$program" --folder "$store" count
+
+say 'Now the folder changes: a whole subtree goes, five files come, one file grows and one gets another name.'
+mapfile -t folders < <(top_folders)
+if [ ${#folders[@]} -gt 0 ]; then
+    run rm -r "${folders[${#folders[@]} > 2 ? 2 : 0]}"
+fi
+run mkdir "$tree/new-in-the-demo"
+run touch "$tree/new-in-the-demo"/photo-{1..5}.jpg
+mapfile -t files < <(find "$tree" -mindepth 1 -maxdepth 3 -type f -not -path '*/new-in-the-demo/*' | sort | awk 'NR <= 2')
+if [ ${#files[@]} -eq 2 ]; then
+    run truncate --size +1000 "${files[0]}"
+    run mv "${files[1]}" "${files[1]}.renamed"
+fi
+
+say 'The second scan brings the store up to date and tells what it found.'
+run "$program" --folder "$store" scan "$tree"
+run "$program" --folder "$store" count
