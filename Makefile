@@ -30,6 +30,11 @@ test-asan: build/asan/build.ninja ## the same under the sanitizers for memory, l
 	cmake --build --preset asan
 	ctest --preset asan --parallel $(JOBS)
 
+.PHONY: test-tsan
+test-tsan: build/tsan/build.ninja ## the tests in which threads meet, under the sanitizer for data races
+	cmake --build --preset tsan
+	ctest --preset tsan --parallel $(JOBS)
+
 .PHONY: bench
 bench: benchmark ## measure the library beside plain use of the SQLite C interface
 	$(benchmark)

@@ -442,6 +442,9 @@ TEST_F(Engine, ListsBindInPlaceAndOnTopOfEachOther)
     DatabaseBindParameter half = idAndName(10, "half");
     half.Next();
     EXPECT_TRUE(m_store.Execute(insertRow, half)) << "from the cursor on";
+    Results* result = nullptr;
+    EXPECT_TRUE(m_store.Query("SELECT :name", half, result));
+    EXPECT_EQ(takeRows(m_store, result), (Rows{{"'half'"}}));
     EXPECT_EQ(m_file.value("SELECT count(*) FROM t WHERE id < 10 AND name = 'half'"), "1");
 
     m_store.trace.take();
@@ -483,6 +486,19 @@ TEST_F(Engine, SingleFormsCanBeUsedAgain)
         EXPECT_TRUE(m_store.Query(stmt, list)) << "a finished statement starts again with what is bound";
         EXPECT_EQ(takeRows(m_store, list), (Rows{{"'2'"}}));
     }
+    EXPECT_TRUE(m_store.FinalizeStatment(stmt));
+
+    // What is bound to a caller's statement does not depend on the caller's memory.
+    stmt = m_store.PrepareSql(db, "SELECT :text");
+    std::string text = "before";
+    const auto byText = DatabaseService::statementOf<std::string>("", ":text");
+    auto source = DatabaseService::oneValue(byText, text);
+    EXPECT_TRUE(m_store.Execute(db, stmt, "", &source, nullptr));
+    text.replace(0, 6, "behind");
+    sqlite3_reset(stmt);
+    Results* rows = nullptr;
+    EXPECT_TRUE(m_store.Query(db, stmt, rows));
+    EXPECT_EQ(takeRows(m_store, rows), (Rows{{"'before'"}}));
     EXPECT_TRUE(m_store.FinalizeStatment(stmt));
     EXPECT_TRUE(m_store.CloseDatabase(db));
 
