@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ascii.h"
+
 #include <concepts>
 #include <string>
 #include <string_view>
@@ -7,6 +9,11 @@
 /// The operating system behind one interface. Each header has one source file for Windows and one for POSIX,
 /// and both keep the promises written here.
 namespace platform {
+
+namespace detail {
+/// `isUtf8` for text that is not all ASCII.
+bool isWellFormed(std::string_view text) noexcept;
+} // namespace detail
 
 /// The one seam at which text changes between UTF-8 and wide. Wide text is UTF-16 on Windows and UTF-32
 /// elsewhere. All four functions are pure and may be called from any thread. Text goes through whole,
@@ -17,7 +24,10 @@ namespace platform {
 /// Unicode scalar value.
 
 /// Whether `text` is well-formed UTF-8, so that repairing it would change nothing. Fast for ASCII.
-bool isUtf8(std::string_view text) noexcept;
+inline bool isUtf8(std::string_view text) noexcept
+{
+    return detail::isAscii(text) || detail::isWellFormed(text);
+}
 
 /// A repaired copy of `text`.
 std::string repairUtf8(std::string_view text);

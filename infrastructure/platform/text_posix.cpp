@@ -1,6 +1,5 @@
 #include "platform/text.h"
 
-#include "platform/ascii.h"
 #include "platform/utf8decode.h"
 
 namespace platform {
@@ -33,7 +32,7 @@ std::size_t skipWellFormed(std::string_view text, std::size_t position)
 
 } // namespace
 
-bool isUtf8(std::string_view text) noexcept
+bool detail::isWellFormed(std::string_view text) noexcept
 {
     return skipWellFormed(text, 0) == text.size();
 }

@@ -1,7 +1,5 @@
 #include "platform/text.h"
 
-#include "platform/ascii.h"
-
 #include <windows.h>
 
 namespace platform {
@@ -43,7 +41,7 @@ int wideLength(std::string_view part, DWORD flags) noexcept
 
 } // namespace
 
-bool isUtf8(std::string_view text) noexcept
+bool detail::isWellFormed(std::string_view text) noexcept
 {
     text.remove_prefix(detail::skipAscii(text, 0));
     while (!text.empty()) {
