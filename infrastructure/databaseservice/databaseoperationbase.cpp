@@ -7,6 +7,7 @@
 #include "databaseservice/parameterlistsource.h"
 #include "databaseservice/parameterwriter.h"
 #include "databaseservice/rowsink.h"
+#include "databaseservice/scopeexit.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 
@@ -60,17 +61,6 @@ private:
     std::list<DatabaseQueryResult*>& m_rows;
 };
 
-template <class Action> class AtExit {
-public:
-    explicit AtExit(Action action) : m_action(std::move(action)) { }
-    AtExit(const AtExit&) = delete;
-    AtExit& operator=(const AtExit&) = delete;
-    ~AtExit() { m_action(); }
-
-private:
-    Action m_action;
-};
-
 } // namespace
 
 DatabaseOperationBase::DatabaseOperationBase(const std::wstring& name) : m_databaseName(name) { }
@@ -117,7 +107,7 @@ DatabaseOperationBase::Opened DatabaseOperationBase::OpenDatabase(sqlite3*& db, 
                        L"; error message = " + message);
         return Opened::Failed;
     }
-    AtExit closeUnlessTaken([&] { CloseDatabase(handle); });
+    ScopeExit closeUnlessTaken([&] { CloseDatabase(handle); });
     AfterOpen(handle);
     db = std::exchange(handle, nullptr);
     return Opened::Yes;
@@ -257,7 +247,7 @@ bool DatabaseOperationBase::Execute(sqlite3* db, sqlite3_stmt* stmt, const std::
             keepConnection(closing, m_databaseName, "could not be closed");
         }
     };
-    AtExit unwind([&] {
+    ScopeExit unwind([&] {
         sqlite3_finalize(ownStmt);
         closeOwn();
     });

@@ -2,6 +2,7 @@
 #include "databaseservice/driverdbproviderbase.h"
 #include "databaseservice/parameterlistsource.h"
 #include "databaseservice/recordio.h"
+#include "databaseservice/scopeexit.h"
 #include "platform/text.h"
 
 #include <utility>
@@ -155,11 +156,13 @@ void DriverDBProviderBase::WithStatement(const std::string& sql, const std::func
     if (db == nullptr) {
         return;
     }
-    if (sqlite3_stmt* const statement = PrepareSql(db, sql); statement != nullptr) {
-        use(statement);
-        FinalizeStatment(statement);
+    const ScopeExit close([&] { CloseDatabase(db); });
+    sqlite3_stmt* const statement = PrepareSql(db, sql);
+    if (statement == nullptr) {
+        return;
     }
-    CloseDatabase(db);
+    const ScopeExit finalize([&] { FinalizeStatment(statement); });
+    use(statement);
 }
 
 int DriverDBProviderBase::CountDriverData()
