@@ -35,6 +35,12 @@ test-tsan: build/tsan/build.ninja ## the tests in which threads meet, under the 
 	cmake --build --preset tsan
 	ctest --preset tsan --parallel $(JOBS)
 
+.PHONY: test-windows
+test-windows: build/mingw/build.ninja ## build for Windows and run all tests under Wine, then the tool on a real folder
+	cmake --build --preset mingw
+	ctest --preset mingw --parallel $(JOBS)
+	scripts/test-windows-tool.sh build/mingw/bin/dbservice.exe
+
 .PHONY: bench
 bench: benchmark ## measure the library beside plain use of the SQLite C interface
 	$(benchmark)
@@ -63,16 +69,19 @@ tidy: build/release/build.ninja checks-packages ## run clang-tidy over all sourc
 install-dependencies: ## install every Debian package that building, testing and checking need
 	scripts/install-dependencies
 
-.PHONY: build-packages checks-packages
+.PHONY: build-packages checks-packages windows-packages
 build-packages:
 	@scripts/install-dependencies build
 checks-packages:
 	@scripts/install-dependencies checks
+windows-packages:
+	@scripts/install-dependencies windows
 
 benchmark = build/release/bin/databaseservice_benchmark
 .PHONY: benchmark
 benchmark: build/release/build.ninja
 	cmake --build --preset release --target databaseservice_benchmark
 
+build/mingw/build.ninja: | windows-packages
 build/%/build.ninja: CMakePresets.json | build-packages
 	cmake --preset $*

@@ -73,7 +73,7 @@ if [ ${#folders[@]} -gt 0 ]; then
 fi
 run mkdir "$tree/new-in-the-demo"
 run touch "$tree/new-in-the-demo"/photo-{1..5}.jpg
-mapfile -t files < <(find "$tree" -mindepth 1 -maxdepth 3 -type f -not -path '*/new-in-the-demo/*' | sort | awk 'NR <= 2')
+mapfile -t files < <(find "$tree" -maxdepth 3 -type f -not -path '*/new-in-the-demo/*' | sort | awk 'NR <= 2')
 if [ ${#files[@]} -eq 2 ]; then
     run truncate --size +1000 "${files[0]}"
     run mv "${files[1]}" "${files[1]}.renamed"

@@ -61,8 +61,7 @@ TEST_F(Concurrency, ThreadsOnOneProvider)
 TEST_F(Concurrency, ProcessesOnOneFile)
 {
     const auto run = [this](const std::string& prefix) {
-        EXPECT_EQ(runProgram(WRITER_PROGRAM,
-                             {platform::toUtf8(m_folder.path()), prefix, std::to_string(batches),
+        EXPECT_EQ(runProgram({WRITER_PROGRAM, platform::toUtf8(m_folder.path()), prefix, std::to_string(batches),
                               std::to_string(rowsPerBatch)}),
                   0);
     };

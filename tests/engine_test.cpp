@@ -213,7 +213,8 @@ TEST_F(Engine, TheNameAndTheFolderAreAskedAtEveryOpen)
     std::filesystem::create_directory(path(L"second"));
     useFolder(path(L"second"));
     EXPECT_TRUE(copy.Execute("CREATE TABLE t(z)"));
-    EXPECT_TRUE(m_log.linesWere({opening(folder + "/engine.dat"), opening(folder + "/second/engine.dat")}));
+    EXPECT_TRUE(
+        m_log.linesWere({opening(folder + "/engine.dat"), opening(platform::toUtf8(path(L"second")) + "/engine.dat")}));
     EXPECT_EQ(SqliteFile(path(L"second") / "engine.dat").value("PRAGMA journal_mode"), "'delete'");
 }
 

@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -117,6 +118,66 @@ TEST(NameCompare, OwnOrderIsTheOneOnDisk)
         {"\xC3", "\xC3\xA4", 1},
         {"\xC3-01", "\xFF-1", 0},
     });
+}
+
+/// Sorts by its bytes as a name of ASCII letters and digit runs below 2^31 does in either order: letters are small,
+/// and a run is as wide as any other.
+std::string sortKey(const std::vector<std::string>& runs)
+{
+    std::string key;
+    for (const std::string& run : runs) {
+        if (run.front() >= '0' && run.front() <= '9') {
+            const std::string digits = std::to_string(std::stoll(run));
+            key += std::string(10 - digits.size(), '0') + digits;
+            continue;
+        }
+        for (const char letter : run) {
+            key += static_cast<char>(letter | 0x20);
+        }
+    }
+    return key;
+}
+
+// Whichever order a build has, a folder whose names are made of letters and numbers looks the same.
+TEST(NameCompare, BothOrdersSortLettersAndNumbersAlike)
+{
+    std::mt19937 random(1); // the same names everywhere
+    const auto below = [&random](std::size_t limit) {
+        return static_cast<std::size_t>(random() % limit);
+    };
+    const auto lettersOf = [&](std::string_view alphabet) {
+        std::string letters;
+        for (std::size_t count = 1 + below(3); count > 0; --count) {
+            letters += alphabet[below(alphabet.size())];
+        }
+        return letters;
+    };
+    const auto number = [&] {
+        const std::size_t limits[]{3, 20, 1000, 0x8000'0000};
+        const std::string digits = below(10) == 0 ? "2147483647" : std::to_string(below(limits[below(4)]));
+        return std::string(below(3), '0') + digits;
+    };
+    std::vector<std::pair<std::string, std::string>> names; // each with its key
+    for (int count = 0; count < 1000; ++count) {
+        std::vector<std::string> runs;
+        bool digits = below(2) == 0;
+        for (std::size_t run = below(5); run > 0; --run, digits = !digits) {
+            runs.push_back(digits ? number() : lettersOf(below(2) == 0 ? "abAB" : "abcdefghijklmnopqrstuvwxyzMNOXYZ"));
+        }
+        std::string name;
+        for (const std::string& run : runs) {
+            name += run;
+        }
+        names.emplace_back(name, sortKey(runs));
+    }
+    int different = 0;
+    for (const auto& [left, leftKey] : names) {
+        for (const auto& [right, rightKey] : names) {
+            ASSERT_EQ(compare(left, right), sign(leftKey.compare(rightKey))) << left << " and " << right;
+            different += left != right && leftKey == rightKey ? 1 : 0;
+        }
+    }
+    EXPECT_GT(different, 100) << "names that differ in case or in leading zeros alone";
 }
 
 // SQLite hands over ranges of a page, without a NUL behind them.

@@ -1,9 +1,9 @@
 #include "platform/paths.h"
+#include "support/process.h"
 #include "support/sqlitefile.h"
 #include "support/testfolder.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -15,6 +15,7 @@
 
 namespace fs = std::filesystem;
 using nlohmann::json;
+using testsupport::EnvironmentVariable;
 using testsupport::SqliteFile;
 
 namespace {
@@ -38,17 +39,8 @@ void writeFile(const fs::path& file, const std::string& content)
     std::ofstream(file, std::ios::binary) << content;
 }
 
-std::string shellQuoted(const std::string& text)
-{
-    if constexpr (!onPosix) {
-        return '"' + text + '"';
-    }
-    std::string quoted = "'";
-    for (const char letter : text) {
-        quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
-    }
-    return quoted + "'";
-}
+/// The program under test, wherever the current folder goes.
+const std::string program = platform::toUtf8(fs::absolute(DBSERVICE_PROGRAM));
 
 struct Ran {
     int code;
@@ -66,27 +58,25 @@ protected:
     fs::path storeFile() const { return store() / "DriveModuleData.dat"; }
     fs::path source() const { return m_folder.path() / "source"; }
 
-    /// Runs the program; `before` is what the shell puts in front of it.
-    Ran run(const Arguments& arguments, const std::string& before = {}) const
+    /// Runs the program; `before` is another program with its arguments, which starts it.
+    Ran run(const Arguments& arguments, const Arguments& before = {}) const
     {
         const fs::path out = m_folder.path() / "out.txt";
         const fs::path err = m_folder.path() / "err.txt";
-        std::string command = before + shellQuoted(DBSERVICE_PROGRAM);
-        for (const std::string& argument : arguments) {
-            command += ' ' + shellQuoted(argument);
-        }
-        command += " > " + shellQuoted(platform::toUtf8(out)) + " 2> " + shellQuoted(platform::toUtf8(err));
-        const int status = std::system((onPosix ? command : '"' + command + '"').c_str());
-        return {status > 255 ? status / 256 : status, readFile(out), readFile(err)};
+        Arguments commandLine = before;
+        commandLine.push_back(program);
+        commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+        const int code = testsupport::runProgram(commandLine, out, err);
+        return {code, readFile(out), readFile(err)};
     }
 
-    Ran onStore(Arguments arguments, const std::string& before = {}) const
+    Ran onStore(Arguments arguments, const Arguments& before = {}) const
     {
         arguments.insert(arguments.begin(), {"--folder", platform::toUtf8(store())});
         return run(arguments, before);
     }
 
-    Ran scan(const std::string& before = {}) const
+    Ran scan(const Arguments& before = {}) const
     {
         return onStore({"--json", "scan", platform::toUtf8(source())}, before);
     }
@@ -200,10 +190,11 @@ TEST_F(Tool, FindsTheStoreByOptionEnvironmentOrCurrentFolder)
     fs::current_path(store());
     EXPECT_EQ(run({"count"}).code, 0);
     fs::current_path(before);
-    if constexpr (onPosix) {
-        EXPECT_EQ(run({"count"}, "DBSERVICE_FOLDER=" + shellQuoted(platform::toUtf8(store())) + ' ').code, 0);
-        EXPECT_EQ(onStore({"count"}, "DBSERVICE_FOLDER=/nowhere ").code, 0);
-    }
+    const EnvironmentVariable named("DBSERVICE_FOLDER", platform::toUtf8(store()));
+    EXPECT_EQ(run({"count"}).code, 0);
+    const EnvironmentVariable missing("DBSERVICE_FOLDER", "/nowhere");
+    EXPECT_EQ(run({"count"}).code, 1);
+    EXPECT_EQ(onStore({"count"}).code, 0);
 }
 
 TEST_F(Tool, RecordsAnUglyFolder)
@@ -236,12 +227,12 @@ TEST_F(Tool, RecordsAnUglyFolder)
         fs::create_symlink("loop1", source() / "loop2");
         fs::create_directory_symlink("../..", source() / "folder with blanks" / "up");
         fs::create_symlink("plain.txt", source() / "fine");
-        ASSERT_EQ(std::system(("mkfifo " + shellQuoted(platform::toUtf8(source() / "pipe.jpg"))).c_str()), 0);
+        ASSERT_EQ(testsupport::runProgram({"mkfifo", platform::toUtf8(source() / "pipe.jpg")}), 0);
         entries += 6;
         odd = 6;
     }
 
-    const Ran first = scan(onPosix ? "env -u TERM LC_ALL=C " : "");
+    const Ran first = scan(onPosix ? Arguments{"env", "-u", "TERM", "LC_ALL=C"} : Arguments{});
     ASSERT_EQ(first.code, 0) << first.err;
     EXPECT_EQ(numbers(first), (std::vector{entries, 0, 0, 0, 0, entries}));
     EXPECT_EQ(json::parse(first.out)["odd"], odd) << first.err;
@@ -415,7 +406,8 @@ TEST_F(Tool, KeepsWhatItCannotReadAndSaysSo)
         // The superuser may read everything, unless he gives that up.
         std::error_code refused;
         fs::directory_iterator(source() / "closed", refused);
-        const Ran ran = scan(refused ? "" : "setpriv --bounding-set -dac_override,-dac_read_search ");
+        const Ran ran =
+            scan(refused ? Arguments{} : Arguments{"setpriv", "--bounding-set", "-dac_override,-dac_read_search"});
         EXPECT_EQ(ran.code, 1) << ran.err;
         EXPECT_EQ(json::parse(ran.out)["lost"], 2) << ran.err;
         EXPECT_NE(ran.err.find("/closed: cannot read this folder"), std::string::npos) << ran.err;
@@ -441,9 +433,9 @@ TEST_F(Tool, ShowingChangesNoByte)
     const auto look = [&](const std::string& what) {
         SCOPED_TRACE(what);
         const std::map<std::string, std::string> before = contents(store());
-        const std::string where = onPosix ? "TMPDIR=" + shellQuoted(platform::toUtf8(temporary)) + ' ' : "";
+        const EnvironmentVariable where(onPosix ? "TMPDIR" : "TMP", platform::toUtf8(temporary));
         for (const Arguments& command : {Arguments{"ls"}, {"stat", "/file7"}, {"count"}}) {
-            const Ran ran = onStore(command, where);
+            const Ran ran = onStore(command);
             EXPECT_EQ(ran.code, 0) << ran.err;
         }
         EXPECT_EQ(row("/file7")["name"], "file7");

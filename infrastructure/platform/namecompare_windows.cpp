@@ -41,7 +41,7 @@ public:
     const wchar_t* text() const { return m_text; }
 
 private:
-    std::array<wchar_t, 261> m_small;
+    std::array<wchar_t, 3 * 260 + 1> m_small; // no character of UTF-16 takes more than three bytes of UTF-8
     std::wstring m_large;
     const wchar_t* m_text = m_small.data();
 };

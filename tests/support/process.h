@@ -1,12 +1,29 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace testsupport {
 
-/// Runs a program to its end and gives its exit code, 0 for success; what it writes goes where this program's output
-/// goes. Arguments may hold blanks but no quotes.
-int runProgram(const std::string& program, const std::vector<std::string>& arguments);
+/// Runs a program to its end and gives its exit code. The command line, the program first, is UTF-8; on POSIX it may be
+/// any bytes. What the program writes goes into `output` and `errors` or, where these are empty, where this program's
+/// goes.
+int runProgram(const std::vector<std::string>& commandLine, const std::filesystem::path& output = {},
+               const std::filesystem::path& errors = {});
+
+/// A variable of this process's environment, which programs that it runs inherit, for as long as the object lives; an
+/// empty value stands for none.
+class EnvironmentVariable {
+public:
+    EnvironmentVariable(const std::string& name, const std::string& value);
+    EnvironmentVariable(const EnvironmentVariable&) = delete;
+    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+    ~EnvironmentVariable();
+
+private:
+    const std::string m_name;
+    const std::string m_before;
+};
 
 } // namespace testsupport

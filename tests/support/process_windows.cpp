@@ -1,17 +1,93 @@
 #include "support/process.h"
 
-#include <cstdlib>
+#include "platform/environment.h"
+#include "platform/text.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <stdexcept>
 
 namespace testsupport {
 
-int runProgram(const std::string& program, const std::vector<std::string>& arguments)
+namespace {
+
+/// Quoted so that the program sees one argument as it stands. Backslashes count only where a quote follows.
+std::string quoted(const std::string& text)
 {
-    // The command interpreter takes off the outermost quotes.
-    std::string command = "\"\"" + program + '"';
-    for (const std::string& argument : arguments) {
-        command += " \"" + argument + '"';
+    std::string result = "\"";
+    std::size_t backslashes = 0;
+    for (const char letter : text) {
+        if (letter == '"') {
+            result.append(backslashes + 1, '\\');
+        }
+        backslashes = letter == '\\' ? backslashes + 1 : 0;
+        result += letter;
     }
-    return std::system((command + '"').c_str());
+    return result.append(backslashes, '\\') + '"';
+}
+
+struct Close {
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using Handle = std::unique_ptr<void, Close>;
+
+Handle openForOutput(const std::filesystem::path& file)
+{
+    if (file.empty()) {
+        return nullptr;
+    }
+    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    return Handle(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+                              FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+void setVariable(const std::string& name, const std::string& value)
+{
+    const std::wstring wide = platform::toWide(value);
+    SetEnvironmentVariableW(platform::toWide(name).c_str(), wide.empty() ? nullptr : wide.c_str());
+}
+
+} // namespace
+
+int runProgram(const std::vector<std::string>& commandLine, const std::filesystem::path& output,
+               const std::filesystem::path& errors)
+{
+    std::string line;
+    for (const std::string& argument : commandLine) {
+        line += quoted(argument) + ' ';
+    }
+    std::wstring wideLine = platform::toWide(line);
+    const Handle outputFile = openForOutput(output);
+    const Handle errorFile = openForOutput(errors);
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+    start.hStdOutput = output.empty() ? GetStdHandle(STD_OUTPUT_HANDLE) : outputFile.get();
+    start.hStdError = errors.empty() ? GetStdHandle(STD_ERROR_HANDLE) : errorFile.get();
+    PROCESS_INFORMATION started{};
+    if (CreateProcessW(nullptr, wideLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &started) == 0) {
+        throw std::runtime_error("cannot run " + line);
+    }
+    const Handle process(started.hProcess);
+    const Handle thread(started.hThread);
+    DWORD code = 0;
+    WaitForSingleObject(process.get(), INFINITE);
+    GetExitCodeProcess(process.get(), &code);
+    return static_cast<int>(code);
+}
+
+EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
+    : m_name(name),
+      m_before(platform::environmentVariable(name))
+{
+    setVariable(name, value);
+}
+
+EnvironmentVariable::~EnvironmentVariable()
+{
+    setVariable(m_name, m_before);
 }
 
 } // namespace testsupport

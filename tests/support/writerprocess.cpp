@@ -3,6 +3,7 @@
 
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/driverdbproviderbase.h"
+#include "platform/programentry.h"
 #include "platform/text.h"
 #include "support/batches.h"
 #include "support/logcapture.h"
@@ -10,15 +11,15 @@
 #include <cstdlib>
 #include <iostream>
 
-int main(int argc, char** argv)
+int platform::programMain(const std::vector<std::string>& arguments)
 {
-    if (argc != 5) {
+    if (arguments.size() != 4) {
         return 2;
     }
     testsupport::LogCapture log;
-    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(argv[1]));
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(arguments[0]));
     DatabaseService::DriverDBProviderBase drive;
-    testsupport::writeBatches(drive, argv[2], std::atoi(argv[3]), std::atoi(argv[4]));
+    testsupport::writeBatches(drive, arguments[1], std::stoi(arguments[2]), std::stoi(arguments[3]));
     const testing::AssertionResult clean = log.failuresWere({});
     std::cerr << clean.message();
     return clean ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -4,6 +4,7 @@
 #include "databaseservice/version.h"
 #include "displaytext.h"
 #include "failure.h"
+#include "platform/environment.h"
 #include "session.h"
 
 #include <CLI/CLI.hpp>
@@ -26,8 +27,8 @@ std::string versions()
 void addGlobalOptions(CLI::App& app, GlobalOptions& options)
 {
     app.add_option("--folder", options.folder,
-                   "The user's database folder; without it the current folder, if it holds store files")
-        ->envname("DBSERVICE_FOLDER")
+                   "The user's database folder, also from DBSERVICE_FOLDER; without either the current folder, if it "
+                   "holds store files")
         ->type_name("STORE");
     app.add_option("--log", options.logFile, "Write everything that the library logs to FILE, rotated at 10 MiB")
         ->type_name("FILE");
@@ -74,6 +75,7 @@ int runCommand(const GlobalOptions& options, const Command& command)
 int run(const std::vector<std::string>& arguments)
 {
     GlobalOptions options;
+    options.folder = platform::environmentVariable("DBSERVICE_FOLDER");
     Command command;
     CLI::App app("Works on the database stores of a user's folder.", "dbservice");
     app.fallthrough();

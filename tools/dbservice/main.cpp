@@ -1,6 +1,7 @@
 #include "application.h"
+#include "platform/programentry.h"
 
-int main(int argc, char** argv)
+int platform::programMain(const std::vector<std::string>& arguments)
 {
-    return dbservice::run(argc > 0 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>());
+    return dbservice::run(arguments);
 }

@@ -115,7 +115,7 @@ std::optional<std::vector<DiskEntry>> SourceFolder::list(const NativeText& folde
 
 fs::path SourceFolder::absolute(const NativeText& below) const
 {
-    return below.empty() ? m_source : m_source / below;
+    return below.empty() ? m_source : m_source / fs::path(below).make_preferred();
 }
 
 std::optional<DiskEntry> SourceFolder::examine(const NativeText& folder, const fs::directory_entry& file)
