@@ -405,7 +405,7 @@ TEST_F(Tool, KeepsWhatItCannotReadAndSaysSo)
         fs::permissions(source() / "listed", fs::perms::owner_read);
         // The superuser may read everything, unless he gives that up.
         std::error_code refused;
-        fs::directory_iterator(source() / "closed", refused);
+        const fs::directory_iterator closed(source() / "closed", refused);
         const Ran ran =
             scan(refused ? Arguments{} : Arguments{"setpriv", "--bounding-set", "-dac_override,-dac_read_search"});
         EXPECT_EQ(ran.code, 1) << ran.err;
