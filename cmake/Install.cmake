@@ -19,6 +19,8 @@ target_sources(clientservices PUBLIC FILE_SET HEADERS BASE_DIRS ${header_folders
 
 set(databaseservice_headers
   clientconstants.h
+  clouddriverdb.h
+  commonsqlitedb.h
   databasebindparameter.h
   databaseoperationbase.h
   databaseparameter.h

@@ -23,7 +23,9 @@ template <class Record> using ReadMember = void (*)(Record&, CellReader&);
 
 template <class Record> using AssignMember = void (*)(Record&, const std::string& text);
 
-/// The three functions are null for a column that no member stands for.
+template <class Record> using LoadMember = void (*)(Record&, sqlite3_stmt*, int column);
+
+/// The four functions are null for a column that no member stands for.
 template <class Record> struct Column {
     std::string_view name;
     std::string_view declaration;
@@ -31,6 +33,7 @@ template <class Record> struct Column {
     BindMember<Record> bind = nullptr;
     ReadMember<Record> read = nullptr;
     AssignMember<Record> assign = nullptr;
+    LoadMember<Record> load = nullptr;
 };
 
 template <auto Member> struct MemberTraits;
@@ -77,10 +80,31 @@ template <auto Member> void assignMember(typename MemberTraits<Member>::Record& 
     }
 }
 
+/// Reads a column by its index, as SQLite itself converts it; NULL is an empty text. The rules of cells do not apply.
+template <auto Member>
+void loadMember(typename MemberTraits<Member>::Record& record, sqlite3_stmt* statement, int column)
+{
+    using Type = typename MemberTraits<Member>::Type;
+    if constexpr (std::is_same_v<Type, int64>) {
+        record.*Member = sqlite3_column_int64(statement, column);
+    } else if constexpr (std::is_integral_v<Type>) {
+        record.*Member = sqlite3_column_int(statement, column);
+    } else if (const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column))) {
+        record.*Member = text;
+    } else {
+        (record.*Member).clear();
+    }
+}
+
 template <auto Member> constexpr auto column(std::string_view name, std::string_view declaration, unsigned groups)
 {
-    return Column<typename MemberTraits<Member>::Record>{
-        name, declaration, groups, &bindMember<Member>, &readMember<Member>, &assignMember<Member>};
+    return Column<typename MemberTraits<Member>::Record>{name,
+                                                         declaration,
+                                                         groups,
+                                                         &bindMember<Member>,
+                                                         &readMember<Member>,
+                                                         &assignMember<Member>,
+                                                         &loadMember<Member>};
 }
 
 /// A column that the table has and no statement names.

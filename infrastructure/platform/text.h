@@ -16,7 +16,7 @@ bool isWellFormed(std::string_view text) noexcept;
 } // namespace detail
 
 /// The one seam at which text changes between UTF-8 and wide. Wide text is UTF-16 on Windows and UTF-32
-/// elsewhere. All four functions are pure and may be called from any thread. Text goes through whole,
+/// elsewhere. All functions are pure and may be called from any thread. Text goes through whole,
 /// embedded NULs included.
 ///
 /// Text that is not well formed is repaired, never refused: on Windows as the system's own conversion does it,
@@ -33,6 +33,8 @@ inline bool isUtf8(std::string_view text) noexcept
 std::string repairUtf8(std::string_view text);
 
 std::wstring toWide(std::string_view utf8);
+/// Text in the system's code page: UTF-8 except on Windows. For short texts such as paths.
+std::wstring systemTextToWide(std::string_view text);
 std::string toUtf8(std::wstring_view wide);
 /// For strings and literals: they are wide text, although each could become a path as well.
 template <std::convertible_to<std::wstring_view> Text> std::string toUtf8(const Text& wide)

@@ -69,6 +69,11 @@ std::wstring toWide(std::string_view utf8)
     return wide;
 }
 
+std::wstring systemTextToWide(std::string_view text)
+{
+    return toWide(text);
+}
+
 std::string toUtf8(std::wstring_view wide)
 {
     std::size_t size = wide.size();

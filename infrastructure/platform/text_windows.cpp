@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 namespace platform {
 
 namespace {
@@ -69,6 +71,17 @@ std::wstring toWide(std::string_view utf8)
         wide.resize(before + static_cast<std::size_t>(length));
         MultiByteToWideChar(CP_UTF8, 0, part.data(), static_cast<int>(part.size()), wide.data() + before, length);
         utf8.remove_prefix(part.size());
+    }
+    return wide;
+}
+
+std::wstring systemTextToWide(std::string_view text)
+{
+    const int size = static_cast<int>(std::min(text.size(), largestPart));
+    const int length = size == 0 ? 0 : MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    if (length != 0) {
+        MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), length);
     }
     return wide;
 }

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "support/logcapture.h"
+
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace testsupport {
+
+/// A line of the plain connections in the client's printf-style log. `function` has its class before it.
+inline std::string plainLine(const std::string& function, const std::string& message)
+{
+    return "262145 " + function + ": " + message + " (module 31, flag 0)";
+}
+
+inline std::string notOpen(const std::string& operation)
+{
+    return plainLine("CommonSqliteDb::" + operation, "db not open, excute failed");
+}
+
+/// The line of a failure that SQLite describes.
+inline std::string sqliteFailed(const std::string& title, int code, const std::string& description)
+{
+    return plainLine("CommonSqliteDb::LogoutDbError",
+                     title + " failed, errcode=" + std::to_string(code) + ",errDesc[" + description + ']');
+}
+
+/// All lines since the last look, without their source lines.
+inline std::vector<std::string> takePlainLines(LogCapture& log)
+{
+    static const std::regex sourceLine(", line [1-9][0-9]*, flag");
+    std::vector<std::string> lines = log.take();
+    for (std::string& line : lines) {
+        line = std::regex_replace(line, sourceLine, ", flag");
+    }
+    return lines;
+}
+
+} // namespace testsupport
