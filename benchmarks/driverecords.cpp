@@ -165,6 +165,11 @@ template <class... Values> std::uint64_t mixed(std::uint64_t sum, const Values&.
 
 } // namespace
 
+std::size_t largeFolderSize(std::size_t rows)
+{
+    return std::min<std::size_t>(20'000, rows / 5);
+}
+
 DriveTree makeDriveTree(std::size_t rows)
 {
     Random random;
@@ -173,7 +178,7 @@ DriveTree makeDriveTree(std::size_t rows)
     tree.records.push_back(makeFolder(random, "root"));
     tree.largeFolder = tree.records.front().GetFileid();
     tree.firstChild = tree.records.size();
-    tree.children = std::min<std::size_t>(20'000, rows / 5);
+    tree.children = largeFolderSize(rows);
     for (std::size_t i = 0; i < tree.children; ++i) {
         tree.records.push_back(makeFile(random, photo, tree.largeFolder));
     }

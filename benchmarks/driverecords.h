@@ -18,6 +18,9 @@ struct DriveTree {
     std::size_t children = 0;
 };
 
+/// How many of the records are in the large folder.
+std::size_t largeFolderSize(std::size_t rows);
+
 DriveTree makeDriveTree(std::size_t rows);
 
 /// Sets all markers of pending operations. Another `stamp` gives other values of the same size in the store.

@@ -23,8 +23,6 @@ public:
     /// To be measured in this order: the last one changes what the others read.
     std::vector<Operation> operations();
 
-    std::size_t largeFolderSize() const { return m_tree.children; }
-
 private:
     using Read = std::function<DriveRecords(Drive&)>;
 

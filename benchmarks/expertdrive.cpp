@@ -280,6 +280,30 @@ DriveDataTable ExpertDrive::byId(const std::string& fileId)
     return record;
 }
 
+sqlite3_stmt* ExpertDrive::prepare(const std::string& sql)
+{
+    sqlite3_stmt* stmt = nullptr;
+    check(sqlite3_prepare_v2(m_db, sql.data(), static_cast<int>(sql.size()), &stmt, nullptr) == SQLITE_OK);
+    return stmt;
+}
+
+void ExpertDrive::select(const std::string& sql, DriveRecords& records)
+{
+    sqlite3_stmt* const stmt = prepare(sql);
+    forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
+    check(sqlite3_finalize(stmt) == SQLITE_OK);
+}
+
+std::int64_t ExpertDrive::count(const std::string& sql)
+{
+    sqlite3_stmt* const stmt = prepare(sql);
+    check(sqlite3_step(stmt) == SQLITE_ROW);
+    const std::int64_t rows = sqlite3_column_int64(stmt, 0);
+    check(sqlite3_step(stmt) == SQLITE_DONE);
+    check(sqlite3_finalize(stmt) == SQLITE_OK);
+    return rows;
+}
+
 void ExpertDrive::updateMarkers(const DriveRecords& records)
 {
     transaction("BEGIN IMMEDIATE;", UpdateMarkers, [&](sqlite3_stmt* stmt) {

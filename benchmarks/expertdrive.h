@@ -3,6 +3,8 @@
 #include "drive.h"
 
 #include <array>
+#include <cstdint>
+#include <string>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -36,6 +38,11 @@ public:
     DatabaseService::DriveDataTable byId(const std::string& fileId) override;
     void updateMarkers(const DriveRecords& records) override;
 
+    /// For a kept connection: any text, prepared for this one time as the library's lists do it. The statement selects
+    /// all columns of the record in their order; rows are appended.
+    void select(const std::string& sql, DriveRecords& records);
+    std::int64_t count(const std::string& sql);
+
 private:
     enum Text { Insert, ReadAll, Children, ById, UpdateMarkers, TextCount };
 
@@ -43,6 +50,7 @@ private:
     void disconnect();
     void exec(const char* sql);
     void check(bool good) const;
+    sqlite3_stmt* prepare(const std::string& sql);
     template <class Body> void transaction(const char* begin, Text text, Body body);
     template <std::size_t FirstColumn, class Row> void forEachRow(sqlite3_stmt* stmt, Row row);
 

@@ -1,13 +1,18 @@
 #include "driveworkload.h"
 #include "harness.h"
+#include "listworkload.h"
 #include "scratchfolder.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
+#include <filesystem>
 #include <fmt/format.h>
 #include <sqlite3.h>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -22,52 +27,45 @@ struct Options {
 
 const std::vector<std::string> sides{"library", "expert", "kept-expert"};
 
-// Twice what two stores take; there are never more at a time.
+// Twice what three stores take; there are never more at a time.
 std::uintmax_t roomFor(std::size_t rows)
 {
-    return rows * std::uintmax_t{2048};
+    return rows * std::uintmax_t{3072};
 }
 
-const Operation& named(const std::vector<Operation>& operations, const std::string& name)
-{
-    const auto found = std::find_if(operations.begin(), operations.end(),
-                                    [&](const Operation& operation) { return operation.name == name; });
-    if (found == operations.end()) {
-        throw std::invalid_argument("no operation is called " + name);
-    }
-    return *found;
-}
-
-void runOneSide(const Options& options)
+// Gives false when the workload has no such operation.
+template <class Workload> bool runOneSide(const Options& options)
 {
     const ScratchFolder folder(roomFor(options.rows));
-    DriveWorkload workload(options.rows, folder.path());
+    Workload workload(options.rows, folder.path());
     const std::vector<Operation> operations = workload.operations();
+    const auto operation = std::find_if(operations.begin(), operations.end(),
+                                        [&](const Operation& each) { return each.name == options.operation; });
+    if (operation == operations.end()) {
+        return false;
+    }
     const auto side = static_cast<std::size_t>(std::find(sides.begin(), sides.end(), options.side) - sides.begin());
-    fmt::print("{}\n", runOnce(named(operations, options.operation).contenders[side]));
+    if (side >= operation->contenders.size()) {
+        throw std::invalid_argument(options.operation + " has no side " + options.side);
+    }
+    fmt::print("{}\n", runOnce(operation->contenders[side]));
+    return true;
 }
 
-void compareStatements()
+template <class Workload> void compareStatements()
 {
     constexpr std::size_t rows = 100;
     const ScratchFolder folder(roomFor(rows));
-    DriveWorkload workload(rows, folder.path());
+    Workload workload(rows, folder.path());
     for (const Operation& operation : workload.operations()) {
         requireSameStatements(operation);
     }
 }
 
-void compare(const Options& options)
+template <class Workload>
+std::vector<Result> measureAll(const Options& options, const std::filesystem::path& folder, int rounds)
 {
-    compareStatements();
-    const ScratchFolder folder(roomFor(options.rows));
-    DriveWorkload workload(options.rows, folder.path());
-    // A round over a large store is long enough to be steady.
-    const int rounds = options.rounds > 0 ? options.rounds : options.rows > 500'000 ? 3 : 7;
-    fmt::print("{} records of 53 columns, one folder of {}; {} rounds; SQLite {}; stores in {}{}\n", options.rows,
-               workload.largeFolderSize(), rounds, sqlite3_libversion(), folder.path().parent_path().string(),
-               folder.inMemory() ? "" : "; no memory file system with enough room: expect noise");
-
+    Workload workload(options.rows, folder);
     std::vector<Result> results;
     for (const Operation& operation : workload.operations()) {
         if (options.operation.empty() || options.operation == operation.name) {
@@ -75,11 +73,35 @@ void compare(const Options& options)
             results.push_back(measure(operation, rounds));
         }
     }
-    if (results.empty()) {
+    return results;
+}
+
+void compare(const Options& options)
+{
+    compareStatements<DriveWorkload>();
+    compareStatements<ListWorkload>();
+    const ScratchFolder folder(roomFor(options.rows));
+    // A round over a large store is long enough to be steady.
+    const int rounds = options.rounds > 0 ? options.rounds : options.rows > 500'000 ? 3 : 7;
+    fmt::print("{} records of 53 columns, one folder of {}; {} rounds; SQLite {}; stores in {}{}\n", options.rows,
+               largeFolderSize(options.rows), rounds, sqlite3_libversion(), folder.path().parent_path().string(),
+               folder.inMemory() ? "" : "; no memory file system with enough room: expect noise");
+
+    const std::vector<Result> drive = measureAll<DriveWorkload>(options, folder.path(), rounds);
+    const std::vector<Result> lists = measureAll<ListWorkload>(options, folder.path(), rounds);
+    if (drive.empty() && lists.empty()) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
-    printComparison(results, 1);
-    printComparison(results, 2);
+    printComparison(drive, 1);
+    printComparison(drive, 2);
+    printComparison(lists, 1);
+}
+
+void runForProfiler(const Options& options)
+{
+    if (!runOneSide<DriveWorkload>(options) && !runOneSide<ListWorkload>(options)) {
+        throw std::invalid_argument("no operation is called " + options.operation);
+    }
 }
 
 int run(int argc, char** argv)
@@ -91,13 +113,14 @@ int run(int argc, char** argv)
     app.add_option("--rounds", options.rounds, "Rounds to take the medians of (7; 3 for large stores)")
         ->check(CLI::Range(1, 1000));
     CLI::Option* operation = app.add_option("--operation", options.operation,
-                                            "Only this one: insert, insert-bare, read-all, children, by-id or update");
+                                            "Only this one: insert, insert-bare, read-all, children, by-id, update, "
+                                            "page-name, page-size, counts or class");
     app.add_option("--side", options.side, "Run one side of the operation once, for a profiler, and print its rows")
         ->check(CLI::IsMember(sides))
         ->needs(operation);
     CLI11_PARSE(app, argc, argv);
 
-    options.side.empty() ? compare(options) : runOneSide(options);
+    options.side.empty() ? compare(options) : runForProfiler(options);
     return 0;
 }
 

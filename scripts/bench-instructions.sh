@@ -57,4 +57,8 @@ compare read-all 1.10
 compare children
 compare by-id
 compare update
+compare page-name 1.02
+compare page-size 1.02
+compare counts 1.02
+compare class 1.02
 exit $failed

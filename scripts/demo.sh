@@ -60,11 +60,15 @@ say 'What is in it, as in a file system:'
 run "$program" --folder "$store" ls / --count 12
 full=$(fullest_folder)
 if [ -n "$full" ]; then
-    say 'A folder with many entries is read page by page; here the second page of ten.'
+    say 'A folder with many entries is read page by page, folders first; here the second page of ten by name.'
     run "$program" --folder "$store" ls "$full" --offset 10 --count 10
+    say 'And the largest ones first:'
+    run "$program" --folder "$store" ls "$full" --sort -size --count 10
     run "$program" --folder "$store" stat "$full"
 fi
 run "$program" --folder "$store" count
+say 'The largest pictures, wherever they are:'
+run "$program" --folder "$store" view picture --sort -size --count 5
 
 say 'Now the folder changes: a whole subtree goes, five files come, one file grows and one gets another name.'
 mapfile -t folders < <(top_folders)

@@ -1,9 +1,13 @@
+#include "clientservices/globalparamwrapper.h"
+#include "databaseservice/driverdbproviderbase.h"
 #include "platform/paths.h"
 #include "support/process.h"
 #include "support/sqlitefile.h"
 #include "support/testfolder.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -11,9 +15,11 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fs = std::filesystem;
+using DatabaseService::DriveDataTable;
 using nlohmann::json;
 using testsupport::EnvironmentVariable;
 using testsupport::SqliteFile;
@@ -143,7 +149,10 @@ TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
         {{"ls", "--count", "-1"}, 2, "--count"},
         {{"ls", "--offset", "99999999999999"}, 2, "--offset"},
         {{"stat"}, 2, "PATH"},
-        {{"count", "count"}, 2, "count"},
+        {{"count", "count", "count"}, 2, "count"},
+        {{"ls", "--sort", "nam"}, 2, "--sort"},
+        {{"view"}, 2, "CLASS"},
+        {{"view", "3"}, 2, "CLASS"},
         {{"ls"}, 1, "--folder STORE"},
         {{"--folder", folder + "/nowhere", "ls"}, 1, "does not exist"},
         {{"--folder", folder + "/source", "ls"}, 1, "there is no DriveModuleData.dat"},
@@ -151,6 +160,10 @@ TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
         {{"--folder", folder + "/empty", "count"}, 1, "is empty"},
         {{"--folder", folder + "/odd", "count"}, 1, "is not a file"},
         {{"--folder", folder + "/foreign", "count"}, 1, "is not a database"},
+        {{"--folder", folder + "/foreign", "view", "2"}, 1, "is not a database"},
+        {{"--folder", folder + "/source", "recycle"}, 1, "there is no DriveModuleData.dat"},
+        {{"--folder", folder + "/source", "reindex"}, 1, "there is no DriveModuleData.dat"},
+        {{"--folder", folder + "/foreign", "reindex"}, 1, "is not a database"},
         {{"--folder", folder + "/foreign", "init"}, 1, "is not a database"},
         {{"--folder", folder + "/foreign", "scan", folder + "/source"}, 1, "is not a database"},
         {{"--folder", folder + "/new", "scan", folder + "/nowhere"}, 1, "cannot read the folder"},
@@ -272,37 +285,190 @@ TEST_F(Tool, RecordsAnUglyFolder)
     }
 }
 
-TEST_F(Tool, PagesFoldersFirst)
+TEST_F(Tool, PagesInEveryOrderWithFoldersFirst)
 {
-    for (int i = 0; i < 5; ++i) {
-        writeFile(source() / ("f" + std::to_string(i)), std::string(2000, 'x'));
-        fs::create_directories(source() / ("d" + std::to_string(i)));
+    const fs::file_time_type start = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    const auto age = [&](const std::string& name, int seconds) {
+        fs::last_write_time(source() / name, start + std::chrono::seconds(seconds));
+    };
+    for (const auto& [name, seconds] : std::map<std::string, int>{{"D1", 3}, {"d2", 1}, {"d10", 2}}) {
+        fs::create_directories(source() / name);
+        age(name, seconds);
+    }
+    struct File {
+        std::string name;
+        std::size_t size;
+        int seconds;
+    };
+    for (const File& file : {File{"a10.txt", 2000, 10}, {"a2.jpg", 3000, 20}, {"B.mp3", 2000, 30}}) {
+        writeFile(source() / file.name, std::string(file.size, 'x'));
+        age(file.name, file.seconds);
     }
     ASSERT_EQ(scan().code, 0);
-    std::vector<std::string> seen;
-    for (const std::string offset : {"0", "4", "8", "12"}) {
-        bool files = false;
-        const std::vector<json> page = rows({"ls", "--count", "4", "--offset", offset});
-        EXPECT_EQ(page.size(), offset == "12" ? 0U : offset == "8" ? 2U : 4U);
-        for (const json& shown : page) {
-            seen.push_back(shown["name"]);
-            EXPECT_FALSE(files && shown["name"].get<std::string>().starts_with('d'));
-            files = files || shown["name"].get<std::string>().starts_with('f');
+
+    const std::map<std::string, std::vector<std::string>> orders{
+        {"name", {"D1", "d2", "d10", "a2.jpg", "a10.txt", "B.mp3"}},
+        {"-name", {"d10", "d2", "D1", "B.mp3", "a10.txt", "a2.jpg"}},
+        {"size", {"D1", "d2", "d10", "a10.txt", "B.mp3", "a2.jpg"}},
+        {"-size", {"D1", "d2", "d10", "a2.jpg", "a10.txt", "B.mp3"}},
+        {"modified", {"d2", "d10", "D1", "a10.txt", "a2.jpg", "B.mp3"}},
+        {"-modified", {"D1", "d10", "d2", "B.mp3", "a2.jpg", "a10.txt"}},
+        {"ext", {"D1", "d2", "d10", "a2.jpg", "B.mp3", "a10.txt"}},
+        {"-ext", {"D1", "d2", "d10", "a10.txt", "B.mp3", "a2.jpg"}},
+    };
+    for (const auto& [sort, expected] : orders) {
+        for (const std::size_t count : {2U, 4U, 6U}) {
+            std::vector<std::string> seen;
+            for (std::size_t offset = 0; offset <= 6; offset += count) {
+                const std::vector<json> page =
+                    rows({"ls", "--sort", sort, "--count", std::to_string(count), "--offset", std::to_string(offset)});
+                EXPECT_EQ(page.size(), std::min(count, 6 - offset));
+                for (const json& shown : page) {
+                    seen.push_back(shown["name"]);
+                }
+            }
+            EXPECT_EQ(seen, expected) << sort << " by " << count;
         }
     }
-    std::sort(seen.begin(), seen.end());
-    EXPECT_EQ(seen, (std::vector<std::string>{"d0", "d1", "d2", "d3", "d4", "f0", "f1", "f2", "f3", "f4"}));
-    EXPECT_NE(onStore({"ls", "--count", "4", "--offset", "4"}).err.find("--offset 8"), std::string::npos);
-    EXPECT_EQ(onStore({"ls", "--count", "5", "--offset", "5"}).err, "");
-    EXPECT_NE(onStore({"ls", "/f1"}).out.find("1.9 KiB"), std::string::npos);
 
-    const json counted = rows({"count"}).at(0);
-    EXPECT_EQ(counted["folders"], 6);
-    EXPECT_EQ(counted["files"], 5);
-    EXPECT_EQ(counted["classIndex"]["32"], 5);
-    for (const std::string path : {"/none", "/f1/none", "id:none", "/' OR 1=1 --"}) {
+    const Ran page = onStore({"ls", "--count", "2", "--offset", "2"});
+    EXPECT_NE(page.out.find("\n3-4 of 6: 3 folders, 3 files\n"), std::string::npos) << page.out;
+    EXPECT_NE(page.err.find("--offset 4"), std::string::npos) << page.err;
+    EXPECT_EQ(onStore({"ls", "--count", "3", "--offset", "3"}).err, "");
+    const Ran beyond = onStore({"ls", "--offset", "4294967295", "--count", "4294967295"});
+    EXPECT_NE(beyond.out.find("none of 6"), std::string::npos) << beyond.out;
+    EXPECT_NE(onStore({"ls", "/a10.txt"}).out.find("1.9 KiB"), std::string::npos);
+    for (const std::string path : {"/none", "/a10.txt/none", "id:none", "id:", "/' OR 1=1 --"}) {
         EXPECT_EQ(onStore({"ls", path}).code, 1) << path;
     }
+
+    const json all = rows({"count"}).at(0);
+    EXPECT_EQ(all["folders"], 4);
+    EXPECT_EQ(all["files"], 3);
+    EXPECT_EQ(all["classIndex"], (json{{"2", 1}, {"4", 0}, {"8", 1}, {"16", 1}, {"32", 0}}));
+    EXPECT_EQ(rows({"count", "/"}).at(0), (json{{"all", 6}, {"folders", 3}, {"files", 3}, {"listed", 6}}));
+    EXPECT_EQ(onStore({"count", "/a2.jpg"}).code, 1);
+}
+
+TEST_F(Tool, ShowsClassesTheBinAndFoldersWithoutARow)
+{
+    ASSERT_EQ(onStore({"init"}).code, 0);
+    const std::int64_t now = GlobalParamWrapper::GetInstance()->GetServerTime();
+    const std::int64_t day = 86400;
+    std::vector<DriveDataTable> records;
+    const auto add = [&](const std::string& name, const std::string& parent, const char* mimeType) -> DriveDataTable& {
+        DriveDataTable record;
+        record.SetFileid("id of " + name);
+        record.SetName(name);
+        record.SetParentId(parent);
+        record.SetMimeType(mimeType);
+        record.SetCloudContentStatus(1);
+        return records.emplace_back(record);
+    };
+    const auto recycle = [](DriveDataTable& record, std::int64_t time) {
+        record.SetRecycled(1);
+        record.SetDirectlyRecycled(1);
+        record.SetRecycledTime(time);
+    };
+    const char* const folder = DriveDataTable::folderMimeType;
+    for (const char* name : {"p3", "p1", "p2", "hidden"}) {
+        add(name, "top", "image/png").SetClassIndex(2);
+    }
+    records.back().SetCloudContentStatus(2);
+    add("film", "top", "video/mp4").SetClassIndex(4);
+    add("it's", "top", folder).SetFileid("it's");
+    add("child", "it's", "text/plain");
+    recycle(add("bin2", "top", folder), now - 5);
+    recycle(add("bin1", "top", "text/plain"), now - day);
+    recycle(add("bin10", "top", folder), now - 20 * day);
+    recycle(add("old folder", "top", folder), now - 31 * day);
+    recycle(add("old file", "top", "text/plain"), now - 40 * day);
+    recycle(add("restored", "top", "text/plain"), now - 5);
+    records.back().SetRestoreBatchId(7);
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(store().wstring());
+    DatabaseService::DriverDBProviderBase().InsertDriveDataBatch(records);
+
+    const auto names = [&](const Arguments& arguments) {
+        std::vector<std::string> found;
+        for (const json& shown : rows(arguments)) {
+            found.push_back(shown["name"]);
+        }
+        return found;
+    };
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(names({"view", "picture"}), (Names{"p1", "p2", "p3"}));
+    EXPECT_EQ(names({"view", "2", "--sort", "-name", "--offset", "1", "--count", "1"}), (Names{"p2"}));
+    EXPECT_EQ(names({"view", "video"}), (Names{"film"}));
+    EXPECT_NE(onStore({"view", "picture", "--count", "2"}).out.find("1-2 of 3: pictures"), std::string::npos);
+    EXPECT_EQ(onStore({"view", "pictures"}).code, 2);
+
+    EXPECT_EQ(names({"recycle"}), (Names{"bin2", "bin10", "bin1"}));
+    EXPECT_EQ(names({"recycle", "--sort", "-name", "--offset", "1", "--count", "2"}), (Names{"bin2", "bin1"}));
+    EXPECT_EQ(names({"recycle", "--offset", "2"}), (Names{"bin1"}));
+    EXPECT_EQ(names({"recycle", "--expired"}).size(), 2U);
+    EXPECT_EQ(names({"recycle", "--expired", "--offset", "1"}).size(), 1U);
+    EXPECT_NE(onStore({"recycle"}).out.find("1-3 of 3: 2 folders, 1 file; 2 more expired"), std::string::npos);
+    EXPECT_EQ(onStore({"recycle", "--expired", "--sort", "size"}).code, 2);
+
+    EXPECT_EQ(names({"ls", "id:top"}), (Names{"it's", "film", "p1", "p2", "p3"}));
+    for (const char* command : {"ls", "count"}) {
+        const Ran refused = onStore({command, "id:it's"});
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_EQ(refused.out, "");
+        EXPECT_NE(refused.err.find("id:it's: the id holds a quote"), std::string::npos) << refused.err;
+    }
+    EXPECT_EQ(row("id:it's")["name"], "it's");
+
+    EXPECT_EQ(rows({"count", "id:top"}).at(0), (json{{"all", 12}, {"folders", 1}, {"files", 4}, {"listed", 5}}));
+    const json all = rows({"count"}).at(0);
+    for (const auto& [key, value] : std::map<std::string, int>{{"rows", 13},
+                                                               {"total", 7},
+                                                               {"folders", 1},
+                                                               {"files", 6},
+                                                               {"recycled", 6},
+                                                               {"recycledFolders", 3},
+                                                               {"bin", 6},
+                                                               {"binFolders", 3},
+                                                               {"binFiles", 1}}) {
+        EXPECT_EQ(all[key], value) << key;
+    }
+}
+
+// A build whose order of names is that of the bytes has written the store.
+TEST_F(Tool, WritesNoStoreWithNamesInAnotherOrder)
+{
+    const auto byBytes = [](void* /*user*/, int leftSize, const void* left, int rightSize, const void* right) {
+        return std::string_view(static_cast<const char*>(left), static_cast<std::size_t>(leftSize))
+            .compare({static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
+    };
+    writeFile(source() / "file", "x");
+    // The second pair is equal in this build's order, and stands in the index in the order of row numbers.
+    for (const std::string values : {"('1', 'c9'), ('2', 'c10')", "('1', 'a'), ('2', 'A')"}) {
+        fs::remove_all(store());
+        ASSERT_EQ(onStore({"init"}).code, 0);
+        {
+            SqliteFile file(storeFile());
+            sqlite3_create_collation(file.handle(), "NameCompare", SQLITE_UTF8, nullptr, byBytes);
+            file.exec("INSERT INTO DriveDataTable(fileId, name) VALUES " + values);
+        }
+        const std::map<std::string, std::string> before = contents(store());
+        for (const Ran& refused : {onStore({"init"}), scan()}) {
+            EXPECT_EQ(refused.code, 1);
+            EXPECT_EQ(refused.out, "");
+            EXPECT_NE(refused.err.find("`dbservice reindex`"), std::string::npos) << refused.err;
+        }
+        EXPECT_EQ(rows({"count"}).at(0)["rows"], 2);
+        EXPECT_EQ(contents(store()), before);
+
+        EXPECT_EQ(rows({"reindex"}).at(0)["agreedBefore"], false);
+        EXPECT_EQ(onStore({"init"}).code, 0);
+        EXPECT_EQ(rows({"reindex"}).at(0)["agreedBefore"], true);
+    }
+
+    changeStore("DROP INDEX nameIndex");
+    EXPECT_EQ(onStore({"reindex"}).code, 1);
+    EXPECT_EQ(onStore({"init"}).code, 0);
+    EXPECT_EQ(rows({"reindex"}).at(0)["rows"], 2);
 }
 
 TEST_F(Tool, ASecondScanBringsTheTreeUpToDate)
@@ -434,7 +600,14 @@ TEST_F(Tool, ShowingChangesNoByte)
         SCOPED_TRACE(what);
         const std::map<std::string, std::string> before = contents(store());
         const EnvironmentVariable where(onPosix ? "TMPDIR" : "TMP", platform::toUtf8(temporary));
-        for (const Arguments& command : {Arguments{"ls"}, {"stat", "/file7"}, {"count"}}) {
+        for (const Arguments& command : {Arguments{"ls"},
+                                         {"ls", "--sort", "-size"},
+                                         {"stat", "/file7"},
+                                         {"count"},
+                                         {"count", "/"},
+                                         {"view", "other"},
+                                         {"recycle"},
+                                         {"recycle", "--expired"}}) {
             const Ran ran = onStore(command);
             EXPECT_EQ(ran.code, 0) << ran.err;
         }
@@ -484,6 +657,14 @@ TEST_F(Tool, FailuresOfTheLibraryReachThePerson)
             << ran.err;
     }
     EXPECT_NE(readFile(log).find("sqlite3_prepare failed"), std::string::npos);
+
+    fs::remove_all(store());
+    fs::create_directories(store());
+    SqliteFile(storeFile()).exec("CREATE TABLE DriveDataTable(fileId TEXT)");
+    const Ran counted = onStore({"count"});
+    EXPECT_EQ(counted.code, 1);
+    EXPECT_NE(counted.err.find("dbservice: warning: DriveModuleData.dat: "), std::string::npos) << counted.err;
+    EXPECT_NE(counted.err.find("no such column: recycled"), std::string::npos) << counted.err;
 
     fs::remove_all(store());
     ASSERT_EQ(scan().code, 0);

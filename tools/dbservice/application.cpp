@@ -88,6 +88,9 @@ int run(const std::vector<std::string>& arguments)
     addLs(app, command);
     addStat(app, command);
     addCount(app, command);
+    addView(app, command);
+    addRecycle(app, command);
+    addReindex(app, command);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         return command ? runCommand(options, command) : misused("no command is given");

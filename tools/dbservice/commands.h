@@ -20,5 +20,8 @@ void addScan(CLI::App& app, Command& chosen);
 void addLs(CLI::App& app, Command& chosen);
 void addStat(CLI::App& app, Command& chosen);
 void addCount(CLI::App& app, Command& chosen);
+void addView(CLI::App& app, Command& chosen);
+void addRecycle(CLI::App& app, Command& chosen);
+void addReindex(CLI::App& app, Command& chosen);
 
 } // namespace dbservice

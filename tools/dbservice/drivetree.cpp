@@ -70,6 +70,22 @@ DriveDataTable DriveTree::find(const std::string& path)
     return row;
 }
 
+DriveTree::Place DriveTree::place(const std::string& path)
+{
+    const std::optional<std::string> id = idInPath(path);
+    if (id && !id->empty() && m_drive.GetDriveDataById(*id).Empty()) {
+        DatabaseBindParameter bind;
+        bind.Bind(*id, ":parentId");
+        const std::vector<DriveDataTable> child = m_drive.GetDriveDataByWhereSql("parentId = :parentId LIMIT 1", bind);
+        if (!child.empty()) {
+            return {DriveDataTable(), child.front().GetParentId()};
+        }
+    }
+    DriveDataTable row = find(path);
+    std::string stored = row.GetFileid();
+    return {std::move(row), std::move(stored)};
+}
+
 std::vector<DriveDataTable> DriveTree::rowsById(const std::vector<std::string>& ids)
 {
     return rowsWhere("fileId", ids);

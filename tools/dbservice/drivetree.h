@@ -17,6 +17,17 @@ public:
     /// Throws a `Failure` when there is none, or more than one.
     DatabaseService::DriveDataTable find(const std::string& path);
 
+    struct Place {
+        DatabaseService::DriveDataTable row; ///< empty for a folder that has no row of its own
+        std::string id;                      ///< as a row of the store has it
+
+        bool isFolder() const { return row.Empty() || row.IsFolder(); }
+    };
+
+    /// What is at a path or has an id: a row, or a folder that is known by its children alone, as the top folder in a
+    /// client's store is. Throws like `find`.
+    Place place(const std::string& path);
+
     /// Rows in no particular order, unknown ids left out. A few hundred ids share one statement.
     std::vector<DatabaseService::DriveDataTable> rowsById(const std::vector<std::string>& ids);
     /// The direct children of all these folders, those in the bin too.

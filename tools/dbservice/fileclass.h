@@ -1,7 +1,9 @@
 #pragma once
 
 #include "databaseservice/clientconstants.h"
+#include "databaseservice/clouddriverdb.h"
 
+#include <array>
 #include <cstdint>
 
 /// What the numbers `classIndex` and `fileExtSign` of a scanned tree stand for. The library stores them as they are
@@ -20,14 +22,17 @@ enum class FileClass : std::int32_t {
 
 struct KnownClass {
     FileClass number;
+    DatabaseService::CLOUD_DB_VIEW_TYPE view;
+    const char* word; ///< on the command line
     const char* name;
 };
 
-inline constexpr std::array<KnownClass, 5> fileClasses{{{FileClass::Picture, "pictures"},
-                                                        {FileClass::Video, "videos"},
-                                                        {FileClass::Audio, "audio"},
-                                                        {FileClass::Document, "documents"},
-                                                        {FileClass::Other, "other files"}}};
+inline constexpr std::array<KnownClass, 5> fileClasses{
+    {{FileClass::Picture, DatabaseService::CLOUD_DB_VIEW_CLASS2, "picture", "pictures"},
+     {FileClass::Video, DatabaseService::CLOUD_DB_VIEW_CLASS4, "video", "videos"},
+     {FileClass::Audio, DatabaseService::CLOUD_DB_VIEW_CLASS8, "audio", "audio"},
+     {FileClass::Document, DatabaseService::CLOUD_DB_VIEW_CLASS16, "document", "documents"},
+     {FileClass::Other, DatabaseService::CLOUD_DB_VIEW_CLASS32, "other", "other files"}}};
 
 FileClass classOf(DatabaseService::ClientConstants::ExtensionGroup group) noexcept;
 

@@ -58,6 +58,25 @@ fs::path withSuffix(fs::path path, const char* suffix)
     return path;
 }
 
+/// The file itself, without links on the way: a journal lies beside the file and not beside a link. Throws unless it
+/// is a database.
+fs::path locateStoreFile(const fs::path& folder, const fs::path& fileName, Header& header)
+{
+    if (!isThere(folder / fileName)) {
+        throw Failure("cannot read the store: there is no " + platform::toUtf8(fileName) + " in " +
+                      platform::toUtf8(folder));
+    }
+    std::error_code error;
+    const fs::path file = fs::canonical(folder / fileName, error);
+    if (error) {
+        throw Failure("cannot read the store: " + platform::toUtf8(folder / fileName) + ": " + error.message());
+    }
+    if (!readHeader(file, header)) {
+        throw Failure("cannot read the store: " + platform::toUtf8(file) + " is empty");
+    }
+    return file;
+}
+
 fs::path makeTemporaryFolder()
 {
     std::random_device random;
@@ -81,21 +100,16 @@ void requireDatabaseOrNothing(const fs::path& file)
     }
 }
 
+void requireStoreFile(const fs::path& folder, const fs::path& fileName)
+{
+    Header header;
+    locateStoreFile(folder, fileName, header);
+}
+
 ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName) : m_folder(folder)
 {
-    if (!isThere(folder / fileName)) {
-        throw Failure("cannot read the store: there is no " + platform::toUtf8(fileName) + " in " +
-                      platform::toUtf8(folder));
-    }
-    std::error_code error;
-    const fs::path file = fs::canonical(folder / fileName, error); // a journal lies beside the file, not beside a link
-    if (error) {
-        throw Failure("cannot read the store: " + platform::toUtf8(folder / fileName) + ": " + error.message());
-    }
     Header header;
-    if (!readHeader(file, header)) {
-        throw Failure("cannot read the store: " + platform::toUtf8(file) + " is empty");
-    }
+    const fs::path file = locateStoreFile(folder, fileName, header);
     const bool writeAheadLog = header[18] == 2 || header[19] == 2;
     if (writeAheadLog || isThere(withSuffix(file, "-journal")) || isThere(withSuffix(file, "-wal"))) {
         try {

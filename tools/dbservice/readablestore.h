@@ -25,6 +25,9 @@ private:
     std::filesystem::path m_copy;
 };
 
+/// Throws a `Failure` when the file is missing, empty or no database.
+void requireStoreFile(const std::filesystem::path& folder, const std::filesystem::path& fileName);
+
 /// Throws a `Failure` when something is there that is no database. An empty file is none yet, and passes.
 void requireDatabaseOrNothing(const std::filesystem::path& file);
 

@@ -3,8 +3,10 @@
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
 #include "clientservices/logsinks.h"
+#include "databaseservice/version.h"
 #include "displaytext.h"
 #include "failure.h"
+#include "nameindex.h"
 #include "platform/paths.h"
 #include "platform/terminal.h"
 #include "platform/text.h"
@@ -86,10 +88,24 @@ void Session::makeStoreFolder()
 
 DatabaseService::DriverDBProviderBase& Session::readDrive()
 {
-    requireStoreFolder();
-    m_readable.emplace(m_folder, driveFileName);
-    useFolder(m_readable->folder());
+    if (!m_readable) {
+        requireStoreFolder();
+        m_readable.emplace(m_folder, driveFileName);
+        useFolder(m_readable->folder());
+    }
     return m_drive;
+}
+
+DatabaseService::CloudDriverDb& Session::readLists()
+{
+    readDrive();
+    if (!m_lists) {
+        const fs::path file = m_readable->folder() / driveFileName;
+        DatabaseService::CloudDriverDb::InitDatabasePath(platform::toWide(platform::toUtf8(file)));
+        m_lists.emplace();
+        stopIfFailed("open the lists of the drive store");
+    }
+    return *m_lists;
 }
 
 DatabaseService::DriverDBProviderBase& Session::writeDrive()
@@ -97,8 +113,27 @@ DatabaseService::DriverDBProviderBase& Session::writeDrive()
     requireStoreFolder();
     requireDatabaseOrNothing(m_folder / driveFileName);
     useFolder(m_folder);
+    std::error_code ignored;
+    if (fs::exists(m_folder / driveFileName, ignored)) {
+        const NameIndex index = examineNameIndex(m_drive);
+        stopIfFailed("look at the order of names in the drive store");
+        if (index == NameIndex::Disagrees) {
+            throw Failure("cannot write to the store: its index of names is in another order than this build's (" +
+                          DatabaseService::NameOrderVersion() +
+                          "), so that rows would be lost from lists; nothing has been written; "
+                          "`dbservice reindex` brings the index into this order");
+        }
+    }
     m_drive.InitDatabase();
     stopIfFailed("lay down the drive store");
+    return m_drive;
+}
+
+DatabaseService::DriverDBProviderBase& Session::mendDrive()
+{
+    requireStoreFolder();
+    requireStoreFile(m_folder, driveFileName);
+    useFolder(m_folder);
     return m_drive;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "databaseservice/clouddriverdb.h"
 #include "databaseservice/driverdbproviderbase.h"
 #include "readablestore.h"
 #include "reporter.h"
@@ -53,8 +54,13 @@ public:
 
     /// The drive store for a command that only shows: no byte of the store changes.
     DatabaseService::DriverDBProviderBase& readDrive();
-    /// The drive store for writing, with its tables laid down.
+    /// The lists of the same store, likewise; on one connection, which stays open.
+    DatabaseService::CloudDriverDb& readLists();
+    /// The drive store for writing, with its tables laid down. Throws before it writes anything if names are stored in
+    /// another order than this build's.
     DatabaseService::DriverDBProviderBase& writeDrive();
+    /// The drive store as it is, for a command that mends it.
+    DatabaseService::DriverDBProviderBase& mendDrive();
 
     /// How many failures the library has logged in this run.
     int libraryFailures() const;
@@ -72,6 +78,7 @@ private:
     std::filesystem::path m_folder;
     std::optional<ReadableStore> m_readable;
     DatabaseService::DriverDBProviderBase m_drive;
+    std::optional<DatabaseService::CloudDriverDb> m_lists; // closed before the copy that it reads is removed
 };
 
 /// A path from a command line's argument, with every byte kept where paths are bytes.

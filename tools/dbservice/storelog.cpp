@@ -4,9 +4,21 @@
 
 namespace dbservice {
 
+namespace {
+
+/// Lines in printf style carry no flag. The library writes them at this one level, and only when something failed.
+bool isPrintfFailure(const Logger::LogEntry& entry)
+{
+    constexpr int storeModule = 31;
+    constexpr int failureLevel = 0x40001;
+    return entry.module == storeModule && entry.severity == failureLevel;
+}
+
+} // namespace
+
 void StoreLog::Write(const Logger::LogEntry& entry)
 {
-    if (!entry.IsFailure()) {
+    if (!entry.IsFailure() && !isPrintfFailure(entry)) {
         return;
     }
     constexpr int shown = 20;

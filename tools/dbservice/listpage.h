@@ -1,0 +1,52 @@
+#pragma once
+
+#include "databaseservice/clouddriverdb.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace dbservice {
+
+class Session;
+
+/// Which part of a list is shown, and in which order.
+struct PageOptions {
+    DatabaseService::CLOUD_DB_SORT_TYPE sort = DatabaseService::CLOUD_DB_SORT_NAME_ASC;
+    unsigned offset = 0;
+    unsigned count = 100;
+};
+
+/// Adds --offset, --count and --sort to a command and gives back the last of them.
+CLI::Option* addPageOptions(CLI::App& command, PageOptions& options);
+
+struct Page {
+    std::vector<DatabaseService::DriveDataTable> rows;
+    std::int64_t total = 0; ///< of the whole list
+    std::string summary;    ///< what the whole list consists of
+};
+
+/// A page of a folder's rows that lists show, or of the recycle bin for an empty id: folders first, then files. The two
+/// numbers say how many of each the whole list has.
+Page childPage(DatabaseService::CloudDriverDb& lists, const std::string& parentId, std::int64_t folders,
+               std::int64_t files, const PageOptions& options);
+
+enum class TimeColumn { Modified, Recycled };
+
+/// Prints rows only.
+void showRows(const Session& session, const std::vector<DatabaseService::DriveDataTable>& rows, TimeColumn time);
+
+/// Prints a page and which part of the list it is. Throws a `Failure` when it lacks rows: the library cuts a list short
+/// at a step that fails, and says nothing.
+void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time);
+
+/// The id of a stored row as `CloudDriverDb` may be given it. Throws a `Failure` for one that would not stay within its
+/// quotes in a statement, and for an empty one, which would stand for the recycle bin.
+std::string idForLists(const std::string& id);
+
+} // namespace dbservice

@@ -1,0 +1,22 @@
+#pragma once
+
+namespace DatabaseService {
+class DriverDBProviderBase;
+}
+
+namespace dbservice {
+
+enum class NameIndex {
+    Absent, ///< or not sorted by `NameCompare`, so that no order of names is stored
+    Agrees,
+    Disagrees
+};
+
+/// Whether the stored index of names is in this build's order. Reads all of the index, and writes nothing. What the
+/// library logs as a failure meanwhile makes the answer worthless.
+NameIndex examineNameIndex(DatabaseService::DriverDBProviderBase& drive);
+
+/// Brings the stored index of names into this build's order.
+void rebuildNameIndex(DatabaseService::DriverDBProviderBase& drive);
+
+} // namespace dbservice
