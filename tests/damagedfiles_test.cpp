@@ -209,7 +209,7 @@ TEST_F(DamagedFiles, AReadOnlyFileCanBeRead)
     // Who may write all the same, as an administrator may, has written.
     if (m_drive.CountDriverData() == rowCount) {
         EXPECT_TRUE(m_log.failuresWere(
-            {lines.step, lines.finalize, lines.afterFinalize("attempt to write a readonly database")}));
+            {lines.step, lines.finalize, EngineLines::afterFinalize("attempt to write a readonly database")}));
         EXPECT_EQ(bytesOf(m_file), m_whole);
     }
     fs::permissions(m_file, fs::perms::owner_all);

@@ -211,7 +211,8 @@ TEST_F(DriveWriters, ABatchIsOneTransactionThatLosesFailedRowsOnly)
     m_drive.InsertDriveData(treeRecord("b", "root"));
     m_drive.trace.take();
     EXPECT_TRUE(m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", "lost"), treeRecord("c", "")}));
-    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
+    EXPECT_TRUE(
+        m_log.failuresWere({lines.step, EngineLines::bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
     EXPECT_EQ(m_drive.trace.take().size(), 5U);
     EXPECT_EQ(m_file.query("SELECT fileId, parentId FROM DriveDataTable ORDER BY 1"),
               (Rows{{"'a'", "''"}, {"'b'", "'root'"}, {"'c'", "''"}}));

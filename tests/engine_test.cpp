@@ -244,19 +244,19 @@ TEST_F(Engine, AFailedBeginSaysMoreForWritesThanForReads)
     const std::string sql = "SELECT '\xE5\x90\x8D'";
 
     EXPECT_FALSE(m_store.Execute(db, sql));
-    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, lines.errorMessage, lines.sql(sql)}));
+    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, lines.errorMessage, EngineLines::sql(sql)}));
     Results* list = nullptr;
     EXPECT_FALSE(m_store.Query(db, sql, list));
-    EXPECT_TRUE(m_log.failuresWere({exec, begin, lines.beginRead, lines.sql(sql)}));
+    EXPECT_TRUE(m_log.failuresWere({exec, begin, lines.beginRead, EngineLines::sql(sql)}));
     EXPECT_EQ(sqlite3_next_stmt(db, nullptr), nullptr);
     EXPECT_EQ(takeRows(m_store, list), Rows());
 
     // A caller's statement comes without text and is not finalized.
     sqlite3_stmt* stmt = m_store.PrepareSql(db, sql);
     EXPECT_FALSE(m_store.Execute(db, stmt));
-    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, lines.sql("")}));
+    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, EngineLines::sql("")}));
     EXPECT_FALSE(m_store.Query(db, stmt, list));
-    EXPECT_TRUE(m_log.failuresWere({exec, begin, lines.beginRead, lines.sql("")}));
+    EXPECT_TRUE(m_log.failuresWere({exec, begin, lines.beginRead, EngineLines::sql("")}));
     EXPECT_EQ(takeRows(m_store, list), Rows());
     EXPECT_EQ(sqlite3_get_autocommit(db), 0) << "the caller's transaction goes on";
     EXPECT_TRUE(m_store.FinalizeStatment(stmt));
@@ -287,7 +287,7 @@ TEST_F(Engine, AFailedBindEndsTheBatchWithoutACommit)
         spoil(*std::next(list.begin()));
         EXPECT_FALSE(m_store.Execute(insertRow, list));
         EXPECT_TRUE(m_log.failuresWere(
-            {lines.bind(refused), lines.bindMessage("*"), lines.errorMessage, lines.sql(insertRow)}));
+            {lines.bind(refused), EngineLines::bindMessage("*"), lines.errorMessage, EngineLines::sql(insertRow)}));
         EXPECT_EQ(m_store.opened, m_store.closed);
         EXPECT_EQ(rows(), Rows()) << "closing undid the first row";
         EXPECT_TRUE(list.back().HasNext()) << "the third element was not reached";
@@ -299,7 +299,7 @@ TEST_F(Engine, AFailedBindEndsTheBatchWithoutACommit)
             element.Reset();
         }
         EXPECT_FALSE(m_store.Execute(db, stmt, list));
-        EXPECT_TRUE(m_log.failuresWere({lines.bind(refused), lines.bindMessage("*"), lines.sql("")}));
+        EXPECT_TRUE(m_log.failuresWere({lines.bind(refused), EngineLines::bindMessage("*"), EngineLines::sql("")}));
         EXPECT_EQ(sqlite3_get_autocommit(db), 0);
         EXPECT_TRUE(m_store.FinalizeStatment(stmt));
         EXPECT_TRUE(m_store.CloseDatabase(db));
@@ -308,9 +308,9 @@ TEST_F(Engine, AFailedBindEndsTheBatchWithoutACommit)
 
 TEST_F(Engine, AFailedStepCostsItsRowOnly)
 {
-    const ExpectedLine atReset = lines.bindMessage("UNIQUE constraint failed: t.id");
+    const ExpectedLine atReset = EngineLines::bindMessage("UNIQUE constraint failed: t.id");
     const std::vector<ExpectedLine> last{lines.step, lines.finalize,
-                                         lines.afterFinalize("UNIQUE constraint failed: t.id")};
+                                         EngineLines::afterFinalize("UNIQUE constraint failed: t.id")};
     Binds list{idAndName(1, "a"), idAndName(1, "again"), idAndName(2, "b")};
     EXPECT_TRUE(m_store.Execute(insertRow, list));
     EXPECT_TRUE(m_log.failuresWere({lines.step, atReset}));
@@ -344,7 +344,7 @@ TEST_F(Engine, AFailedStepCostsItsRowOnly)
 
 TEST_F(Engine, AQueryThatFailsOnTheWayKeepsWhatItHas)
 {
-    const ExpectedLine overflow = lines.afterFinalize("integer overflow");
+    const ExpectedLine overflow = EngineLines::afterFinalize("integer overflow");
     m_file.exec("CREATE TABLE n(v INTEGER); INSERT INTO n VALUES(-1), (-2), (-9223372036854775807 - 1), (-4)");
     EXPECT_EQ(query("SELECT abs(v) FROM n"), (Rows{{"1"}, {"2"}}));
     EXPECT_TRUE(m_log.failuresWere({lines.finalize, overflow}));
@@ -616,7 +616,7 @@ TEST_F(Engine, CellsFollowTheStorageClassAndTheDeclaredType)
             sql = "SELECT v, 'behind' FROM cell";
         }
         std::vector<std::string> expected = cells;
-        expected.push_back("'behind'");
+        expected.emplace_back("'behind'");
         EXPECT_EQ(query(sql), Rows{expected});
     }
 }

@@ -96,7 +96,7 @@ const std::vector<DriveField>& driveFields()
 DriveDataTable filledRecord(const std::string& fileId, int seed)
 {
     DriveDataTable record;
-    std::int64_t number = 1000 * seed;
+    std::int64_t number = std::int64_t{1000} * seed;
     for (const DriveField& field : driveFields()) {
         ++number;
         // 64-bit numbers reach beyond 32 bits, 32-bit ones below zero.

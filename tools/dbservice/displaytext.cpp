@@ -51,7 +51,7 @@ void appendEscaped(std::string& text, utf8proc_int32_t character)
     default:
         break;
     }
-    std::array<char, 8> digits;
+    std::array<char, 8> digits{};
     char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), character, 16).ptr;
     const std::string hex(digits.data(), end);
     if (character < 0x80) {
@@ -134,7 +134,7 @@ std::string humanSize(std::int64_t bytes)
 std::string humanTime(std::int64_t seconds)
 {
     using namespace std::chrono;
-    constexpr std::int64_t years = 9999 * 366;
+    constexpr std::int64_t years = std::int64_t{9999} * 366;
     const std::int64_t wholeDays = seconds / 86400 - (seconds % 86400 < 0 ? 1 : 0);
     if (wholeDays > years || wholeDays < -years) {
         return std::to_string(seconds);

@@ -67,7 +67,7 @@ fs::path locateStoreFile(const fs::path& folder, const fs::path& fileName, Heade
                       platform::toUtf8(folder));
     }
     std::error_code error;
-    const fs::path file = fs::canonical(folder / fileName, error);
+    fs::path file = fs::canonical(folder / fileName, error);
     if (error) {
         throw Failure("cannot read the store: " + platform::toUtf8(folder / fileName) + ": " + error.message());
     }

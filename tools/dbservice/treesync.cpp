@@ -183,6 +183,7 @@ TreeSync::Stored TreeSync::read(const std::vector<Folder>& folders)
         return stored;
     }
     std::vector<std::string> ids;
+    ids.reserve(folders.size());
     for (const Folder& folder : folders) {
         ids.push_back(folder.id);
     }
