@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
 # Shows the command-line tool at work on a real folder: demo.sh PROGRAM FOLDER
 #
-# FOLDER is only read. What is scanned, changed and scanned again is a working copy of it under build/demo with the
-# same names, sizes and times and without the contents, which the store does not look at. It is made in a second or
-# two and takes no space to speak of, however large FOLDER is.
+# FOLDER is only read. What is changed and scanned again is a working copy of it under build/demo with the same names,
+# sizes and times and without the contents, which the store does not look at. It is made in a second or two and takes
+# no space to speak of, however large FOLDER is.
 set -euo pipefail
 
 program=$1
 source=$(realpath -- "$2")
 demo=build/demo
-tree=$demo/tree
 store=$demo/store
+tree=$demo/tree
+tree_store=$demo/tree-store
 
 say() { printf '\n# %s\n' "$*"; }
 
@@ -40,7 +41,8 @@ top_folders() { find "$tree" -mindepth 1 -maxdepth 1 -type d -exec du --inodes -
 # The folder with the most entries of its own, as the store names it.
 fullest_folder()
 {
-    find "$tree" -mindepth 2 -printf '/%P\n' | sed 's|/[^/]*$||' | sort | uniq -c | sort -rn |
+    { find "$source" -mindepth 2 -printf '/%P\n' 2>/dev/null || true; } |
+        sed 's|/[^/]*$||' | sort | uniq -c | sort -rn |
         awk 'NR == 1 { sub(/^ *[0-9]+ /, ""); print }'
 }
 
@@ -49,12 +51,8 @@ fullest_folder()
 rm -rf "$demo"
 mkdir -p "$tree"
 
-say "A working copy of $source, in names, sizes and times; $source itself is only read."
-copy_without_contents
-echo "$(find "$tree" | wc -l) files and folders in $tree"
-
-say 'The whole folder goes into a fresh store.'
-run "$program" --folder "$store" scan "$tree"
+say "The whole of $source goes into a fresh store; the folder is only read."
+run "$program" --folder "$store" scan "$source" || echo 'Not all of it could be read; the rest is there.'
 
 say 'What is in it, as in a file system:'
 run "$program" --folder "$store" ls / --count 12
@@ -70,6 +68,11 @@ run "$program" --folder "$store" count
 say 'The largest pictures, wherever they are:'
 run "$program" --folder "$store" view picture --sort -size --count 5
 
+say "To change something, a working copy of $source, in names, sizes and times, and a store for it."
+copy_without_contents
+echo "$(find "$tree" | wc -l) files and folders in $tree"
+run "$program" --folder "$tree_store" scan "$tree"
+
 say 'Now the folder changes: a whole subtree goes, five files come, one file grows and one gets another name.'
 mapfile -t folders < <(top_folders)
 if [ ${#folders[@]} -gt 0 ]; then
@@ -84,5 +87,5 @@ if [ ${#files[@]} -eq 2 ]; then
 fi
 
 say 'The second scan brings the store up to date and tells what it found.'
-run "$program" --folder "$store" scan "$tree"
-run "$program" --folder "$store" count
+run "$program" --folder "$tree_store" scan "$tree"
+run "$program" --folder "$tree_store" count
