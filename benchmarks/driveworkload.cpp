@@ -44,12 +44,8 @@ DriveWorkload::DriveWorkload(std::size_t rows, const std::filesystem::path& fold
 
 std::vector<Operation> DriveWorkload::operations()
 {
-    const Read all = [](Drive& drive) {
-        return drive.readAll();
-    };
-    const Read children = [this](Drive& drive) {
-        return drive.children(m_tree.largeFolder);
-    };
+    const Read all = [](Drive& drive) { return drive.readAll(); };
+    const Read children = [this](Drive& drive) { return drive.children(m_tree.largeFolder); };
     const Read byId = [this](Drive& drive) {
         DriveRecords found;
         found.reserve(m_looked.size());
@@ -82,12 +78,8 @@ std::vector<Contender> DriveWorkload::inserting(bool withIndexes)
     return contenders([this, withIndexes](Drive& drive) {
         Contender contender;
         contender.name = drive.name();
-        contender.prepare = [this, &drive, withIndexes] {
-            openFresh(drive, withIndexes);
-        };
-        contender.run = [this, &drive] {
-            drive.insert(m_tree.records);
-        };
+        contender.prepare = [this, &drive, withIndexes] { openFresh(drive, withIndexes); };
+        contender.run = [this, &drive] { drive.insert(m_tree.records); };
         contender.check = [this, &drive] {
             drive.close();
             Drive& reader = otherThan(drive);
@@ -105,12 +97,8 @@ std::vector<Contender> DriveWorkload::reading(const Read& read, const DriveRecor
     return contenders([this, &read, &expected](Drive& drive) {
         Contender contender;
         contender.name = drive.name();
-        contender.prepare = [this, &drive] {
-            openFull(drive);
-        };
-        contender.run = [this, &drive, read] {
-            m_result = read(drive);
-        };
+        contender.prepare = [this, &drive] { openFull(drive); };
+        contender.run = [this, &drive, read] { m_result = read(drive); };
         contender.check = [this, &drive, &expected] {
             drive.close();
             return requireEqual(std::exchange(m_result, {}), expected);
@@ -128,9 +116,7 @@ std::vector<Contender> DriveWorkload::updating()
             setMarkers(m_marked, ++m_stamp);
             openFull(drive);
         };
-        contender.run = [this, &drive] {
-            drive.updateMarkers(m_marked);
-        };
+        contender.run = [this, &drive] { drive.updateMarkers(m_marked); };
         contender.check = [this, &drive] {
             drive.close();
             Drive& reader = otherThan(drive);

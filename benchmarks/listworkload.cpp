@@ -78,9 +78,8 @@ std::vector<Operation> ListWorkload::operations()
         return record.GetClassIndex() == 2 && !record.IsFolder() && isLive(record);
     };
     const auto page = [&parent](CLOUD_DB_SORT_TYPE sort) {
-        return [parent, sort](Lists& lists, DriveRecords& out) {
-            lists.QueryChildFile(parent, 0, pageSize, sort, out);
-        };
+        return
+            [parent, sort](Lists& lists, DriveRecords& out) { lists.QueryChildFile(parent, 0, pageSize, sort, out); };
     };
     return {
         lists("page-name", fmt::format("{} of {} by name", pageSize, m_tree.children), 1, page(CLOUD_DB_SORT_NAME_ASC),
@@ -141,9 +140,7 @@ Operation ListWorkload::counts(const std::function<Counts(Lists&)>& library, con
         }
         return std::exchange(m_counts, {}).size();
     };
-    const auto runLibrary = [this, library] {
-        m_counts = library(*m_library);
-    };
+    const auto runLibrary = [this, library] { m_counts = library(*m_library); };
     const auto runExpert = [this, sql] {
         for (const std::string& statement : sql) {
             m_counts.push_back(m_expert.count(statement));

@@ -472,9 +472,7 @@ TEST_F(CloudLists, AFailedQueryGivesEmptyListsAndDefaults)
     };
     std::ofstream(path(L"foreign.dat")) << std::string(8192, 'x');
     const auto reopen = [this](const wchar_t* name) {
-        return [this, name](TracedLists& lists) {
-            EXPECT_TRUE(lists.OpenUnicodePath(wide(name).c_str()));
-        };
+        return [this, name](TracedLists& lists) { EXPECT_TRUE(lists.OpenUnicodePath(wide(name).c_str())); };
     };
     SqliteFile locked(path(L"locked.dat"));
     locked.exec("CREATE TABLE DriveDataTable(a); BEGIN EXCLUSIVE");

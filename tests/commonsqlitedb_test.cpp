@@ -220,15 +220,11 @@ TEST_F(PlainConnection, TextIsRunWhole)
 
 TEST_F(PlainConnection, ABatchIsOneTransactionThatFailuresDoNotEnd)
 {
-    const auto failed = [](const std::string& text) {
-        return sqliteFailed(text, 1, text);
-    };
+    const auto failed = [](const std::string& text) { return sqliteFailed(text, 1, text); };
     const std::string noTable = "no such table: nowhere";
     const std::string begun = "cannot start a transaction within a transaction";
     const std::string ended = "cannot commit - no transaction is active";
-    const auto totals = [](const char* text) {
-        return plainLine("CommonSqliteDb::ExcuteMultiSql", text);
-    };
+    const auto totals = [](const char* text) { return plainLine("CommonSqliteDb::ExcuteMultiSql", text); };
     struct Case {
         std::list<std::string> statements;
         bool result;

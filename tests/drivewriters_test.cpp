@@ -227,9 +227,7 @@ TEST_F(DriveWriters, ABatchIsOneTransactionThatLosesFailedRowsOnly)
 TEST_F(DriveWriters, NullRecordsAreLeftOutWithALine)
 {
     m_drive.InsertDriveDataBatch({filledRecord("a", 1), filledRecord("b", 1)});
-    const auto update = [](const char* id) {
-        return std::make_shared<DriveDataTable>(filledRecord(id, 2));
-    };
+    const auto update = [](const char* id) { return std::make_shared<DriveDataTable>(filledRecord(id, 2)); };
     EXPECT_TRUE(m_drive.UpdateDriveData(std::vector{update("a"), std::shared_ptr<DriveDataTable>(), update("b")}));
     EXPECT_EQ(m_file.query("SELECT name FROM DriveDataTable"), (Rows{{"'name-2'"}, {"'name-2'"}}));
     EXPECT_TRUE(m_log.failuresWere({{"DriverDBProviderBase::UpdateDriveData", "*"}}));

@@ -265,9 +265,7 @@ TEST_F(Engine, AFailedBeginSaysMoreForWritesThanForReads)
 
 TEST_F(Engine, AFailedBindEndsTheBatchWithoutACommit)
 {
-    m_store.onOpen = [](sqlite3* db) {
-        sqlite3_limit(db, SQLITE_LIMIT_LENGTH, 1000);
-    };
+    m_store.onOpen = [](sqlite3* db) { sqlite3_limit(db, SQLITE_LIMIT_LENGTH, 1000); };
     const std::string large(2000, 'x');
     struct Case {
         const char* name;
@@ -355,9 +353,7 @@ TEST_F(Engine, AQueryThatFailsOnTheWayKeepsWhatItHas)
 TEST_F(Engine, AFailedCommitKeepsItsConnection)
 {
     m_file.exec("CREATE TABLE child(t INTEGER REFERENCES t(id) DEFERRABLE INITIALLY DEFERRED)");
-    m_store.onOpen = [](sqlite3* db) {
-        sqlite3_exec(db, "PRAGMA foreign_keys=ON", nullptr, nullptr, nullptr);
-    };
+    m_store.onOpen = [](sqlite3* db) { sqlite3_exec(db, "PRAGMA foreign_keys=ON", nullptr, nullptr, nullptr); };
     const std::size_t kept = ListKeptConnections().size();
     const std::vector<ExpectedLine> expected{lines.exec("FOREIGN KEY constraint failed"), lines.commit};
     sqlite3* db = m_store.GetDbConnection();
@@ -392,9 +388,7 @@ TEST_F(Engine, AFailedCloseLeavesTheHandleUsable)
     EXPECT_EQ(rows().size(), 1U);
 
     // An own connection that cannot be closed does not change the call's answer.
-    m_store.onOpen = [&](sqlite3* own) {
-        sqlite3_prepare_v2(own, "SELECT 1", -1, &stmt, nullptr);
-    };
+    m_store.onOpen = [&](sqlite3* own) { sqlite3_prepare_v2(own, "SELECT 1", -1, &stmt, nullptr); };
     EXPECT_TRUE(m_store.Execute("INSERT INTO t(id) VALUES(2)"));
     EXPECT_TRUE(m_log.failuresWere({line}));
     db = sqlite3_db_handle(stmt);
@@ -419,9 +413,7 @@ TEST_F(Engine, ExceptionsLeaveNoOwnConnectionOrStatement)
     EXPECT_EQ(sqlite3_next_stmt(db, nullptr), nullptr);
     EXPECT_TRUE(m_store.CloseDatabase(db));
 
-    m_store.onOpen = [&](sqlite3*) {
-        throw std::bad_alloc();
-    };
+    m_store.onOpen = [&](sqlite3*) { throw std::bad_alloc(); };
     EXPECT_THROW(m_store.Execute(select), std::bad_alloc);
     EXPECT_THROW(m_store.GetDbConnection(), std::bad_alloc);
     EXPECT_EQ(m_store.opened, m_store.closed);

@@ -142,9 +142,7 @@ std::string sortKey(const std::vector<std::string>& runs)
 TEST(NameCompare, BothOrdersSortLettersAndNumbersAlike)
 {
     std::mt19937 random(1); // the same names everywhere
-    const auto below = [&random](std::size_t limit) {
-        return static_cast<std::size_t>(random() % limit);
-    };
+    const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
     const auto lettersOf = [&](std::string_view alphabet) {
         std::string letters;
         for (std::size_t count = 1 + below(3); count > 0; --count) {
@@ -280,9 +278,7 @@ TEST(NameCompare, IsATotalPreorder)
                 order[left][right] = compare(names[left], names[right]);
             }
         }
-        const auto failure = [&] {
-            return "seed " + std::to_string(seed) + ": " + testing::PrintToString(names);
-        };
+        const auto failure = [&] { return "seed " + std::to_string(seed) + ": " + testing::PrintToString(names); };
         for (std::size_t left = 0; left < 3; ++left) {
             ASSERT_EQ(order[left][left], 0) << failure();
             for (std::size_t right = 0; right < 3; ++right) {

@@ -550,7 +550,6 @@ inline constexpr auto knownExtensions = std::to_array<KnownExtension>({
     {"sitx", "application/x-stuffit", ExtensionGroup::Archive},
     {"snap", "application/vnd.snap", ExtensionGroup::Archive},
     {"so", "application/x-sharedlib", ExtensionGroup::Code},
-    {"spec", "text/x-rpm-spec", ExtensionGroup::Code},
     {"spx", "audio/ogg", ExtensionGroup::Audio},
     {"sql", "application/sql", ExtensionGroup::Code},
     {"sqlite", "application/vnd.sqlite3", ExtensionGroup::Data},
@@ -713,9 +712,7 @@ constexpr const KnownExtension* findExtension(std::string_view fileName) noexcep
         return std::lexicographical_compare(known.extension.begin(), known.extension.end(), value.begin(), value.end(),
                                             [lower](char left, char right) { return lower(left) < lower(right); });
     };
-    const auto isSame = [lower](char left, char right) {
-        return left == lower(right);
-    };
+    const auto isSame = [lower](char left, char right) { return left == lower(right); };
     const auto found = std::lower_bound(knownExtensions.begin(), knownExtensions.end(), wanted, isBelow);
     return found != knownExtensions.end() &&
             std::equal(found->extension.begin(), found->extension.end(), wanted.begin(), wanted.end(), isSame)

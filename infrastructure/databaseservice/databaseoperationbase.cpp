@@ -251,9 +251,7 @@ bool DatabaseOperationBase::Execute(sqlite3* db, sqlite3_stmt* stmt, const std::
         sqlite3_finalize(ownStmt);
         closeOwn();
     });
-    const auto logErrorText = [&] {
-        logFailure(__LINE__, executeFunction, L"Error message is " + errorText(db));
-    };
+    const auto logErrorText = [&] { logFailure(__LINE__, executeFunction, L"Error message is " + errorText(db)); };
     const auto giveUp = [&] {
         closeOwn();
         logFailure(__LINE__, executeFunction, L"SQL is " + platform::toWide(sql));

@@ -12,9 +12,7 @@ namespace DatabaseService {
 template <class Char> constexpr int64 leadingInteger(std::basic_string_view<Char> text) noexcept
 {
     std::size_t at = 0;
-    const auto in = [&](Char low, Char high) {
-        return at < text.size() && text[at] >= low && text[at] <= high;
-    };
+    const auto in = [&](Char low, Char high) { return at < text.size() && text[at] >= low && text[at] <= high; };
     while (in(Char(' '), Char(' ')) || in(Char('\t'), Char('\r'))) {
         ++at;
     }

@@ -19,14 +19,10 @@ DriveField field(const char* column, void (DriveDataTable::*set)(Set), Get (Driv
                 [set](DriveDataTable& record, const std::string& value) {
                     (record.*set)(static_cast<Get>(std::stoll(value)));
                 },
-                [get](const DriveDataTable& record) {
-                    return std::to_string((record.*get)());
-                }};
+                [get](const DriveDataTable& record) { return std::to_string((record.*get)()); }};
     } else {
         return {column, true, 0, [set](DriveDataTable& record, const std::string& value) { (record.*set)(value); },
-                [get](const DriveDataTable& record) {
-                    return (record.*get)();
-                }};
+                [get](const DriveDataTable& record) { return (record.*get)(); }};
     }
 }
 

@@ -109,11 +109,7 @@ void addCount(CLI::App& app, Command& chosen)
     command->add_option("PATH", *path, "Count what is directly in this folder, such as /Photos/2024 or id:ID");
     command->footer("Outside the bin are rows that are neither in it nor on their way there. Classes count files that "
                     "lists show:\n2 pictures, 4 videos, 8 audio, 16 documents, 32 everything else.");
-    command->callback([&chosen, path] {
-        chosen = [path](Session& session) {
-            return count(session, *path);
-        };
-    });
+    command->callback([&chosen, path] { chosen = [path](Session& session) { return count(session, *path); }; });
 }
 
 } // namespace dbservice

@@ -43,11 +43,7 @@ void addLs(CLI::App& app, Command& chosen)
         "hide:\nin the bin, on their way there or to another folder, or not to be displayed.\n"
         "Times are UTC, sizes in units of 1024 bytes.\nWith --json each line is a row with its stored "
         "columns: sizes in bytes, times in seconds since 1970 UTC.");
-    command->callback([&chosen, options] {
-        chosen = [options](Session& session) {
-            return ls(session, *options);
-        };
-    });
+    command->callback([&chosen, options] { chosen = [options](Session& session) { return ls(session, *options); }; });
 }
 
 } // namespace dbservice

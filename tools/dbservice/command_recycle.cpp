@@ -75,11 +75,8 @@ void addRecycle(CLI::App& app, Command& chosen)
         "Shows what the user put there, folders first, without what went along with a folder. Rows that wait "
         "for\na restore or a final deletion are left out. A row is kept for 30 days.\n"
         "With --json each line is a row with its stored columns.");
-    command->callback([&chosen, options] {
-        chosen = [options](Session& session) {
-            return recycle(session, *options);
-        };
-    });
+    command->callback(
+        [&chosen, options] { chosen = [options](Session& session) { return recycle(session, *options); }; });
 }
 
 } // namespace dbservice

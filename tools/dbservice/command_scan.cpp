@@ -114,11 +114,7 @@ void addScan(CLI::App& app, Command& chosen)
         "during the walk are lost: the exit code is 1.\n"
         "Times are stored in seconds since 1970 UTC, contentVersion is the modification time in nanoseconds.\n"
         "Steps: walk the folder, read the store, mark, write and sweep rows.");
-    command->callback([&chosen, folder] {
-        chosen = [folder](Session& session) {
-            return scan(session, *folder);
-        };
-    });
+    command->callback([&chosen, folder] { chosen = [folder](Session& session) { return scan(session, *folder); }; });
 }
 
 } // namespace dbservice

@@ -57,11 +57,7 @@ void addStat(CLI::App& app, Command& chosen)
     command->add_flag("--all", options->all, "Show the fields that are empty or 0 too");
     command->footer("The subtree counts the row itself and everything below it that is not in the bin.\n"
                     "With --json the keys are the stored columns, and subtree.");
-    command->callback([&chosen, options] {
-        chosen = [options](Session& session) {
-            return stat(session, *options);
-        };
-    });
+    command->callback([&chosen, options] { chosen = [options](Session& session) { return stat(session, *options); }; });
 }
 
 } // namespace dbservice

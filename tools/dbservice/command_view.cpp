@@ -60,11 +60,7 @@ void addView(CLI::App& app, Command& chosen)
     addPageOptions(*command, options->page);
     command->footer("Rows in the bin, on their way there or not to be displayed are left out.\n"
                     "With --json each line is a row with its stored columns.");
-    command->callback([&chosen, options] {
-        chosen = [options](Session& session) {
-            return view(session, *options);
-        };
-    });
+    command->callback([&chosen, options] { chosen = [options](Session& session) { return view(session, *options); }; });
 }
 
 } // namespace dbservice
