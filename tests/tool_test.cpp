@@ -288,12 +288,8 @@ TEST_F(Tool, RecordsAnUglyFolder)
 TEST_F(Tool, PagesInEveryOrderWithFoldersFirst)
 {
     const fs::file_time_type start = fs::file_time_type::clock::now() - std::chrono::hours(1);
-    const auto age = [&](const std::string& name, int seconds) {
-        fs::last_write_time(source() / name, start + std::chrono::seconds(seconds));
-    };
-    for (const auto& [name, seconds] : std::map<std::string, int>{{"D1", 3}, {"d2", 1}, {"d10", 2}}) {
+    for (const char* name : {"D1", "d2", "d10"}) {
         fs::create_directories(source() / name);
-        age(name, seconds);
     }
     struct File {
         std::string name;
@@ -302,9 +298,12 @@ TEST_F(Tool, PagesInEveryOrderWithFoldersFirst)
     };
     for (const File& file : {File{"a10.txt", 2000, 10}, {"a2.jpg", 3000, 20}, {"B.mp3", 2000, 30}}) {
         writeFile(source() / file.name, std::string(file.size, 'x'));
-        age(file.name, file.seconds);
+        fs::last_write_time(source() / file.name, start + std::chrono::seconds(file.seconds));
     }
     ASSERT_EQ(scan().code, 0);
+    // Not every system lets a program set the time of a folder.
+    changeStore("UPDATE DriveDataTable SET modifiedTime = CASE name WHEN 'D1' THEN 3 WHEN 'd2' THEN 1 ELSE 2 END "
+                "WHERE name IN ('D1', 'd2', 'd10')");
 
     const std::map<std::string, std::vector<std::string>> orders{
         {"name", {"D1", "d2", "d10", "a2.jpg", "a10.txt", "B.mp3"}},
