@@ -3,6 +3,7 @@
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/cellreader.h"
+#include "databaseservice/firstcell.h"
 #include "databaseservice/keepconnection.h"
 #include "databaseservice/parameterlistsource.h"
 #include "databaseservice/parameterwriter.h"
@@ -437,6 +438,13 @@ bool DatabaseOperationBase::Query(sqlite3* db, sqlite3_stmt* stmt, DatabaseBindP
                                   std::list<DatabaseQueryResult*>*& rows)
 {
     return QueryRows(db, stmt, {}, &bind, rows);
+}
+
+int64 DatabaseOperationBase::ReadNumber(const std::string& sql, ElementSource* elements)
+{
+    FirstCell cell;
+    Execute(nullptr, nullptr, sql, elements, &cell);
+    return cell.number();
 }
 
 } // namespace DatabaseService

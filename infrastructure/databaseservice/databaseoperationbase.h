@@ -117,6 +117,8 @@ protected:
     template <class Record, class Element>
     bool ReadRecords(const std::string& sql, ElementSource* elements, const ColumnList<Record>& columns,
                      std::vector<Element>& records);
+    /// The first cell of the first row if it is a number, otherwise 0.
+    int64 ReadNumber(const std::string& sql, ElementSource* elements = nullptr);
 
 private:
     enum class Opened { Yes, Failed, NoHandle };

@@ -1,5 +1,6 @@
 #include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/firstcell.h"
 #include "databaseservice/parameterlistsource.h"
 #include "databaseservice/recordio.h"
 #include "databaseservice/scopeexit.h"
@@ -23,26 +24,6 @@ struct Page {
     std::string parentId;
     int64 count;
     int64 start;
-};
-
-// The first cell of the first row.
-class FirstCell final : public RowSink {
-public:
-    void Row(CellReader& cells) override
-    {
-        if (std::exchange(m_waiting, false)) {
-            m_kind = cells.next();
-            m_number = m_kind == CellReader::Kind::Integer ? cells.integer() : 0;
-        }
-    }
-
-    bool isText() const { return m_kind == CellReader::Kind::Text; }
-    int number() const { return static_cast<int>(m_number); }
-
-private:
-    bool m_waiting = true;
-    CellReader::Kind m_kind = CellReader::Kind::None;
-    int64 m_number = 0;
 };
 
 } // namespace
@@ -167,16 +148,14 @@ void DriverDBProviderBase::WithStatement(const std::string& sql, const std::func
 
 int DriverDBProviderBase::CountDriverData()
 {
-    FirstCell count;
-    Execute(nullptr, nullptr, "SELECT COUNT(fileId) FROM DriveDataTable", nullptr, &count);
-    return count.number();
+    return static_cast<int>(ReadNumber("SELECT COUNT(fileId) FROM DriveDataTable"));
 }
 
 int DriverDBProviderBase::GetCountBySelectSQL(std::string& sql)
 {
     FirstCell count;
     Execute(nullptr, nullptr, sql, nullptr, &count);
-    return count.isText() ? -1 : count.number();
+    return count.isText() ? -1 : static_cast<int>(count.number());
 }
 
 bool DriverDBProviderBase::GetFolderSubFile(const std::string& parentId, std::vector<std::string>& files,
@@ -231,9 +210,7 @@ int DriverDBProviderBase::GetFilesChildNodeCount(const std::string& fileId)
         "DriveDataTable.parentId = items.fileId) SELECT COUNT(*) FROM items WHERE recycled = '0';",
         ":fileId");
     auto key = oneValue(select, fileId);
-    FirstCell count;
-    Execute(nullptr, nullptr, select.sql, &key, &count);
-    return count.number();
+    return static_cast<int>(ReadNumber(select.sql, &key));
 }
 
 } // namespace DatabaseService

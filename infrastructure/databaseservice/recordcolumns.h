@@ -3,6 +3,7 @@
 #include "databaseservice/cellreader.h"
 #include "databaseservice/integers.h"
 #include "databaseservice/parameterwriter.h"
+#include "databaseservice/wholenumber.h"
 
 #include <array>
 #include <cstddef>
@@ -25,9 +26,11 @@ template <class Record> using AssignMember = void (*)(Record&, const std::string
 
 template <class Record> using LoadMember = void (*)(Record&, sqlite3_stmt*, int column);
 
-/// The four functions are null for a column that no member stands for.
+/// The four functions are null for a column that no member stands for. Numbers with a fraction are only written, and
+/// wide text is read strictly or not at all.
 template <class Record> struct Column {
-    std::string_view name;
+    std::string_view name;      ///< as statements write it: in brackets where SQL has a word of that name
+    std::string_view parameter; ///< without its colon
     std::string_view declaration;
     unsigned groups = 0;
     BindMember<Record> bind = nullptr;
@@ -45,7 +48,9 @@ template <class R, class T, T R::*Member> struct MemberTraits<Member> {
 
 template <class T> bool bindValue(const T& value, ParameterWriter& parameters, int index)
 {
-    if constexpr (std::is_integral_v<T>) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return parameters.bind(index, wholeNumber(value));
+    } else if constexpr (std::is_integral_v<T>) {
         return parameters.bind(index, static_cast<int64>(value));
     } else {
         return parameters.bind(index, value);
@@ -66,6 +71,24 @@ template <auto Member> void readMember(typename MemberTraits<Member>::Record& re
         record.*Member = static_cast<Type>(cells.nextInteger());
     } else {
         cells.nextText(record.*Member);
+    }
+}
+
+/// A cell of the other kind leaves the member as it is. Numbers are cut to the member last.
+template <auto Member> void readMemberStrictly(typename MemberTraits<Member>::Record& record, CellReader& cells)
+{
+    using Type = typename MemberTraits<Member>::Type;
+    const CellReader::Kind kind = cells.next();
+    if constexpr (std::is_integral_v<Type>) {
+        if (kind == CellReader::Kind::Integer) {
+            record.*Member = static_cast<Type>(cells.integer());
+        }
+    } else if (kind == CellReader::Kind::Text) {
+        if constexpr (std::is_same_v<Type, std::wstring>) {
+            record.*Member = platform::toWide(cells.text());
+        } else {
+            record.*Member = cells.text();
+        }
     }
 }
 
@@ -96,21 +119,45 @@ void loadMember(typename MemberTraits<Member>::Record& record, sqlite3_stmt* sta
     }
 }
 
+constexpr std::string_view withoutBrackets(std::string_view name)
+{
+    return name.starts_with('[') ? name.substr(1, name.size() - 2) : name;
+}
+
+/// A column whose reader converts between kinds, with the parameter of its own name.
 template <auto Member> constexpr auto column(std::string_view name, std::string_view declaration, unsigned groups)
 {
-    return Column<typename MemberTraits<Member>::Record>{name,
-                                                         declaration,
-                                                         groups,
-                                                         &bindMember<Member>,
-                                                         &readMember<Member>,
-                                                         &assignMember<Member>,
-                                                         &loadMember<Member>};
+    using Traits = MemberTraits<Member>;
+    using Type = typename Traits::Type;
+    Column<typename Traits::Record> column{name, withoutBrackets(name), declaration, groups, &bindMember<Member>};
+    if constexpr (std::is_integral_v<Type> || std::is_same_v<Type, std::string>) {
+        column.read = &readMember<Member>;
+        column.assign = &assignMember<Member>;
+        column.load = &loadMember<Member>;
+    }
+    return column;
+}
+
+/// A column whose reader passes over a cell of the wrong kind.
+template <auto Member> constexpr auto strictColumn(std::string_view name, std::string_view declaration, unsigned groups)
+{
+    auto column = DatabaseService::column<Member>(name, declaration, groups);
+    column.read = &readMemberStrictly<Member>;
+    return column;
+}
+
+/// The column `name` as a statement sets or tests it from another member or through another parameter.
+template <auto Member> constexpr auto columnFrom(std::string_view name, std::string_view parameter)
+{
+    auto column = DatabaseService::column<Member>(name, {}, 0);
+    column.parameter = parameter;
+    return column;
 }
 
 /// A column that the table has and no statement names.
 template <class Record> constexpr Column<Record> unnamedColumn(std::string_view name, std::string_view declaration)
 {
-    return {name, declaration};
+    return {name, withoutBrackets(name), declaration};
 }
 
 /// Columns in the order of a statement.
@@ -150,6 +197,12 @@ constexpr void appendTo(ColumnList<Record>& list, const std::array<Column<Record
     throw std::invalid_argument("no such column");
 }
 
+/// Appends a column that lives as long as the program.
+template <class Record> constexpr void appendTo(ColumnList<Record>& list, const auto&, const Column<Record>& column)
+{
+    list.append(column);
+}
+
 template <class Record> constexpr void appendTo(ColumnList<Record>& list, const auto&, const ColumnList<Record>& other)
 {
     for (const Column<Record>* column : other) {
@@ -157,7 +210,7 @@ template <class Record> constexpr void appendTo(ColumnList<Record>& list, const 
     }
 }
 
-/// A statement's columns, in its order: groups, names of single columns and other lists.
+/// A statement's columns, in its order: groups, names of single columns, columns from elsewhere and other lists.
 template <class Record, std::size_t N, class... Items>
 constexpr ColumnList<Record> pick(const std::array<Column<Record>, N>& table, const Items&... items)
 {
@@ -204,7 +257,7 @@ template <class Record> std::vector<Parameter<Record>> parametersOf(const Column
 {
     std::vector<Parameter<Record>> parameters;
     for (const Column<Record>* column : columns) {
-        parameters.push_back({':' + std::string(column->name), column->bind});
+        parameters.push_back({':' + std::string(column->parameter), column->bind});
     }
     return parameters;
 }
@@ -224,7 +277,7 @@ std::string createTable(std::string_view head, const std::array<Column<Record>, 
 /// `head`, which ends in an opening bracket, then the columns and their parameters.
 template <class Record> Statement<Record> insertStatement(std::string_view head, const ColumnList<Record>& columns)
 {
-    const std::string values = joined(columns, [](const auto& column) { return ':' + std::string(column.name); });
+    const std::string values = joined(columns, [](const auto& column) { return ':' + std::string(column.parameter); });
     return {std::string(head) + names(columns) + ") VALUES (" + values + ");", parametersOf(columns)};
 }
 
@@ -234,7 +287,7 @@ Statement<Record> updateStatement(std::string_view head, const ColumnList<Record
                                   const ColumnList<Record>& keys)
 {
     const std::string settings = joined(
-        columns, [](const auto& column) { return std::string(column.name) + " = :" + std::string(column.name); });
+        columns, [](const auto& column) { return std::string(column.name) + " = :" + std::string(column.parameter); });
     Statement<Record> statement{std::string(head) + " SET " + settings + ' ' + std::string(tail),
                                 parametersOf(columns)};
     for (Parameter<Record>& key : parametersOf(keys)) {

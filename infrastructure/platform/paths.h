@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace platform {
@@ -13,5 +14,12 @@ std::string toUtf8(const std::filesystem::path& path);
 
 /// Whether something is there. False also when the system cannot tell.
 bool exists(const std::wstring& path) noexcept;
+
+/// What stands between a folder and the names in it.
+extern const wchar_t folderSeparator;
+
+/// The long form of a path that may hold short 8.3 names; elsewhere than on Windows the path itself. Nothing when the
+/// path does not exist, or when the long form does not fit into 260 characters with its end.
+std::optional<std::wstring> longPathName(const std::wstring& path);
 
 } // namespace platform

@@ -14,4 +14,12 @@ std::string toUtf8(const std::filesystem::path& path)
     return repairUtf8(path.native());
 }
 
+const wchar_t folderSeparator = L'/';
+
+std::optional<std::wstring> longPathName(const std::wstring& path)
+{
+    constexpr std::size_t longest = 259;
+    return exists(path) && path.size() <= longest ? std::optional(path) : std::nullopt;
+}
+
 } // namespace platform

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "databaseservice/cellreader.h"
+#include "databaseservice/rowsink.h"
+
+#include <string>
+#include <utility>
+
+namespace DatabaseService {
+
+/// The first cell of the first row; the others are passed over.
+class FirstCell final : public RowSink {
+public:
+    void Row(CellReader& cells) override
+    {
+        if (std::exchange(m_waiting, false)) {
+            m_kind = cells.next();
+            if (m_kind == CellReader::Kind::Integer) {
+                m_number = cells.integer();
+            } else if (m_kind == CellReader::Kind::Text) {
+                m_text = cells.text();
+            }
+        }
+    }
+
+    bool isText() const { return m_kind == CellReader::Kind::Text; }
+    /// 0 if the cell is no number, or there is none.
+    int64 number() const { return m_number; }
+    /// Empty if the cell is no text, or there is none.
+    const std::string& text() const { return m_text; }
+
+private:
+    bool m_waiting = true;
+    CellReader::Kind m_kind = CellReader::Kind::None;
+    int64 m_number = 0;
+    std::string m_text;
+};
+
+} // namespace DatabaseService

@@ -1,0 +1,15 @@
+#include "platform/files.h"
+
+#include "platform/paths.h"
+
+#include <system_error>
+
+namespace platform {
+
+void removeAll(const std::wstring& path)
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(toPath(path), ignored);
+}
+
+} // namespace platform
