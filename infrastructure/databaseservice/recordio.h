@@ -5,6 +5,7 @@
 #include "databaseservice/recordcolumns.h"
 #include "databaseservice/rowsink.h"
 
+#include <algorithm>
 #include <memory>
 #include <span>
 #include <utility>
@@ -78,8 +79,14 @@ public:
     }
 
 private:
+    // Up to here a list is copied so often while it grows that larger steps pay; beyond, memory counts.
+    static constexpr std::size_t fastGrowth = 65536;
+
     Record& append()
     {
+        if (m_rows.size() == m_rows.capacity() && m_rows.size() < fastGrowth) {
+            m_rows.reserve(std::max<std::size_t>(8, 4 * m_rows.size()));
+        }
         if constexpr (std::is_same_v<Record, Element>) {
             return m_rows.emplace_back();
         } else {
