@@ -74,7 +74,9 @@ std::vector<std::string> stepsOf(const Contender& contender)
 
 Result measure(const Operation& operation, int rounds)
 {
-    std::signal(SIGINT, [](int) { interrupted = 1; });
+    for (const int signal : {SIGINT, SIGTERM}) {
+        std::signal(signal, [](int) { interrupted = 1; });
+    }
     Result result{operation, std::vector<Measurement>(operation.contenders.size())};
     std::vector<std::size_t> order(operation.contenders.size());
     std::iota(order.begin(), order.end(), std::size_t{0});

@@ -38,7 +38,7 @@ struct Result {
 };
 
 /// Runs all contenders in turn, round after round, each round in another order, after one round that does not count.
-/// Throws what `check` throws, and `std::runtime_error` after an interrupt from the terminal, noticed between runs.
+/// Throws what `check` throws, and `std::runtime_error` after an interrupt or a request to end, noticed between runs.
 Result measure(const Operation& operation, int rounds);
 
 /// Runs one contender once, for a profiler, and gives its rows.
