@@ -45,8 +45,8 @@ private:
     std::filesystem::path m_full;
     bool m_filled = false;
     LibraryDrive m_library;
-    ExpertDrive m_expert{ExpertDrive::Connection::PerCall};
-    ExpertDrive m_keptExpert{ExpertDrive::Connection::Kept};
+    ExpertDrive m_expert{ExpertConnection::Kind::PerCall};
+    ExpertDrive m_keptExpert{ExpertConnection::Kind::Kept};
 };
 
 } // namespace benchmarks

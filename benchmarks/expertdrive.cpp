@@ -1,16 +1,13 @@
 #include "expertdrive.h"
 
+#include "expertcells.h"
 #include "platform/namecompare.h"
 #include "platform/paths.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <fmt/format.h>
-#include <sqlite3.h>
-#include <stdexcept>
 #include <string_view>
-#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -90,16 +87,6 @@ std::string each(std::string_view columns, fmt::string_view format)
     return text;
 }
 
-bool bind(sqlite3_stmt* stmt, int index, const std::string& value)
-{
-    return sqlite3_bind_text(stmt, index, value.data(), static_cast<int>(value.size()), SQLITE_STATIC) == SQLITE_OK;
-}
-
-bool bind(sqlite3_stmt* stmt, int index, std::int64_t value)
-{
-    return sqlite3_bind_int64(stmt, index, value) == SQLITE_OK;
-}
-
 template <class Members, std::size_t... I>
 bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members, std::index_sequence<I...>)
 {
@@ -109,26 +96,6 @@ bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members
 template <class Members> bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members)
 {
     return bindMembers(stmt, record, members, std::make_index_sequence<std::tuple_size_v<Members>>());
-}
-
-void read(sqlite3_stmt* stmt, int column, std::string& value)
-{
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
-    if (text == nullptr) {
-        value.clear();
-    } else {
-        value.assign(text, static_cast<std::size_t>(sqlite3_column_bytes(stmt, column)));
-    }
-}
-
-void read(sqlite3_stmt* stmt, int column, std::int64_t& value)
-{
-    value = sqlite3_column_int64(stmt, column);
-}
-
-void read(sqlite3_stmt* stmt, int column, std::int32_t& value)
-{
-    value = sqlite3_column_int(stmt, column);
 }
 
 // The statement selects all columns from the one numbered `First` on.
@@ -144,15 +111,14 @@ int compare(void* /*user*/, int leftSize, const void* left, int rightSize, const
                                   {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
 }
 
-int wait(void* /*data*/, int /*count*/)
+int addCollation(sqlite3* db)
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return 1;
+    return sqlite3_create_collation(db, "NameCompare", SQLITE_UTF8, nullptr, compare);
 }
 
 } // namespace
 
-ExpertDrive::ExpertDrive(Connection connection) : m_kept(connection == Connection::Kept)
+ExpertDrive::ExpertDrive(ExpertConnection::Kind connection) : m_connection(connection, addCollation)
 {
     const std::string select = fmt::format("SELECT {} FROM DriveDataTable", allColumns);
     m_texts[Insert] = fmt::format("INSERT INTO DriveDataTable ({}) VALUES ({});", allColumns, each(allColumns, ":{}"));
@@ -164,94 +130,36 @@ ExpertDrive::ExpertDrive(Connection connection) : m_kept(connection == Connectio
         fmt::format("UPDATE DriveDataTable SET {} WHERE fileId = :fileId", each(markerColumns, "{0} = :{0}"));
 }
 
-ExpertDrive::~ExpertDrive()
-{
-    disconnect();
-}
-
 void ExpertDrive::open(const std::filesystem::path& folder)
 {
-    m_path = platform::toUtf8(folder / "DriveModuleData.dat");
-    if (m_kept) {
-        connect();
-    }
+    m_connection.open(folder / "DriveModuleData.dat");
 }
 
 void ExpertDrive::close()
 {
-    disconnect();
-}
-
-void ExpertDrive::connect()
-{
-    check(sqlite3_open_v2(m_path.c_str(), &m_db, 0x80006, nullptr) == SQLITE_OK);
-    check(sqlite3_busy_handler(m_db, wait, nullptr) == SQLITE_OK);
-    check(sqlite3_create_collation(m_db, "NameCompare", SQLITE_UTF8, nullptr, compare) == SQLITE_OK);
-}
-
-void ExpertDrive::disconnect()
-{
-    for (sqlite3_stmt*& stmt : m_statements) {
-        sqlite3_finalize(std::exchange(stmt, nullptr));
-    }
-    sqlite3_close(std::exchange(m_db, nullptr));
-}
-
-void ExpertDrive::exec(const char* sql)
-{
-    check(sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr) == SQLITE_OK);
-}
-
-void ExpertDrive::check(bool good) const
-{
-    if (!good) {
-        throw std::runtime_error(std::string("the C interface failed: ") + sqlite3_errmsg(m_db));
-    }
-}
-
-template <class Body> void ExpertDrive::transaction(const char* begin, Text text, Body body)
-{
-    if (!m_kept) {
-        connect();
-    }
-    sqlite3_stmt*& stmt = m_statements[text];
-    if (stmt == nullptr) {
-        const std::string& sql = m_texts[text];
-        check(sqlite3_prepare(m_db, sql.data(), static_cast<int>(sql.size()), &stmt, nullptr) == SQLITE_OK);
-    }
-    exec(begin);
-    body(stmt);
-    check((m_kept ? sqlite3_reset(stmt) : sqlite3_finalize(std::exchange(stmt, nullptr))) == SQLITE_OK);
-    exec("COMMIT;");
-    if (!m_kept) {
-        disconnect();
-    }
+    m_connection.close();
 }
 
 template <std::size_t FirstColumn, class Row> void ExpertDrive::forEachRow(sqlite3_stmt* stmt, Row row)
 {
-    int code = sqlite3_step(stmt);
-    for (; code == SQLITE_ROW; code = sqlite3_step(stmt)) {
-        readMembers<FirstColumn>(stmt, row(), std::make_index_sequence<allCount - FirstColumn>());
-    }
-    check(code == SQLITE_DONE);
+    m_connection.forEachRow(stmt, [&](sqlite3_stmt* standing) {
+        readMembers<FirstColumn>(standing, row(), std::make_index_sequence<allCount - FirstColumn>());
+    });
 }
 
 void ExpertDrive::insert(const DriveRecords& records)
 {
-    transaction("BEGIN IMMEDIATE;", Insert, [&](sqlite3_stmt* stmt) {
-        for (const DriveDataTable& record : records) {
-            check(sqlite3_reset(stmt) == SQLITE_OK);
-            check(bindMembers(stmt, record, allMembers));
-            check(sqlite3_step(stmt) == SQLITE_DONE);
-        }
+    m_connection.transaction("BEGIN IMMEDIATE;", m_texts[Insert], [&](sqlite3_stmt* stmt) {
+        m_connection.runForEach(stmt, records, [](sqlite3_stmt* one, const DriveDataTable& record) {
+            return bindMembers(one, record, allMembers);
+        });
     });
 }
 
 DriveRecords ExpertDrive::readAll()
 {
     DriveRecords records;
-    transaction("BEGIN DEFERRED", ReadAll, [&](sqlite3_stmt* stmt) {
+    m_connection.transaction("BEGIN DEFERRED", m_texts[ReadAll], [&](sqlite3_stmt* stmt) {
         forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
     });
     return records;
@@ -260,8 +168,8 @@ DriveRecords ExpertDrive::readAll()
 DriveRecords ExpertDrive::children(const std::string& parentId)
 {
     DriveRecords records;
-    transaction("BEGIN DEFERRED", Children, [&](sqlite3_stmt* stmt) {
-        check(bind(stmt, 1, parentId));
+    m_connection.transaction("BEGIN DEFERRED", m_texts[Children], [&](sqlite3_stmt* stmt) {
+        m_connection.require(bind(stmt, 1, parentId));
         forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
     });
     return records;
@@ -270,8 +178,8 @@ DriveRecords ExpertDrive::children(const std::string& parentId)
 DriveDataTable ExpertDrive::byId(const std::string& fileId)
 {
     DriveDataTable record;
-    transaction("BEGIN DEFERRED", ById, [&](sqlite3_stmt* stmt) {
-        check(bind(stmt, 1, fileId));
+    m_connection.transaction("BEGIN DEFERRED", m_texts[ById], [&](sqlite3_stmt* stmt) {
+        m_connection.require(bind(stmt, 1, fileId));
         forEachRow<firstById>(stmt, [&]() -> DriveDataTable& {
             record.SetFileid(fileId);
             return record;
@@ -280,38 +188,28 @@ DriveDataTable ExpertDrive::byId(const std::string& fileId)
     return record;
 }
 
-sqlite3_stmt* ExpertDrive::prepare(const std::string& sql)
-{
-    sqlite3_stmt* stmt = nullptr;
-    check(sqlite3_prepare_v2(m_db, sql.data(), static_cast<int>(sql.size()), &stmt, nullptr) == SQLITE_OK);
-    return stmt;
-}
-
 void ExpertDrive::select(const std::string& sql, DriveRecords& records)
 {
-    sqlite3_stmt* const stmt = prepare(sql);
-    forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
-    check(sqlite3_finalize(stmt) == SQLITE_OK);
+    m_connection.once(sql, [&](sqlite3_stmt* stmt) {
+        forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
+    });
 }
 
 std::int64_t ExpertDrive::count(const std::string& sql)
 {
-    sqlite3_stmt* const stmt = prepare(sql);
-    check(sqlite3_step(stmt) == SQLITE_ROW);
-    const std::int64_t rows = sqlite3_column_int64(stmt, 0);
-    check(sqlite3_step(stmt) == SQLITE_DONE);
-    check(sqlite3_finalize(stmt) == SQLITE_OK);
+    std::int64_t rows = 0;
+    m_connection.once(sql, [&](sqlite3_stmt* stmt) {
+        m_connection.forEachRow(stmt, [&](sqlite3_stmt* standing) { rows = sqlite3_column_int64(standing, 0); });
+    });
     return rows;
 }
 
 void ExpertDrive::updateMarkers(const DriveRecords& records)
 {
-    transaction("BEGIN IMMEDIATE;", UpdateMarkers, [&](sqlite3_stmt* stmt) {
-        for (const DriveDataTable& record : records) {
-            check(sqlite3_reset(stmt) == SQLITE_OK);
-            check(bindMembers(stmt, record, markerMembers));
-            check(sqlite3_step(stmt) == SQLITE_DONE);
-        }
+    m_connection.transaction("BEGIN IMMEDIATE;", m_texts[UpdateMarkers], [&](sqlite3_stmt* stmt) {
+        m_connection.runForEach(stmt, records, [](sqlite3_stmt* one, const DriveDataTable& record) {
+            return bindMembers(one, record, markerMembers);
+        });
     });
 }
 

@@ -1,33 +1,21 @@
 #pragma once
 
 #include "drive.h"
+#include "expertconnection.h"
 
 #include <array>
 #include <cstdint>
 #include <string>
 
-struct sqlite3;
-struct sqlite3_stmt;
-
 namespace benchmarks {
 
-/// The same operations by somebody who knows the C interface of SQLite well and writes for this one table: the same
-/// statements (prepared with the legacy `sqlite3_prepare`, too), opens, transactions and commits as the library, text
-/// bound in place by position, cells put straight into the members of the very same record type. What he leaves out is
-/// what the library promises beyond that: other storage classes than the declared ones, ill-formed text, lines in a
-/// log.
-///
-/// With `Connection::Kept` he opens once and keeps each statement that he has prepared.
-///
-/// Failures throw `std::runtime_error`.
+/// The same operations by an expert who writes for this one table: the same statements as the library, text bound in
+/// place by position, cells put straight into the members of the very same record type.
 class ExpertDrive final : public Drive {
 public:
-    enum class Connection { PerCall, Kept };
+    explicit ExpertDrive(ExpertConnection::Kind connection);
 
-    explicit ExpertDrive(Connection connection);
-    ~ExpertDrive() override;
-
-    const char* name() const override { return m_kept ? "expert with a kept connection" : "expert"; }
+    const char* name() const override { return m_connection.isKept() ? "expert with a kept connection" : "expert"; }
 
     void open(const std::filesystem::path& folder) override;
     void close() override;
@@ -46,19 +34,10 @@ public:
 private:
     enum Text { Insert, ReadAll, Children, ById, UpdateMarkers, TextCount };
 
-    void connect();
-    void disconnect();
-    void exec(const char* sql);
-    void check(bool good) const;
-    sqlite3_stmt* prepare(const std::string& sql);
-    template <class Body> void transaction(const char* begin, Text text, Body body);
     template <std::size_t FirstColumn, class Row> void forEachRow(sqlite3_stmt* stmt, Row row);
 
-    const bool m_kept;
-    std::string m_path;
+    ExpertConnection m_connection;
     std::array<std::string, TextCount> m_texts;
-    sqlite3* m_db = nullptr;
-    std::array<sqlite3_stmt*, TextCount> m_statements{};
 };
 
 } // namespace benchmarks

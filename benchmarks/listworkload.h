@@ -47,7 +47,7 @@ private:
     DriveRecords m_page;
     Counts m_counts;
     std::unique_ptr<Lists> m_library;
-    ExpertDrive m_expert{ExpertDrive::Connection::Kept};
+    ExpertDrive m_expert{ExpertConnection::Kind::Kept};
 };
 
 } // namespace benchmarks

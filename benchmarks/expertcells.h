@@ -1,0 +1,60 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <sqlite3.h>
+#include <string>
+
+namespace benchmarks {
+
+/// How an expert binds a record's members in place and puts cells straight into them. He trusts that cells are of the
+/// declared kind and text is well formed.
+
+inline bool bind(sqlite3_stmt* stmt, int index, const std::string& value)
+{
+    return sqlite3_bind_text(stmt, index, value.data(), static_cast<int>(value.size()), SQLITE_STATIC) == SQLITE_OK;
+}
+
+template <std::integral Number> bool bind(sqlite3_stmt* stmt, int index, Number value)
+{
+    return sqlite3_bind_int64(stmt, index, value) == SQLITE_OK;
+}
+
+/// Cut, as the library stores it.
+inline bool bind(sqlite3_stmt* stmt, int index, double value)
+{
+    return sqlite3_bind_int64(stmt, index, static_cast<std::int64_t>(value)) == SQLITE_OK;
+}
+
+inline void read(sqlite3_stmt* stmt, int column, std::string& value)
+{
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
+    if (text == nullptr) {
+        value.clear();
+    } else {
+        value.assign(text, static_cast<std::size_t>(sqlite3_column_bytes(stmt, column)));
+    }
+}
+
+inline void read(sqlite3_stmt* stmt, int column, std::int64_t& value)
+{
+    value = sqlite3_column_int64(stmt, column);
+}
+
+inline void read(sqlite3_stmt* stmt, int column, std::int32_t& value)
+{
+    value = sqlite3_column_int(stmt, column);
+}
+
+inline void read(sqlite3_stmt* stmt, int column, bool& value)
+{
+    value = sqlite3_column_int(stmt, column) != 0;
+}
+
+inline void read(sqlite3_stmt* stmt, int column, double& value)
+{
+    value = sqlite3_column_double(stmt, column);
+}
+
+} // namespace benchmarks
