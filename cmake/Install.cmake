@@ -28,6 +28,7 @@ set(databaseservice_headers
   driveconftable.h
   drivedatatable.h
   drivefulltask.h
+  driverdbprovider.h
   driverdbproviderbase.h
   integers.h
   keptconnections.h

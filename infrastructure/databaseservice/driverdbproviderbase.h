@@ -1,7 +1,9 @@
 #pragma once
 
 #include "databaseservice/databaseoperationbase.h"
+#include "databaseservice/driveconftable.h"
 #include "databaseservice/drivedatatable.h"
+#include "databaseservice/drivefulltask.h"
 #include "databaseservice/export.h"
 #include "databaseservice/integers.h"
 
@@ -15,7 +17,8 @@
 
 namespace DatabaseService {
 
-/// The drive's file tree, in `DriveModuleData.dat`: the schema, the row writers, the readers and tree queries.
+/// The drive's file tree and the state of its synchronisation, in `DriveModuleData.dat`. Clients use
+/// `DriverDBProvider`, which stands on this.
 ///
 /// Threads: any; a provider holds the file's name and nothing else, and each call opens its own connection. Callbacks
 /// run on the calling thread, after the connection is closed.
@@ -95,6 +98,26 @@ public:
     /// Each text alone, in its own transaction; one that fails does not stop the next.
     bool ExecuteSQLList(std::vector<std::string>& statements);
 
+    // --- Markers of pending operations ----------------------------------------------------------------------------
+    // What the user did here and the cloud does not know yet: a value, a time and a batch id, all of the caller's
+    // making. A batch id of 0 means that nothing is pending. None of these takes a marker off: write the row again with
+    // 0 in its batch id, through `UpdateDriveOperData` or `UpdateSimpleAllData`.
+
+    /// Finds the row by `helpData` and gives it the key `fileId`, with name, kind, `contentVersion`, `modifiedTime`,
+    /// `recycledTime` and `newBatchId`. Children keep the old id as their parent. If the new key is taken, the row
+    /// stays as it was.
+    bool NewDirDriveDataById(const std::vector<DriveDataTable>& records);
+    /// The other way round: finds the row by `fileId` and gives it the key `helpData`, an empty one too, with
+    /// `mimeType`, name, kind, `contentVersion`, `version` and `newBatchId`.
+    bool UploadDriveDataById(const std::vector<DriveDataTable>& records);
+    /// Writes `name` too, so that lists can show the new name at once.
+    bool RenameDriveDataById(const std::vector<DriveDataTable>& records);
+    /// The row stays in its old folder: `parentId` is left alone.
+    bool MoveDriveDataToParent(const std::vector<DriveDataTable>& records);
+    bool SoftDeleteDriveDataById(const std::vector<DriveDataTable>& records);
+    bool HardDeleteDriveDataById(const std::vector<DriveDataTable>& records);
+    bool RestoreDriveDataById(const std::vector<DriveDataTable>& records);
+
     // --- Readers --------------------------------------------------------------------------------------------------
     // Rows come in the order in which SQLite gives them.
 
@@ -149,6 +172,55 @@ public:
     void SetDriveDataSyncFlag(const std::vector<std::string>& parentIds);
     /// Deletes the children that carry the mark and are not recycled, whatever waits for them by now.
     void DelDriveDataBySyncFlag(const std::vector<std::string>& parentIds);
+
+    // --- Configuration of the synchronisation ---------------------------------------------------------------------
+    // One row, under an id of the caller's choice. Columns without an operation here change by the caller's own
+    // statement. An unknown id changes nothing and is no failure.
+
+    /// Loses the row when its id is taken, with a line in the log.
+    void InsertDriverConfItem(DriveConfTable& configuration);
+    /// Rows in which `isFirstStart` is NULL do not count.
+    int CountDriverConfItem();
+    /// The first row that SQLite gives, whatever its id; false when there is none, or on failure. Numbers are cut to
+    /// their members.
+    std::pair<bool, DriveConfTable> GetDriverConfItem();
+
+    /// These four report whether the transaction was committed, the first as 1 or 0.
+    int UpdateIsFirstStartInDriverConf(int id, int value);
+    bool UpdateLastFullSyncTimestampInDriverConf(int id, const int64& timestamp);
+    bool UpdateLastLostFileQueryTimestampInDriverConf(int id, const int64& timestamp);
+    bool UpdateLostFileQueryCursorInDriverConf(int id, const std::string& cursor);
+
+    /// As `UpdateIsFirstStartInDriverConf`, but always true.
+    bool UpdateIsFirstStartInDriverConfV2(int id, int value);
+    bool UpdateRootFileIdInDriverConf(int id, const std::string& fileId);
+    bool UpdateLastAutomaticSyncTimestampInDriverConf(int id, const int64& timestamp);
+    bool UpdateLastSubscribeTimestampInDriverConf(int id, const int64& timestamp);
+    bool UpdateStartCursorInDriverConf(int id, const std::string& cursor);
+    /// Both intervals are stored at 64 bits, although the members that they are read into have 32.
+    bool UpdateFullSyncIntervalInDriverConf(int id, const int64& interval);
+    bool UpdateAutomaticSyncIntervalInDriverConf(int id, const int64& interval);
+
+    // --- Tasks of a full synchronisation --------------------------------------------------------------------------
+    // One row per folder.
+
+    bool InsertFullTask(const DriveFullTask& task);
+    bool InsertFullTaskBatch(const std::vector<DriveFullTask>& tasks);
+    /// Replaces whole rows. The name is spelled so on purpose.
+    bool RelaceFullTaskBatch(const std::vector<DriveFullTask>& tasks);
+
+    /// A task with an empty `fileId` when there is no such row.
+    DriveFullTask GetFullTaskById(std::string fileId);
+    std::vector<DriveFullTask> GetFullTask();
+
+    bool UpdateCursorInFullSyncTask(const std::string& fileId, const std::string& cursor);
+    bool UpdateStateInFullSyncTask(const std::string& fileId, int state);
+    /// Does nothing; `UpdateStateInFullSyncTask` is the one that works.
+    bool UpdateFullTaskWithValue(std::string fileId, int value);
+
+    bool DeleteFullTask();
+    bool DeleteFullTaskById(std::string fileId);
+    bool DeleteFullTaskBatch(std::vector<std::string> fileIds);
 
 protected:
     void AfterOpen(sqlite3* db) override;
