@@ -82,6 +82,10 @@ struct DriveDataColumns {
         // clang-format on
     };
     static_assert(table.size() == 56);
+
+    static constexpr auto key = pick(table, Key);
+    /// The key as a change of key finds or sets it: from the record's second id.
+    static constexpr auto keyFromHelpData = columnFrom<&DriveDataTable::m_helpData>("fileId", "helpData");
 };
 
 struct DriveConfColumns {

@@ -11,8 +11,6 @@ namespace {
 
 using Drive = DriveDataColumns;
 
-constexpr auto keyColumn = pick(Drive::table, Drive::Key);
-
 constexpr auto insertColumns = pick(Drive::table, Drive::All);
 static_assert(insertColumns.size() == 53);
 
@@ -48,7 +46,7 @@ constexpr auto localInformationColumns = pick(Drive::table, "localAbsolutePath",
 
 Statement<DriveDataTable> updateOf(const ColumnList<DriveDataTable>& columns)
 {
-    return updateStatement("UPDATE DriveDataTable", columns, "WHERE fileId = :fileId", keyColumn);
+    return updateStatement("UPDATE DriveDataTable", columns, "WHERE fileId = :fileId", Drive::key);
 }
 
 const Statement<DriveDataTable>& fullUpdate()
@@ -170,10 +168,9 @@ bool DriverDBProviderBase::UpdateCloudContentStatusById(const std::string& fileI
 
 bool DriverDBProviderBase::UpdateCloudContentStatusByIds(const std::vector<std::pair<std::string, int>>& statuses)
 {
-    using Status = std::pair<std::string, int>;
-    static const Statement<Status> update{
-        "UPDATE DriveDataTable SET needToDisplay = :needToDisplay WHERE fileId = :fileId;",
-        {{":needToDisplay", &bindMember<&Status::second>}, {":fileId", &bindMember<&Status::first>}}};
+    static const auto update = statementOf<std::string, int>(
+        "UPDATE DriveDataTable SET needToDisplay = :needToDisplay WHERE fileId = :fileId;", ":fileId",
+        ":needToDisplay");
     return WriteRecords(update, statuses);
 }
 

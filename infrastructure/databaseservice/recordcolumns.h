@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 /// A table is described once, as one `constexpr` array of columns: SQL name, declared type, the record's member
@@ -235,6 +236,15 @@ template <class Record> struct Statement {
 template <class Value> Statement<Value> statementOf(std::string sql, std::string parameter)
 {
     return {std::move(sql), {{std::move(parameter), &bindValue<Value>}}};
+}
+
+/// A statement with two parameters that take the halves of a pair.
+template <class First, class Second>
+Statement<std::pair<First, Second>> statementOf(std::string sql, std::string first, std::string second)
+{
+    using Pair = std::pair<First, Second>;
+    return {std::move(sql),
+            {{std::move(first), &bindMember<&Pair::first>}, {std::move(second), &bindMember<&Pair::second>}}};
 }
 
 /// "a,b,c", each name between `before` and what follows it.

@@ -1,0 +1,196 @@
+#include "databaseservice/drivecolumns.h"
+#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/recordio.h"
+
+#include <utility>
+
+namespace DatabaseService {
+
+namespace {
+
+constexpr auto configurationColumns = pick(DriveConfColumns::table, DriveConfColumns::All);
+constexpr auto taskColumns = pick(DriveFullTaskColumns::table, DriveFullTaskColumns::All);
+
+/// Not made from the table: two of the values are wider than the members behind their columns.
+template <class Value> Statement<std::pair<int, Value>> settingOf(const std::string& column)
+{
+    return statementOf<int, Value>("UPDATE DriveConfTable SET " + column + " = :" + column + " WHERE id = :id ;", ":id",
+                                   ':' + column);
+}
+
+} // namespace
+
+void DriverDBProviderBase::InsertDriverConfItem(DriveConfTable& configuration)
+{
+    static const auto insert = insertStatement("INSERT INTO DriveConfTable (", configurationColumns);
+    WriteRecords(insert, std::vector{&configuration});
+}
+
+int DriverDBProviderBase::CountDriverConfItem()
+{
+    return static_cast<int>(ReadNumber("SELECT COUNT(isFirstStart) FROM DriveConfTable;"));
+}
+
+std::pair<bool, DriveConfTable> DriverDBProviderBase::GetDriverConfItem()
+{
+    static const std::string select = selectText(configurationColumns, "FROM DriveConfTable;");
+    std::vector<DriveConfTable> rows;
+    if (!ReadRecords(select, nullptr, configurationColumns, rows) || rows.empty()) {
+        return {};
+    }
+    return {true, std::move(rows.front())};
+}
+
+int DriverDBProviderBase::UpdateIsFirstStartInDriverConf(int id, int value)
+{
+    static const auto update = settingOf<int>("isFirstStart");
+    return WriteRecords(update, std::vector{std::pair(id, value)}) ? 1 : 0;
+}
+
+bool DriverDBProviderBase::UpdateIsFirstStartInDriverConfV2(int id, int value)
+{
+    static const auto update = settingOf<int>("isFirstStart");
+    WriteRecords(update, std::vector{std::pair(id, value)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateRootFileIdInDriverConf(int id, const std::string& fileId)
+{
+    static const auto update = settingOf<std::string>("rootFileId");
+    WriteRecords(update, std::vector{std::pair(id, fileId)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateLastFullSyncTimestampInDriverConf(int id, const int64& timestamp)
+{
+    static const auto update = settingOf<int64>("lastFullSyncTimestamp");
+    return WriteRecords(update, std::vector{std::pair(id, timestamp)});
+}
+
+bool DriverDBProviderBase::UpdateLastAutomaticSyncTimestampInDriverConf(int id, const int64& timestamp)
+{
+    static const auto update = settingOf<int64>("lastAutomaticSyncTimestamp");
+    WriteRecords(update, std::vector{std::pair(id, timestamp)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateLastSubscribeTimestampInDriverConf(int id, const int64& timestamp)
+{
+    static const auto update = settingOf<int64>("lastSubscribeTimestamp");
+    WriteRecords(update, std::vector{std::pair(id, timestamp)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateStartCursorInDriverConf(int id, const std::string& cursor)
+{
+    static const auto update = settingOf<std::string>("startCursor");
+    WriteRecords(update, std::vector{std::pair(id, cursor)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateFullSyncIntervalInDriverConf(int id, const int64& interval)
+{
+    static const auto update = settingOf<int64>("fullSyncInterval");
+    WriteRecords(update, std::vector{std::pair(id, interval)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateAutomaticSyncIntervalInDriverConf(int id, const int64& interval)
+{
+    static const auto update = settingOf<int64>("automaticSyncInterval");
+    WriteRecords(update, std::vector{std::pair(id, interval)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateLastLostFileQueryTimestampInDriverConf(int id, const int64& timestamp)
+{
+    static const auto update = settingOf<int64>("lastLostFileQueryTimestamp");
+    return WriteRecords(update, std::vector{std::pair(id, timestamp)});
+}
+
+bool DriverDBProviderBase::UpdateLostFileQueryCursorInDriverConf(int id, const std::string& cursor)
+{
+    static const auto update = settingOf<std::string>("lostFileQueryCursor");
+    return WriteRecords(update, std::vector{std::pair(id, cursor)});
+}
+
+// Every writer of tasks answers true whatever the engine reported.
+
+bool DriverDBProviderBase::InsertFullTask(const DriveFullTask& task)
+{
+    return InsertFullTaskBatch({task});
+}
+
+bool DriverDBProviderBase::InsertFullTaskBatch(const std::vector<DriveFullTask>& tasks)
+{
+    static const auto insert = insertStatement("INSERT INTO DriveFullTask (", taskColumns);
+    WriteRecords(insert, tasks);
+    return true;
+}
+
+bool DriverDBProviderBase::RelaceFullTaskBatch(const std::vector<DriveFullTask>& tasks)
+{
+    static const auto replace = insertStatement("REPLACE INTO DriveFullTask (", taskColumns);
+    WriteRecords(replace, tasks);
+    return true;
+}
+
+DriveFullTask DriverDBProviderBase::GetFullTaskById(std::string fileId)
+{
+    static const auto select =
+        statementOf<std::string>(selectText(taskColumns, "FROM DriveFullTask WHERE fileId = :fileId ;"), ":fileId");
+    std::vector<DriveFullTask> rows;
+    auto key = oneValue(select, fileId);
+    ReadRecords(select.sql, &key, taskColumns, rows);
+    return rows.empty() ? DriveFullTask{} : std::move(rows.front());
+}
+
+std::vector<DriveFullTask> DriverDBProviderBase::GetFullTask()
+{
+    static const std::string select = selectText(taskColumns, "FROM DriveFullTask;");
+    std::vector<DriveFullTask> rows;
+    ReadRecords(select, nullptr, taskColumns, rows);
+    return rows;
+}
+
+bool DriverDBProviderBase::UpdateCursorInFullSyncTask(const std::string& fileId, const std::string& cursor)
+{
+    static const auto update = statementOf<std::string, std::string>(
+        "UPDATE DriveFullTask SET cursor = :cursor WHERE fileId = :fileId ;", ":fileId", ":cursor");
+    WriteRecords(update, std::vector{std::pair(fileId, cursor)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateStateInFullSyncTask(const std::string& fileId, int state)
+{
+    static const auto update = statementOf<std::string, int>(
+        "UPDATE DriveFullTask SET state = :state WHERE fileId = :fileId;", ":fileId", ":state");
+    WriteRecords(update, std::vector{std::pair(fileId, state)});
+    return true;
+}
+
+bool DriverDBProviderBase::UpdateFullTaskWithValue(std::string /*fileId*/, int /*value*/)
+{
+    // Callers expect no change from it; the state is set by the operation above.
+    return true;
+}
+
+bool DriverDBProviderBase::DeleteFullTask()
+{
+    Execute("DELETE FROM DriveFullTask;");
+    return true;
+}
+
+bool DriverDBProviderBase::DeleteFullTaskById(std::string fileId)
+{
+    return DeleteFullTaskBatch({std::move(fileId)});
+}
+
+bool DriverDBProviderBase::DeleteFullTaskBatch(std::vector<std::string> fileIds)
+{
+    static const auto remove = statementOf<std::string>("DELETE FROM DriveFullTask WHERE fileId = :fileId;", ":fileId");
+    WriteRecords(remove, fileIds);
+    return true;
+}
+
+} // namespace DatabaseService
