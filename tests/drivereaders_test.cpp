@@ -1,14 +1,11 @@
 // The drive's readers, tree queries and the mark-and-sweep pair.
 
-#include "support/drivefields.h"
+#include "support/drivetest.h"
 #include "support/enginelines.h"
-#include "support/observed.h"
-#include "support/storetest.h"
 
 #include <algorithm>
 #include <functional>
 #include <set>
-#include <sstream>
 
 using namespace testsupport;
 using DatabaseService::DatabaseBindParameter;
@@ -23,23 +20,9 @@ using Ids = std::vector<std::string>;
 const EngineLines lines("DriveModuleData.dat");
 const EngineLines linesOfEmpty("empty.dat");
 
-class DriveReaders : public StoreTest {
+class DriveReaders : public DriveTest {
 protected:
-    DriveReaders()
-    {
-        m_drive.InitDatabase();
-        m_drive.trace.take();
-    }
-
-    /// The one statement of a read, which has a deferred transaction to itself.
-    std::string statement()
-    {
-        const std::vector<std::string> trace = m_drive.trace.take();
-        EXPECT_EQ(trace.size(), 3U);
-        EXPECT_TRUE(trace.front().ends_with(":BEGIN DEFERRED"));
-        EXPECT_TRUE(trace.back().ends_with(":COMMIT;"));
-        return trace.at(1).substr(trace.at(1).find(':') + 1);
-    }
+    std::string statement() { return DriveTest::statement("BEGIN DEFERRED"); }
 
     /// A tree: root/{docs/{old/{deep}, plan}, photo}, where "old" and "photo" lie in the recycle bin, and a stray row.
     void plantTree()
@@ -53,9 +36,6 @@ protected:
                                       treeRecord("stray", "nowhere")});
         m_drive.trace.take();
     }
-
-    ObservedDrive m_drive;
-    SqliteFile m_file{path(L"DriveModuleData.dat"), SqliteFile::Collation::NameCompare};
 };
 
 template <class Records> Ids idsOf(const Records& records)
@@ -77,8 +57,7 @@ Ids selected(const std::string& sql)
 {
     std::string list = sql.substr(7, sql.find(" FROM ") - 7);
     std::replace(list.begin(), list.end(), ',', ' ');
-    std::istringstream stream(list);
-    return {std::istream_iterator<std::string>(stream), {}};
+    return split(list);
 }
 
 } // namespace

@@ -1,14 +1,10 @@
 // The drive's row writers: each statement touches exactly its columns.
 
-#include "support/drivefields.h"
+#include "support/drivetest.h"
 #include "support/enginelines.h"
-#include "support/observed.h"
-#include "support/storetest.h"
 
 #include <algorithm>
 #include <limits>
-#include <map>
-#include <sstream>
 
 using namespace testsupport;
 using DatabaseService::DriveDataTable;
@@ -31,13 +27,7 @@ const std::string markers = "renameName renameTime renameBatchId moveParentId mo
 
 const EngineLines lines("DriveModuleData.dat");
 
-struct Update {
-    const char* name;
-    std::function<bool(ObservedDrive&, const DriveDataTable&)> call;
-    std::string columns; // in the statement's order
-};
-
-const Update updates[] = {
+const DriveUpdate updates[] = {
     {"UpdateDriveData, one", [](auto& drive, auto& record) { return drive.UpdateDriveData(record); },
      cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare},
     {"UpdateDriveData, pointers",
@@ -62,45 +52,10 @@ const Update updates[] = {
      [](auto& drive, auto& record) {
          return drive.UpdateCloudContentStatusById(record.GetFileid(), record.GetCloudContentStatus());
      },
-     "needToDisplay "},
+     "needToDisplay ", "WHERE fileId = :fileId;"},
 };
 
-std::vector<std::string> split(const std::string& words)
-{
-    std::istringstream stream(words);
-    return {std::istream_iterator<std::string>(stream), {}};
-}
-
-class DriveWriters : public StoreTest {
-protected:
-    DriveWriters()
-    {
-        m_drive.InitDatabase();
-        m_drive.trace.take();
-    }
-
-    /// The columns of a full read.
-    std::vector<std::string> row(const std::string& id)
-    {
-        return m_file.query("SELECT " + driveColumnList() + " FROM DriveDataTable WHERE fileId = '" + id + '\'').at(0);
-    }
-
-    /// The statement between the two ends of its transaction, which all its executions share.
-    std::string statement()
-    {
-        const std::vector<std::string> trace = m_drive.trace.take();
-        EXPECT_GE(trace.size(), 3U);
-        EXPECT_TRUE(trace.front().ends_with(":BEGIN IMMEDIATE;"));
-        EXPECT_TRUE(trace.back().ends_with(":COMMIT;"));
-        EXPECT_EQ(std::count(trace.begin(), trace.end(), trace[1]), static_cast<std::ptrdiff_t>(trace.size()) - 2);
-        return trace[1].substr(trace[1].find(':') + 1);
-    }
-
-    std::string ids() { return m_file.value("SELECT group_concat(fileId) FROM DriveDataTable"); }
-
-    ObservedDrive m_drive;
-    SqliteFile m_file{path(L"DriveModuleData.dat"), SqliteFile::Collation::NameCompare};
-};
+using DriveWriters = DriveTest;
 
 } // namespace
 
@@ -136,45 +91,10 @@ TEST_F(DriveWriters, ReplaceForgetsTheLocalPath)
     EXPECT_EQ(m_drive.GetDriveDataById("there").GetLocalAbsolutePath(), "");
 }
 
-// Fill a row, update it from a record that differs in every member, and compare column by column with what the
-// statement names.
 TEST_F(DriveWriters, EachUpdateTouchesExactlyItsColumns)
 {
-    for (const auto& [name, call, columns] : updates) {
-        SCOPED_TRACE(name);
-        m_file.exec("DELETE FROM DriveDataTable");
-        m_drive.InsertDriveDataBatch({filledRecord("id", 1), filledRecord("other", 2)});
-        m_file.exec("UPDATE DriveDataTable SET subFileAndDirectory = 5, operateType = 6, device = 'd'");
-        m_drive.trace.take();
-        const DriveDataTable update = filledRecord("id", 3);
-        EXPECT_TRUE(call(m_drive, update));
-
-        std::vector<std::string> expected = split(columns);
-        std::vector<std::string> changed;
-        const std::vector<std::string> after = row("id");
-        for (std::size_t at = 0; at < after.size(); ++at) {
-            const DriveField& field = driveFields()[at];
-            if (after[at] != field.cell(filledRecord("id", 1))) {
-                changed.push_back(field.column);
-                EXPECT_EQ(after[at], field.cell(update)) << field.column;
-            }
-        }
-        std::vector<std::string> parameters = expected;
-        parameters.push_back("fileId");
-        const std::string sql = statement();
-        EXPECT_EQ(parametersIn(sql), parameters);
-        EXPECT_TRUE(sql.starts_with("UPDATE DriveDataTable SET ")) << sql;
-        EXPECT_NE(sql.find("WHERE fileId = :fileId"), std::string::npos) << sql;
-        std::sort(expected.begin(), expected.end());
-        std::sort(changed.begin(), changed.end());
-        EXPECT_EQ(changed, expected);
-        EXPECT_EQ(row("other"), cellsOf(filledRecord("other", 2)));
-        EXPECT_EQ(m_file.value("SELECT count(*) FROM DriveDataTable WHERE subFileAndDirectory = 5 AND operateType = 6 "
-                               "AND device = 'd'"),
-                  "2");
-
-        EXPECT_TRUE(call(m_drive, filledRecord("unknown", 4)));
-        EXPECT_EQ(ids(), "'id,other'") << "an update inserts nothing";
+    for (const DriveUpdate& update : updates) {
+        expectExactly(update);
     }
 }
 
@@ -285,7 +205,7 @@ TEST_F(DriveWriters, OnlyTheDisplayFlagReportsTheEngine)
     const DriveDataTable record = treeRecord("a", "");
     std::vector<std::string> statements{"SELECT 1", "SELECT 2"};
     EXPECT_TRUE(m_drive.InsertDriveData(record) && m_drive.ReplaceDriveData(record));
-    for (const Update& update : updates) {
+    for (const DriveUpdate& update : updates) {
         const bool reports = std::string(update.name).starts_with("UpdateCloudContentStatus");
         EXPECT_EQ(update.call(m_drive, record), !reports) << update.name;
     }
@@ -295,8 +215,7 @@ TEST_F(DriveWriters, OnlyTheDisplayFlagReportsTheEngine)
     EXPECT_TRUE(m_drive.DeleteAllDriveData() && m_drive.DeleteDriveDataWithoutLocal());
     EXPECT_TRUE(m_drive.ExecuteSQL("SELECT 1") && m_drive.ExecuteSQLList(statements));
     EXPECT_FALSE(std::filesystem::exists(path(L"missing")));
-    const std::vector<std::string> log = m_log.take();
-    EXPECT_EQ(std::ranges::count_if(log, [](auto& line) { return line.ends_with("datdoes not exist."); }), 21);
+    EXPECT_EQ(failedOpens(), 21);
 }
 
 TEST_F(DriveWriters, Deletes)
