@@ -18,8 +18,10 @@ target_sources(clientservices PUBLIC FILE_SET HEADERS BASE_DIRS ${header_folders
   ${clientservices_headers} ${PROJECT_BINARY_DIR}/include/clientservices/export.h)
 
 set(databaseservice_headers
+  carditems.h
   clientconstants.h
   clouddriverdb.h
+  cloudfiletable.h
   commonsqlitedb.h
   databasebindparameter.h
   databaseoperationbase.h
@@ -32,6 +34,10 @@ set(databaseservice_headers
   driverdbproviderbase.h
   integers.h
   keptconnections.h
+  maindatabaseprovider.h
+  maindbsqlprovider.h
+  userlog.h
+  userproperties.h
   version.h
 )
 list(TRANSFORM databaseservice_headers PREPEND ${PROJECT_SOURCE_DIR}/infrastructure/databaseservice/)
