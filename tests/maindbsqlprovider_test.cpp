@@ -1,0 +1,112 @@
+// The main store's tables in their older shape.
+
+#include "databaseservice/keptconnections.h"
+#include "databaseservice/maindbsqlprovider.h"
+#include "support/mainstoretest.h"
+
+#include <chrono>
+
+using namespace testsupport;
+using DatabaseService::MainDBSQLProvider;
+
+namespace {
+
+// A way to statements of the test's own: access is not checked where a template is instantiated by name.
+using RunStatements = bool (MainDBSQLProvider::*)(const std::vector<std::string>&);
+RunStatements runStatements();
+template <RunStatements Member> struct Opened {
+    friend RunStatements runStatements() { return Member; }
+};
+template struct Opened<&MainDBSQLProvider::ExecuteMulitNoQuerySQL>;
+
+/// Beside `main.dat` in its present shape there is a file without tables.
+class MainDBSQL : public MainStoreTest {
+protected:
+    bool createTables(const wchar_t* name = L"older.dat")
+    {
+        std::string file = platform::toUtf8(path(name));
+        return m_provider.CreateTables(file);
+    }
+
+    bool run(const std::vector<std::string>& statements) { return (m_provider.*runStatements())(statements); }
+
+    static ExpectedLine failed(const std::string& reason)
+    {
+        return {"MainDBSQLProvider::ExecuteMulitNoQuerySQL",
+                "ExecuteNonQueryTransaction failed,error code is " + reason};
+    }
+    static ExpectedLine commitFailed(const std::string& reason)
+    {
+        return {"MainDBSQLProvider::CommitTransaction", "Commit transaction failed,error code is " + reason};
+    }
+
+    SqliteFile m_older{path(L"older.dat")};
+    MainDBSQLProvider& m_provider = MainDBSQLProvider::GetInstance();
+};
+
+} // namespace
+
+TEST_F(MainDBSQL, Tables)
+{
+    EXPECT_TRUE(createTables());
+    EXPECT_EQ(tables(m_older), allTables);
+    for (const char* same : {"T_NotepadCard", "T_WaitHandleCardItem", "UBAUserLog", "UserLogTable"}) {
+        EXPECT_EQ(columns(m_older, same), columns(m_file, same));
+    }
+    EXPECT_EQ(columns(m_older, "T_CloudFileTable") + " imageRotate", columns(m_file, "T_CloudFileTable"));
+    EXPECT_EQ(columns(m_older, "UserProperties"), "TEXT NOT NULL KEY: Key\nTEXT NOT NULL: Value");
+    EXPECT_EQ(m_older.value("SELECT count(*) FROM sqlite_master WHERE sql LIKE '%AUTOINCREMENT%' OR sql LIKE '%[%'"),
+              "0");
+    const std::string version = m_older.value("PRAGMA data_version");
+    EXPECT_TRUE(createTables());
+    EXPECT_EQ(m_older.value("PRAGMA data_version"), version) << "a complete file is not written to";
+}
+
+TEST_F(MainDBSQL, AMissingFileIsNotCreated)
+{
+    // The statements fail on what the open left, and the close ends it.
+    std::vector<ExpectedLine> expected{8, failed("21,reason:unable to open database file")};
+    expected.front() = {"MainDBSQLProvider::ConnectDb",
+                        "Open database failed,error code is 14,reason:unable to open database file"};
+    expected.back() = commitFailed("21,reason:unable to open database file");
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_FALSE(createTables(L"missing.dat"));
+        EXPECT_TRUE(m_log.failuresWere(expected));
+        EXPECT_FALSE(std::filesystem::exists(path(L"missing.dat")));
+    }
+    EXPECT_TRUE(createTables()) << "nothing is left of the failure";
+    EXPECT_TRUE(DatabaseService::ListKeptConnections().empty());
+}
+
+TEST_F(MainDBSQL, AFailedStatementDoesNotStopTheOthers)
+{
+    m_older.exec("CREATE TABLE other(a); CREATE INDEX T_NotepadCard ON other(a)");
+    EXPECT_FALSE(createTables());
+    EXPECT_TRUE(m_log.failuresWere({failed("1,reason:there is already an index named T_NotepadCard")}));
+    EXPECT_EQ(m_older.value("SELECT count(*) FROM sqlite_master WHERE type = 'table'"), "6");
+
+    const std::string insert = "INSERT INTO UserProperties VALUES('a', 'b')";
+    EXPECT_TRUE(run({insert, insert, "INSERT INTO other VALUES(1)"})) << "rows may be there already";
+    EXPECT_TRUE(m_log.failuresWere({failed("19,reason:UNIQUE constraint failed: UserProperties.Key")}));
+    EXPECT_EQ(m_older.value("SELECT count(*) FROM other"), "1");
+    EXPECT_FALSE(run({"INSERT INTO UserProperties VALUES('b', NULL)", insert}));
+    EXPECT_TRUE(m_log.failuresWere({failed("19,reason:NOT NULL constraint failed: UserProperties.Value"),
+                                    failed("19,reason:UNIQUE constraint failed: UserProperties.Key")}));
+}
+
+TEST_F(MainDBSQL, ALockIsWaitedForFourTimes)
+{
+    EXPECT_TRUE(createTables());
+    m_older.exec("BEGIN EXCLUSIVE");
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(run({"DELETE FROM T_NotepadCard"}));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(400));
+    EXPECT_TRUE(m_log.failuresWere({failed("5,reason:database is locked")})) << "the empty commit succeeds";
+
+    // A reader lets the statement pass and the commit not: it is rolled back, and yet no failure.
+    m_older.exec("COMMIT; BEGIN; SELECT * FROM T_NotepadCard");
+    EXPECT_TRUE(run({"INSERT INTO T_NotepadCard VALUES(1, 'a')"}));
+    EXPECT_TRUE(m_log.failuresWere({commitFailed("5,reason:database is locked")}));
+    m_older.exec("COMMIT");
+    EXPECT_EQ(m_older.value("SELECT count(*) FROM T_NotepadCard"), "0");
+}
