@@ -27,11 +27,17 @@ set(databaseservice_headers
   databaseoperationbase.h
   databaseparameter.h
   databasequeryresult.h
+  databaseservice.h
   driveconftable.h
   drivedatatable.h
   drivefulltask.h
   driverdbprovider.h
   driverdbproviderbase.h
+  dropalltables.h
+  fastaccessdbprovider.h
+  fastaccesstable.h
+  gallerydbprovider.h
+  gallerytables.h
   integers.h
   keptconnections.h
   maindatabaseprovider.h

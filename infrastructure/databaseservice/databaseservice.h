@@ -1,0 +1,30 @@
+#pragma once
+
+#include "databaseservice/export.h"
+
+#include <string>
+
+/// Start and reset of the stores.
+///
+/// Threads: one at a time; everything runs on the calling thread, and `g_userDataBaseFolder` is not locked.
+/// Failure: when `folder` is empty or does not exist, or a name is empty, a type derived from `std::exception` alone
+/// is thrown, whose `what()` is "The db file folder is empty or does not exist."; nothing else has happened then. A
+/// store that fails is lines in the log, and the next one goes on.
+namespace DatabaseService {
+
+/// The folder of the last call that accepted one, for the client to look at. Stores do not ask here: they open their
+/// files in `GlobalParamWrapper::GetUserDataBaseFolder`, which the client sets to the same folder beforehand.
+DATABASESERVICE_EXPORT extern std::wstring g_userDataBaseFolder;
+
+/// Starts the main store and the shortcut list. May be called again: what is there stays as it is. Only that `folder`
+/// exists is tested, not that it is a folder.
+DATABASESERVICE_EXPORT void InitDataBase(const std::wstring& folder);
+
+/// Starts the main store, the gallery store in the file of that name, and the shortcut list, in this order.
+DATABASESERVICE_EXPORT void InitDataBase(const std::wstring& folder, std::wstring galleryDbName);
+
+/// Drops the tables of the gallery store in the file of that name; the next start with it creates them again. Other
+/// stores are not touched.
+DATABASESERVICE_EXPORT void ResetDataBase(const std::wstring& folder, std::wstring galleryDbName);
+
+} // namespace DatabaseService
