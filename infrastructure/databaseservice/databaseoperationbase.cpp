@@ -68,7 +68,10 @@ DatabaseOperationBase::DatabaseOperationBase(const std::wstring& name) : m_datab
 
 bool DatabaseOperationBase::SetDatabasePath(const std::wstring& name)
 {
-    m_databaseName = name;
+    // Not written when it is the same, so that it may be given again beside calls of other threads.
+    if (m_databaseName != name) {
+        m_databaseName = name;
+    }
     return true;
 }
 
