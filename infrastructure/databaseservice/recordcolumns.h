@@ -273,15 +273,25 @@ template <class Record> std::vector<Parameter<Record>> parametersOf(const Column
 }
 
 /// `head`, which ends in an opening bracket, and the columns with their declarations.
+template <class Record> std::string createTable(std::string_view head, const ColumnList<Record>& columns)
+{
+    return std::string(head) +
+        joined(columns,
+               [](const Column<Record>& column) {
+                   return std::string(column.name) + ' ' + std::string(column.declaration);
+               }) +
+        ");";
+}
+
+/// All columns, those that no statement names among them.
 template <class Record, std::size_t N>
 std::string createTable(std::string_view head, const std::array<Column<Record>, N>& table)
 {
-    std::string columns;
+    ColumnList<Record> columns;
     for (const Column<Record>& column : table) {
-        columns += columns.empty() ? "" : ",";
-        columns += std::string(column.name) + ' ' + std::string(column.declaration);
+        columns.append(column);
     }
-    return std::string(head) + columns + ");";
+    return createTable(head, columns);
 }
 
 /// `head`, which ends in an opening bracket, then the columns and their parameters.
