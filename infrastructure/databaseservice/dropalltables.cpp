@@ -1,0 +1,73 @@
+#include "databaseservice/dropalltables.h"
+
+#include "clientservices/cloudlogger.h"
+#include "clientservices/globalparamwrapper.h"
+#include "databaseservice/recordio.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace DatabaseService {
+
+DropAllTables* DropAllTables::GetInstance()
+{
+    static DropAllTables instance;
+    return &instance;
+}
+
+bool DropAllTables::InitDatabase()
+{
+    return false;
+}
+
+void DropAllTables::SearchAllDatFile()
+{
+    const std::wstring folder = GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder();
+    if (folder.empty()) {
+        // The pattern would mean the root of the file system.
+        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, "DatabaseService::DropAllTables::SearchAllDatFile",
+                                                   "nothing was dropped: there is no user's database folder", true);
+        return;
+    }
+    std::vector<std::string> names;
+    for (const platform::FoundFile& file : platform::findFiles(folder + L"/*.dat")) {
+        // Some systems find names in capitals, and longer endings, as well.
+        if (!file.isFolder && file.name.ends_with(L".dat")) {
+            names.push_back(platform::toUtf8(file.name));
+        }
+    }
+    if (!names.empty()) {
+        LookEveryDat(names, platform::toUtf8(folder));
+    }
+}
+
+void DropAllTables::DropAllTablesBasedOnDBName(std::string dbName)
+{
+    SetDatabasePath(platform::toWide(dbName));
+    QueryAndDropTables();
+}
+
+// The folder is not used: every open asks for it.
+void DropAllTables::LookEveryDat(std::vector<std::string> names, std::string /*folder*/)
+{
+    for (const std::string& name : names) {
+        DropAllTablesBasedOnDBName(name);
+    }
+}
+
+void DropAllTables::QueryAndDropTables()
+{
+    std::vector<std::string> tables;
+    RowFunction addName([&](CellReader& cells) {
+        if (cells.next() == CellReader::Kind::Text) {
+            tables.emplace_back(cells.text());
+        }
+    });
+    Execute(nullptr, nullptr, "select name from sqlite_master where type = 'table' and name != 'sqlite_sequence';",
+            nullptr, &addName);
+    for (const std::string& table : tables) {
+        // Without quotes, so a name that needs them fails; the stores' own are plain.
+        Execute("drop table " + table + ";");
+    }
+}
+
+} // namespace DatabaseService
