@@ -3,11 +3,10 @@
 #include "databaseservice/keptconnections.h"
 #include "support/drivefields.h"
 #include "support/enginelines.h"
+#include "support/filebytes.h"
 #include "support/observed.h"
 #include "support/storetest.h"
 
-#include <fstream>
-#include <iterator>
 #include <map>
 
 using namespace testsupport;
@@ -22,22 +21,11 @@ constexpr int rowCount = 500;
 
 const EngineLines lines("DriveModuleData.dat");
 
-std::string bytesOf(const fs::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void write(const fs::path& file, const std::string& bytes)
-{
-    std::ofstream(file, std::ios::binary) << bytes;
-}
-
 class DamagedFiles : public StoreTest {
 protected:
     DamagedFiles()
     {
-        write(path(L"bystander.dat"), "not ours");
+        writeBytes(path(L"bystander.dat"), "not ours");
         m_drive.InitDatabase();
         std::vector<DriveDataTable> records;
         for (int row = 0; row < rowCount; ++row) {
@@ -118,7 +106,7 @@ TEST_F(DamagedFiles, NothingCanBeReadFromAFileThatIsNone)
     };
     for (const auto& [name, bytes] : files) {
         SCOPED_TRACE(name);
-        write(m_file, bytes);
+        writeBytes(m_file, bytes);
         expectEveryReaderEmpty();
         EXPECT_TRUE(allFailedAt({lines.prepare}, readers));
         callWriters();
@@ -168,7 +156,7 @@ TEST_F(DamagedFiles, LostPagesLoseNoMoreThanTheirRows)
         SCOPED_TRACE(at / page);
         std::string bytes = m_whole;
         bytes.replace(at, page, page, '\xAA');
-        write(m_file, bytes);
+        writeBytes(m_file, bytes);
         const std::vector<DriveDataTable> records = m_drive.GetALLDriveData();
         damaged += records.size() < rowCount;
         for (const DriveDataTable& record : records) {
@@ -191,7 +179,7 @@ TEST_F(DamagedFiles, ATruncatedFile)
 {
     for (const std::size_t part : {1U, 2U, 3U, 7U}) {
         SCOPED_TRACE(part);
-        write(m_file, m_whole.substr(0, m_whole.size() * part / 8));
+        writeBytes(m_file, m_whole.substr(0, m_whole.size() * part / 8));
         EXPECT_LT(m_drive.GetALLDriveData().size(), std::size_t{rowCount});
         EXPECT_TRUE(m_drive.GetDriveDataById("499").Empty());
         EXPECT_FALSE(m_log.take().empty());

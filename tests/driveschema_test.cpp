@@ -2,11 +2,10 @@
 
 #include "support/drivefields.h"
 #include "support/enginelines.h"
+#include "support/filebytes.h"
 #include "support/observed.h"
 #include "support/storetest.h"
 
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <sstream>
 
@@ -40,12 +39,6 @@ Rows tableInfo(const std::vector<Run>& runs, const std::map<std::string, std::st
         }
     }
     return rows;
-}
-
-std::string bytesOf(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 const EngineLines lines("DriveModuleData.dat");

@@ -2,11 +2,9 @@
 
 #include "databaseservice/fastaccessdbprovider.h"
 #include "support/enginelines.h"
+#include "support/filebytes.h"
 #include "support/storetest.h"
 
-#include <fstream>
-#include <iterator>
-#include <limits>
 #include <memory>
 
 using namespace testsupport;
@@ -50,12 +48,6 @@ protected:
         return record.Id;
     }
 
-    std::string bytes() const
-    {
-        std::ifstream stream(m_path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-
     const std::filesystem::path m_path = path(L"FastAccess.dat");
 };
 
@@ -82,9 +74,9 @@ TEST_F(FastAccess, NewAndOldFilesGetTheSameTable)
     EXPECT_EQ(rows[0].Rotate, 0);
     EXPECT_EQ(SqliteFile(m_path).value(schema), upToDate);
 
-    const std::string before = bytes();
+    const std::string before = bytesOf(m_path);
     EXPECT_TRUE(InitFastAccessDB());
-    EXPECT_EQ(bytes(), before);
+    EXPECT_EQ(bytesOf(m_path), before);
     EXPECT_TRUE(m_log.failuresWere({})) << "no second column of the name";
 }
 
@@ -176,7 +168,7 @@ TEST_F(FastAccess, ADeletedShortcutTakesItsCachedIconAlong)
         SCOPED_TRACE(icon);
         const std::filesystem::path file = platform::toPath(platform::toWide(platform::toUtf8(cache) + icon));
         std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file) << "icon";
+        writeBytes(file, "icon");
         FastAccessTable record;
         record.IconPath = icon;
         const int id = add(record);
