@@ -40,36 +40,13 @@ std::function<bool()> inserting(Result (*insert)(std::vector<Record>&), const Re
     };
 }
 
-const GalleryFileTable filled{"UniqueId",
-                              "FileId",
-                              "VideoThumbId",
-                              "Hash",
-                              big + 4,
-                              big + 5,
-                              "ThumbFileId",
-                              "LcdFileId",
-                              big + 8,
-                              "RecycleAlbumId",
-                              big + 10,
-                              "Guid",
-                              "Expand",
-                              -13,
-                              -14,
-                              -15,
-                              "LocalPath",
-                              "OperateTime",
-                              -18,
-                              -19,
-                              "ContinuousName",
-                              -21,
-                              "FileName",
-                              "AlbumId",
-                              -24,
-                              -25,
-                              "CheckSumn",
-                              "Sdsmtime",
-                              "PictureMetadata",
-                              "VideoMetadata"};
+// clang-format off
+const GalleryFileTable filled{
+    "UniqueId", "FileId", "VideoThumbId", "Hash", big + 4, big + 5, "ThumbFileId", "LcdFileId", big + 8,
+    "RecycleAlbumId", big + 10, "Guid", "Expand", -13, -14, -15, "LocalPath", "OperateTime", -18, -19,
+    "ContinuousName", -21, "FileName", "AlbumId", -24, -25, "CheckSumn", "Sdsmtime", "PictureMetadata",
+    "VideoMetadata"};
+// clang-format on
 
 const Table tables[] = {
     {"Album", "AlbumId AlbumName CreateTime Lpath AlbumType Operation IsDelete Expand", "TTLTTTIT", "AlbumId",
