@@ -275,12 +275,9 @@ template <class Record> std::vector<Parameter<Record>> parametersOf(const Column
 /// `head`, which ends in an opening bracket, and the columns with their declarations.
 template <class Record> std::string createTable(std::string_view head, const ColumnList<Record>& columns)
 {
-    return std::string(head) +
-        joined(columns,
-               [](const Column<Record>& column) {
-                   return std::string(column.name) + ' ' + std::string(column.declaration);
-               }) +
-        ");";
+    const std::string declarations = joined(
+        columns, [](const auto& column) { return std::string(column.name) + ' ' + std::string(column.declaration); });
+    return std::string(head) + declarations + ");";
 }
 
 /// All columns, those that no statement names among them.
