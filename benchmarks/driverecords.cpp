@@ -1,10 +1,11 @@
 #include "driverecords.h"
 
+#include "random.h"
+
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
 #include <functional>
-#include <random>
 #include <string_view>
 
 namespace benchmarks {
@@ -12,27 +13,6 @@ namespace benchmarks {
 using DatabaseService::DriveDataTable;
 
 namespace {
-
-class Random {
-public:
-    std::size_t below(std::size_t limit) { return static_cast<std::size_t>(m_engine() % limit); }
-    bool oneIn(std::size_t n) { return below(n) == 0; }
-
-    template <class Container> const auto& of(const Container& values) { return values[below(std::size(values))]; }
-
-    std::string letters(std::string_view alphabet, std::size_t length)
-    {
-        std::string text(length, ' ');
-        std::generate(text.begin(), text.end(), [&] { return of(alphabet); });
-        return text;
-    }
-
-private:
-    std::mt19937_64 m_engine{20240229};
-};
-
-constexpr std::string_view idAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-constexpr std::string_view hexAlphabet = "0123456789abcdef";
 
 constexpr std::array<std::string_view, 24> words{
     "Report",      "invoice",       "Holiday plan", "meeting notes", "budget",       "Contract",

@@ -30,6 +30,8 @@ public:
     void open(const std::filesystem::path& file);
     void close();
 
+    void execute(const char* sql);
+
     /// `begin`, then `body` with the prepared statement, then a commit.
     template <class Body> void transaction(const char* begin, const std::string& sql, Body body)
     {
@@ -85,7 +87,6 @@ private:
     void connect();
     void disconnect();
     void finalize();
-    void execute(const char* sql);
     sqlite3_stmt* statement(const std::string& sql);
 
     const Kind m_kind;

@@ -90,7 +90,7 @@ std::string each(std::string_view columns, fmt::string_view format)
 template <class Members, std::size_t... I>
 bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members, std::index_sequence<I...>)
 {
-    return (bind(stmt, static_cast<int>(I) + 1, record.*std::get<I>(members)) && ...);
+    return (bindCell(stmt, static_cast<int>(I) + 1, record.*std::get<I>(members)) && ...);
 }
 
 template <class Members> bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members)
@@ -102,7 +102,7 @@ template <class Members> bool bindMembers(sqlite3_stmt* stmt, const DriveDataTab
 template <std::size_t First, std::size_t... I>
 void readMembers(sqlite3_stmt* stmt, DriveDataTable& record, std::index_sequence<I...>)
 {
-    (read(stmt, static_cast<int>(I), record.*std::get<First + I>(allMembers)), ...);
+    (readCell(stmt, static_cast<int>(I), record.*std::get<First + I>(allMembers)), ...);
 }
 
 int compare(void* /*user*/, int leftSize, const void* left, int rightSize, const void* right)
@@ -169,7 +169,7 @@ DriveRecords ExpertDrive::children(const std::string& parentId)
 {
     DriveRecords records;
     m_connection.transaction("BEGIN DEFERRED", m_texts[Children], [&](sqlite3_stmt* stmt) {
-        m_connection.require(bind(stmt, 1, parentId));
+        m_connection.require(bindCell(stmt, 1, parentId));
         forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
     });
     return records;
@@ -179,7 +179,7 @@ DriveDataTable ExpertDrive::byId(const std::string& fileId)
 {
     DriveDataTable record;
     m_connection.transaction("BEGIN DEFERRED", m_texts[ById], [&](sqlite3_stmt* stmt) {
-        m_connection.require(bind(stmt, 1, fileId));
+        m_connection.require(bindCell(stmt, 1, fileId));
         forEachRow<firstById>(stmt, [&]() -> DriveDataTable& {
             record.SetFileid(fileId);
             return record;

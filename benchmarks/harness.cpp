@@ -60,12 +60,12 @@ void record(Measurement& measurement, double seconds, std::optional<std::size_t>
     measurement.extraMemory = std::max(measurement.extraMemory, extraMemory);
 }
 
-std::vector<std::string> stepsOf(const Contender& contender)
+std::vector<StatementTrace::Step> stepsOf(const Contender& contender)
 {
     const StatementTrace trace; // from before `prepare`, where connections that stay open are opened
     contender.prepare();
     contender.run();
-    std::vector<std::string> steps = trace.steps();
+    std::vector<StatementTrace::Step> steps = trace.steps();
     contender.check();
     return steps;
 }
@@ -108,14 +108,14 @@ std::size_t runOnce(const Contender& contender)
 void requireSameStatements(const Operation& operation)
 {
     runOnce(operation.contenders[0]); // so that the store is there, and nobody's trace has its making
-    const std::vector<std::string> own = stepsOf(operation.contenders[0]);
-    const std::vector<std::string> rival = stepsOf(operation.contenders[1]);
+    const std::vector<StatementTrace::Step> own = stepsOf(operation.contenders[0]);
+    const std::vector<StatementTrace::Step> rival = stepsOf(operation.contenders[1]);
     const auto [ownStep, rivalStep] = std::mismatch(own.begin(), own.end(), rival.begin(), rival.end());
     if (ownStep != own.end() || rivalStep != rival.end()) {
-        throw std::runtime_error(
-            fmt::format("{}: the contenders run different statements at step {}:\n  {}: {}\n  {}: {}", operation.title,
-                        ownStep - own.begin(), operation.contenders[0].name, ownStep == own.end() ? "(end)" : *ownStep,
-                        operation.contenders[1].name, rivalStep == rival.end() ? "(end)" : *rivalStep));
+        throw std::runtime_error(fmt::format(
+            "{}: the contenders run different statements at step {}:\n  {}: {}\n  {}: {}", operation.title,
+            ownStep - own.begin(), operation.contenders[0].name, ownStep == own.end() ? "(end)" : ownStep->text,
+            operation.contenders[1].name, rivalStep == rival.end() ? "(end)" : rivalStep->text));
     }
 }
 

@@ -2,6 +2,7 @@
 #include "harness.h"
 #include "listworkload.h"
 #include "scratchfolder.h"
+#include "storeworkload.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -80,6 +81,7 @@ void compare(const Options& options)
 {
     compareStatements<DriveWorkload>();
     compareStatements<ListWorkload>();
+    compareStatements<StoreWorkload>();
     const ScratchFolder folder(roomFor(options.rows));
     // A round over a large store is long enough to be steady.
     const int rounds = options.rounds > 0 ? options.rounds : options.rows > 500'000 ? 3 : 7;
@@ -89,17 +91,20 @@ void compare(const Options& options)
 
     const std::vector<Result> drive = measureAll<DriveWorkload>(options, folder.path(), rounds);
     const std::vector<Result> lists = measureAll<ListWorkload>(options, folder.path(), rounds);
-    if (drive.empty() && lists.empty()) {
+    const std::vector<Result> stores = measureAll<StoreWorkload>(options, folder.path(), rounds);
+    if (drive.empty() && lists.empty() && stores.empty()) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
     printComparison(drive, 1);
     printComparison(drive, 2);
     printComparison(lists, 1);
+    printComparison(stores, 1);
 }
 
 void runForProfiler(const Options& options)
 {
-    if (!runOneSide<DriveWorkload>(options) && !runOneSide<ListWorkload>(options)) {
+    if (!runOneSide<DriveWorkload>(options) && !runOneSide<ListWorkload>(options) &&
+        !runOneSide<StoreWorkload>(options)) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
 }
@@ -112,9 +117,12 @@ int run(int argc, char** argv)
     app.add_option("--rows", options.rows, "Records in the drive")->check(CLI::Range(100, 100'000'000));
     app.add_option("--rounds", options.rounds, "Rounds to take the medians of (7; 3 for large stores)")
         ->check(CLI::Range(1, 1000));
-    CLI::Option* operation = app.add_option("--operation", options.operation,
-                                            "Only this one: insert, insert-bare, read-all, children, by-id, update, "
-                                            "page-name, page-size, counts or class");
+    CLI::Option* operation =
+        app.add_option("--operation", options.operation,
+                       "Only this one: insert, insert-bare, read-all, children, by-id, update, page-name, "
+                       "page-size, counts, class, gallery-insert, gallery-read-all, "
+                       "gallery-by-id, changes-insert, changes-read-all, changes-insert-each, "
+                       "log-insert, log-check or start");
     app.add_option("--side", options.side, "Run one side of the operation once, for a profiler, and print its rows")
         ->check(CLI::IsMember(sides))
         ->needs(operation);

@@ -6,23 +6,17 @@ namespace benchmarks {
 
 namespace {
 
-std::vector<std::string>* noted = nullptr;
+std::vector<StatementTrace::Step>* noted = nullptr;
 
 int noteStatement(unsigned /*event*/, void* /*context*/, void* stmt, void* /*text*/)
 {
-    std::string sql;
-    for (const char* c = sqlite3_sql(static_cast<sqlite3_stmt*>(stmt)); *c != '\0'; ++c) {
-        if (*c != ' ') {
-            sql += *c;
-        }
-    }
-    noted->push_back(sql);
+    noted->push_back({false, sqlite3_sql(static_cast<sqlite3_stmt*>(stmt))});
     return 0;
 }
 
 int noteOpen(sqlite3* db, const char** /*error*/, const sqlite3_api_routines* /*api*/)
 {
-    noted->emplace_back("open");
+    noted->push_back({true, sqlite3_db_filename(db, "main")});
     return sqlite3_trace_v2(db, SQLITE_TRACE_STMT, noteStatement, nullptr);
 }
 
@@ -32,6 +26,15 @@ auto entryPoint()
 }
 
 } // namespace
+
+bool operator==(const StatementTrace::Step& one, const StatementTrace::Step& other)
+{
+    const auto withoutBlanks = [](std::string text) {
+        std::erase(text, ' ');
+        return text;
+    };
+    return one.isOpen == other.isOpen && withoutBlanks(one.text) == withoutBlanks(other.text);
+}
 
 StatementTrace::StatementTrace()
 {

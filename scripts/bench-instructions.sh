@@ -1,5 +1,5 @@
 #!/bin/sh
-# Counts the instructions of the library and of the C interface for the same work on a small drive, which no noise
+# Counts the instructions of the library and of the C interface for the same work on small stores, which no noise
 # touches, and fails when the library needs too many more of them.
 #
 # Usage: scripts/bench-instructions.sh BUILD_FOLDER
@@ -43,14 +43,14 @@ compare()
         ratio = library / expert
         printf "%9.3f%8s%s\n", ratio, (limit ? limit : ""), (limit && ratio > limit) ? "  above its limit" : ""
     }')
-    printf '%-12s%8s%16s%16s%s\n' "$1" "$libraryRows" "$library" "$expert" "$verdict"
+    printf '%-16s%8s%16s%16s%s\n' "$1" "$libraryRows" "$library" "$expert" "$verdict"
     case $verdict in
     *above*) failed=1 ;;
     esac
 }
 
-echo "Instructions on a drive of $rows records"
-printf '%-12s%8s%16s%16s%9s%8s\n' "" rows library expert ratio limit
+echo "Instructions on stores of $rows records"
+printf '%-16s%8s%16s%16s%9s%8s\n' "" rows library expert ratio limit
 compare insert 1.05
 compare insert-bare
 compare read-all 1.10
@@ -61,4 +61,10 @@ compare page-name 1.02
 compare page-size 1.02
 compare counts 1.02
 compare class 1.02
+compare gallery-insert 1.08
+compare gallery-read-all 1.10
+compare changes-insert 1.08
+compare changes-read-all 1.10
+compare log-insert 1.08
+compare start 1.10
 exit $failed
