@@ -3,113 +3,21 @@
 #include "platform/paths.h"
 #include "support/process.h"
 #include "support/sqlitefile.h"
-#include "support/testfolder.h"
+#include "support/tooltest.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <iterator>
-#include <map>
-#include <nlohmann/json.hpp>
-#include <sstream>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace fs = std::filesystem;
+using namespace testsupport;
 using DatabaseService::DriveDataTable;
 using nlohmann::json;
-using testsupport::EnvironmentVariable;
-using testsupport::SqliteFile;
 
 namespace {
 
-constexpr bool onPosix = fs::path::preferred_separator == '/';
-
-fs::path utf8Path(const std::string& text)
-{
-    return fs::path(std::u8string(text.begin(), text.end()));
-}
-
-std::string readFile(const fs::path& file, std::ios::openmode mode = std::ios::binary)
-{
-    std::ifstream stream(file, mode);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void writeFile(const fs::path& file, const std::string& content)
-{
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << content;
-}
-
-/// The program under test, wherever the current folder goes.
-const std::string program = platform::toUtf8(fs::absolute(DBSERVICE_PROGRAM));
-
-struct Ran {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-class Tool : public testing::Test {
-protected:
-    using Arguments = std::vector<std::string>;
-
-    Tool() { fs::create_directories(source()); }
-
-    fs::path store() const { return m_folder.path() / "store"; }
-    fs::path storeFile() const { return store() / "DriveModuleData.dat"; }
-    fs::path source() const { return m_folder.path() / "source"; }
-
-    /// Runs the program; `before` is another program with its arguments, which starts it.
-    Ran run(const Arguments& arguments, const Arguments& before = {}) const
-    {
-        const fs::path out = m_folder.path() / "out.txt";
-        const fs::path err = m_folder.path() / "err.txt";
-        Arguments commandLine = before;
-        commandLine.push_back(program);
-        commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
-        const int code = testsupport::runProgram(commandLine, out, err);
-        return {code, readFile(out, std::ios::in), readFile(err, std::ios::in)};
-    }
-
-    Ran onStore(Arguments arguments, const Arguments& before = {}) const
-    {
-        arguments.insert(arguments.begin(), {"--folder", platform::toUtf8(store())});
-        return run(arguments, before);
-    }
-
-    Ran scan(const Arguments& before = {}) const
-    {
-        return onStore({"--json", "scan", platform::toUtf8(source())}, before);
-    }
-
-    /// The lines of a command's JSON.
-    std::vector<json> rows(Arguments arguments) const
-    {
-        arguments.insert(arguments.begin(), "--json");
-        const Ran ran = onStore(arguments);
-        EXPECT_EQ(ran.code, 0) << ran.err;
-        std::vector<json> lines;
-        std::istringstream stream(ran.out);
-        for (std::string line; std::getline(stream, line);) {
-            lines.push_back(json::parse(line));
-        }
-        return lines;
-    }
-
-    json row(const std::string& path) const { return rows({"stat", path}).at(0); }
-
-    void changeStore(const std::string& sql) const
-    {
-        SqliteFile(storeFile(), SqliteFile::Collation::NameCompare).exec(sql);
-    }
-
-    testsupport::TestFolder m_folder;
-};
+using Tool = ToolTest;
 
 /// The numbers of a scan: added, changed, unchanged, removed, left alone, rows.
 std::vector<int> numbers(const Ran& scan)
@@ -117,16 +25,6 @@ std::vector<int> numbers(const Ran& scan)
     const json result = json::parse(scan.out);
     return {result["added"],   result["changed"],   result["unchanged"],
             result["removed"], result["leftAlone"], result["rows"]};
-}
-
-/// Every file of a folder with what is in it.
-std::map<std::string, std::string> contents(const fs::path& folder)
-{
-    std::map<std::string, std::string> files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        files[platform::toUtf8(entry.path().filename())] = readFile(entry.path());
-    }
-    return files;
 }
 
 TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
@@ -240,7 +138,7 @@ TEST_F(Tool, RecordsAnUglyFolder)
         fs::create_symlink("loop1", source() / "loop2");
         fs::create_directory_symlink("../..", source() / "folder with blanks" / "up");
         fs::create_symlink("plain.txt", source() / "fine");
-        ASSERT_EQ(testsupport::runProgram({"mkfifo", platform::toUtf8(source() / "pipe.jpg")}), 0);
+        ASSERT_EQ(runProgram({"mkfifo", platform::toUtf8(source() / "pipe.jpg")}), 0);
         entries += 6;
         odd = 6;
     }

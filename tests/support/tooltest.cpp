@@ -1,0 +1,93 @@
+#include "support/tooltest.h"
+
+#include "platform/paths.h"
+#include "support/process.h"
+#include "support/sqlitefile.h"
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+namespace testsupport {
+
+namespace {
+
+/// The program under test, wherever the current folder goes.
+const std::string program = platform::toUtf8(fs::absolute(DBSERVICE_PROGRAM));
+
+} // namespace
+
+fs::path utf8Path(const std::string& text)
+{
+    return fs::path(std::u8string(text.begin(), text.end()));
+}
+
+std::string readFile(const fs::path& file, std::ios::openmode mode)
+{
+    std::ifstream stream(file, mode);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void writeFile(const fs::path& file, const std::string& content)
+{
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+std::map<std::string, std::string> contents(const fs::path& folder)
+{
+    std::map<std::string, std::string> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        files[platform::toUtf8(entry.path().filename())] = readFile(entry.path());
+    }
+    return files;
+}
+
+ToolTest::ToolTest()
+{
+    fs::create_directories(source());
+}
+
+Ran ToolTest::run(const Arguments& arguments, const Arguments& before) const
+{
+    const fs::path out = m_folder.path() / "out.txt";
+    const fs::path err = m_folder.path() / "err.txt";
+    Arguments commandLine = before;
+    commandLine.push_back(program);
+    commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+    const int code = runProgram(commandLine, out, err);
+    return {code, readFile(out, std::ios::in), readFile(err, std::ios::in)};
+}
+
+Ran ToolTest::onStore(Arguments arguments, const Arguments& before) const
+{
+    arguments.insert(arguments.begin(), {"--folder", platform::toUtf8(store())});
+    return run(arguments, before);
+}
+
+Ran ToolTest::scan(const Arguments& before) const
+{
+    return onStore({"--json", "scan", platform::toUtf8(source())}, before);
+}
+
+std::vector<nlohmann::json> ToolTest::rows(Arguments arguments) const
+{
+    arguments.insert(arguments.begin(), "--json");
+    const Ran ran = onStore(arguments);
+    EXPECT_EQ(ran.code, 0) << ran.err;
+    std::vector<nlohmann::json> lines;
+    std::istringstream stream(ran.out);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(nlohmann::json::parse(line));
+    }
+    return lines;
+}
+
+void ToolTest::changeStore(const std::string& sql) const
+{
+    SqliteFile(storeFile(), SqliteFile::Collation::NameCompare).exec(sql);
+}
+
+} // namespace testsupport

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "support/testfolder.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <ios>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace testsupport {
+
+inline constexpr bool onPosix = std::filesystem::path::preferred_separator == '/';
+
+std::filesystem::path utf8Path(const std::string& text);
+std::string readFile(const std::filesystem::path& file, std::ios::openmode mode = std::ios::binary);
+/// Makes the folders on the way.
+void writeFile(const std::filesystem::path& file, const std::string& content);
+/// Every file of a folder with what is in it.
+std::map<std::string, std::string> contents(const std::filesystem::path& folder);
+
+/// How a run of the tool ended.
+struct Ran {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+/// A test of the command-line tool, with a folder for a store and one to read from.
+class ToolTest : public testing::Test {
+protected:
+    using Arguments = std::vector<std::string>;
+
+    ToolTest();
+
+    std::filesystem::path store() const { return m_folder.path() / "store"; }
+    std::filesystem::path storeFile() const { return store() / "DriveModuleData.dat"; }
+    std::filesystem::path source() const { return m_folder.path() / "source"; }
+
+    /// Runs the program; `before` is another program with its arguments, which starts it.
+    Ran run(const Arguments& arguments, const Arguments& before = {}) const;
+    Ran onStore(Arguments arguments, const Arguments& before = {}) const;
+    Ran scan(const Arguments& before = {}) const;
+
+    /// The lines of a command's JSON.
+    std::vector<nlohmann::json> rows(Arguments arguments) const;
+    nlohmann::json row(const std::string& path) const { return rows({"stat", path}).at(0); }
+
+    void changeStore(const std::string& sql) const;
+
+    TestFolder m_folder;
+};
+
+} // namespace testsupport
