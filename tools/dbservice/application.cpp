@@ -40,6 +40,25 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options)
                "Help on a command: dbservice COMMAND --help");
 }
 
+/// In the order of the help.
+void addCommands(CLI::App& app, Command& chosen)
+{
+    struct Group {
+        const char* title;
+        std::vector<void (*)(CLI::App&, Command&)> commands;
+    };
+    for (const Group& group : {
+             Group{"Stores", {addInit, addScan, addReindex}},
+             Group{"Show the drive", {addLs, addView, addRecycle, addStat, addCount, addPending, addConfig}},
+             Group{"Change the drive", {addMkdir, addRename, addMv, addRm, addRestore}},
+         }) {
+        for (const auto add : group.commands) {
+            add(app, chosen);
+            app.get_subcommands({}).back()->group(group.title);
+        }
+    }
+}
+
 int misused(const char* what)
 {
     std::cerr << "dbservice: " << printable(what) << "\nTry `dbservice --help`." << std::endl;
@@ -83,14 +102,7 @@ int run(const std::vector<std::string>& arguments)
     app.require_subcommand(0, 1);           // none is told apart below, with a better text
     app.get_formatter()->column_width(28);
     addGlobalOptions(app, options);
-    addInit(app, command);
-    addScan(app, command);
-    addLs(app, command);
-    addStat(app, command);
-    addCount(app, command);
-    addView(app, command);
-    addRecycle(app, command);
-    addReindex(app, command);
+    addCommands(app, command);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         return command ? runCommand(options, command) : misused("no command is given");

@@ -29,7 +29,7 @@ constexpr std::array driveTables{
 int init(Session& session)
 {
     session.makeStoreFolder();
-    DatabaseService::DriverDBProviderBase& drive = session.writeDrive();
+    DatabaseService::DriverDBProvider& drive = session.writeDrive();
     const std::string file = platform::toUtf8(session.storeFolder() / driveFileName);
     Table table({{"Table"}, {"Rows", Table::Align::Right}});
     nlohmann::ordered_json json{{"file", file}, {"tables", nlohmann::ordered_json::object()}};

@@ -16,7 +16,7 @@ namespace {
 
 int reindex(Session& session)
 {
-    DatabaseService::DriverDBProviderBase& drive = session.mendDrive();
+    DatabaseService::DriverDBProvider& drive = session.mendDrive();
     const NameIndex before = examineNameIndex(drive);
     session.stopIfFailed("look at the index of names");
     if (before == NameIndex::Absent) {

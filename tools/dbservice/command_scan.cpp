@@ -107,8 +107,10 @@ void addScan(CLI::App& app, Command& chosen)
     command->footer(
         "Makes the store where it is missing. The first scan fills an empty store; later ones of the same SOURCE\n"
         "write what was added, changed or removed since. A store that holds anything else is refused.\n"
-        "Links are recorded and not followed. Rows in the bin and rows with a pending delete, move or restore\n"
-        "are left alone.\n"
+        "Links are recorded and not followed. Rows in the bin are left alone. So are rows with a pending operation "
+        "that\n"
+        "are no longer on disk, such as folders that `mkdir` made; those on disk keep what is pending, and a row that\n"
+        "`rename` has given another name keeps that.\n"
         "Warnings tell of links that lead nowhere, to themselves or to a folder above them, and of names that are\n"
         "not UTF-8: these are recorded, and the exit code stays 0. Folders that cannot be read and files that vanish\n"
         "during the walk are lost: the exit code is 1.\n"

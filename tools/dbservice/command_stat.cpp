@@ -22,7 +22,7 @@ struct StatOptions {
 
 int stat(Session& session, const StatOptions& options)
 {
-    DatabaseService::DriverDBProviderBase& drive = session.readDrive();
+    DatabaseService::DriverDBProvider& drive = session.readDrive();
     DriveTree tree(drive);
     const DatabaseService::DriveDataTable row = tree.find(options.path);
     const std::string id = row.GetFileid();

@@ -1,6 +1,6 @@
 #include "nameindex.h"
 
-#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/driverdbprovider.h"
 
 #include <string>
 
@@ -21,14 +21,14 @@ constexpr const char* misplaced =
 constexpr const char* missing = "SELECT (SELECT COUNT(*) FROM DriveDataTable NOT INDEXED) <> "
                                 "(SELECT COUNT(rowid) FROM DriveDataTable INDEXED BY nameIndex)";
 
-int valueOf(DatabaseService::DriverDBProviderBase& drive, std::string statement)
+int valueOf(DatabaseService::DriverDBProvider& drive, std::string statement)
 {
     return drive.GetCountBySelectSQL(statement);
 }
 
 } // namespace
 
-NameIndex examineNameIndex(DatabaseService::DriverDBProviderBase& drive)
+NameIndex examineNameIndex(DatabaseService::DriverDBProvider& drive)
 {
     if (valueOf(drive, stored) == 0) {
         return NameIndex::Absent;
@@ -37,7 +37,7 @@ NameIndex examineNameIndex(DatabaseService::DriverDBProviderBase& drive)
     return agrees ? NameIndex::Agrees : NameIndex::Disagrees;
 }
 
-void rebuildNameIndex(DatabaseService::DriverDBProviderBase& drive)
+void rebuildNameIndex(DatabaseService::DriverDBProvider& drive)
 {
     drive.ExecuteSQL("REINDEX nameIndex");
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 namespace DatabaseService {
-class DriverDBProviderBase;
+class DriverDBProvider;
 }
 
 namespace dbservice {
@@ -14,9 +14,9 @@ enum class NameIndex {
 
 /// Whether the stored index of names is in this build's order. Reads all of the index, and writes nothing. What the
 /// library logs as a failure meanwhile makes the answer worthless.
-NameIndex examineNameIndex(DatabaseService::DriverDBProviderBase& drive);
+NameIndex examineNameIndex(DatabaseService::DriverDBProvider& drive);
 
 /// Brings the stored index of names into this build's order.
-void rebuildNameIndex(DatabaseService::DriverDBProviderBase& drive);
+void rebuildNameIndex(DatabaseService::DriverDBProvider& drive);
 
 } // namespace dbservice

@@ -86,7 +86,7 @@ void Session::makeStoreFolder()
     }
 }
 
-DatabaseService::DriverDBProviderBase& Session::readDrive()
+DatabaseService::DriverDBProvider& Session::readDrive()
 {
     if (!m_readable) {
         requireStoreFolder();
@@ -108,7 +108,7 @@ DatabaseService::CloudDriverDb& Session::readLists()
     return *m_lists;
 }
 
-DatabaseService::DriverDBProviderBase& Session::writeDrive()
+DatabaseService::DriverDBProvider& Session::writeDrive()
 {
     requireStoreFolder();
     requireDatabaseOrNothing(m_folder / driveFileName);
@@ -129,7 +129,14 @@ DatabaseService::DriverDBProviderBase& Session::writeDrive()
     return m_drive;
 }
 
-DatabaseService::DriverDBProviderBase& Session::mendDrive()
+DatabaseService::DriverDBProvider& Session::editDrive()
+{
+    requireStoreFolder();
+    requireStoreFile(m_folder, driveFileName);
+    return writeDrive();
+}
+
+DatabaseService::DriverDBProvider& Session::mendDrive()
 {
     requireStoreFolder();
     requireStoreFile(m_folder, driveFileName);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "databaseservice/clouddriverdb.h"
-#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/driverdbprovider.h"
 #include "readablestore.h"
 #include "reporter.h"
 
@@ -53,14 +53,16 @@ public:
     void makeStoreFolder();
 
     /// The drive store for a command that only shows: no byte of the store changes.
-    DatabaseService::DriverDBProviderBase& readDrive();
+    DatabaseService::DriverDBProvider& readDrive();
     /// The lists of the same store, likewise; on one connection, which stays open.
     DatabaseService::CloudDriverDb& readLists();
     /// The drive store for writing, with its tables laid down. Throws before it writes anything if names are stored in
     /// another order than this build's.
-    DatabaseService::DriverDBProviderBase& writeDrive();
+    DatabaseService::DriverDBProvider& writeDrive();
+    /// The same for a command that changes what is in a store, which has to be there.
+    DatabaseService::DriverDBProvider& editDrive();
     /// The drive store as it is, for a command that mends it.
-    DatabaseService::DriverDBProviderBase& mendDrive();
+    DatabaseService::DriverDBProvider& mendDrive();
 
     /// How many failures the library has logged in this run.
     int libraryFailures() const;
@@ -77,7 +79,7 @@ private:
     std::shared_ptr<Logger::LogSink> m_logFile;
     std::filesystem::path m_folder;
     std::optional<ReadableStore> m_readable;
-    DatabaseService::DriverDBProviderBase m_drive;
+    DatabaseService::DriverDBProvider m_drive;
     std::optional<DatabaseService::CloudDriverDb> m_lists; // closed before the copy that it reads is removed
 };
 

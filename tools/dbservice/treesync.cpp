@@ -1,6 +1,7 @@
 #include "treesync.h"
 
 #include "displaytext.h"
+#include "drivemarkers.h"
 #include "failure.h"
 #include "fileclass.h"
 #include "platform/paths.h"
@@ -25,9 +26,10 @@ std::int64_t wholeSeconds(std::int64_t nanoseconds)
     return nanoseconds / second - (nanoseconds % second < 0 ? 1 : 0);
 }
 
-/// Gives the row what the disk says. Whether anything changed.
+/// Gives the row what the disk says. Whether anything changed. A name that waits to be carried to the cloud stays.
 bool takeFromDisk(DriveDataTable& row, const DiskEntry& entry, const std::string& parentId)
 {
+    const std::string name = row.GetRenameBatchId() != 0 ? row.GetName() : entry.shownName;
     const std::string mimeType(entry.mimeType);
     // In nanoseconds, so that a change within one second is seen.
     const std::string contentVersion = std::to_string(entry.status.modifiedNanoseconds);
@@ -36,12 +38,12 @@ bool takeFromDisk(DriveDataTable& row, const DiskEntry& entry, const std::string
     const std::int32_t sign = extensionSign(entry.group);
     const auto number = static_cast<std::int32_t>(entry.isFolder() ? FileClass::Folder : classOf(entry.group));
 
-    if (row.GetName() == entry.shownName && row.GetMimeType() == mimeType && row.GetSize() == entry.status.size &&
+    if (row.GetName() == name && row.GetMimeType() == mimeType && row.GetSize() == entry.status.size &&
         row.GetContentVersion() == contentVersion && row.GetParentId() == parentId && row.GetCreatedTime() == created &&
         row.GetModifiedTime() == modified && row.GetFileExtSign() == sign && row.GetClassIndex() == number) {
         return false;
     }
-    row.SetName(entry.shownName);
+    row.SetName(name);
     row.SetMimeType(mimeType);
     row.SetSize(entry.status.size);
     row.SetContentVersion(contentVersion);
@@ -53,11 +55,16 @@ bool takeFromDisk(DriveDataTable& row, const DiskEntry& entry, const std::string
     return true;
 }
 
-/// Whether the row goes when its folder is marked and swept and nobody writes it in between.
-bool goesWithSweep(const DriveDataTable& row)
+/// Whether the row stays although the disk no longer has it.
+bool belongsToClient(const DriveDataTable& row)
 {
-    const bool pending = row.GetSoftDelBatchId() != 0 || row.GetMoveBatchId() != 0 || row.GetRestoreBatchId() != 0;
-    return row.GetRecycled() == 0 && (!pending || row.GetData2() == "1");
+    return isInBin(row) || isPending(row);
+}
+
+/// Whether mark and sweep would take it, unless it is written in between.
+bool isSwept(const DriveDataTable& row)
+{
+    return row.GetRecycled() == 0;
 }
 
 } // namespace
@@ -88,7 +95,7 @@ bool TreeSync::Stored::isOnDisk(const std::string& id) const
     return found != byId.end() && onDisk[found->second];
 }
 
-TreeSync::TreeSync(Session& session, DatabaseService::DriverDBProviderBase& drive, SourceFolder& source)
+TreeSync::TreeSync(Session& session, DatabaseService::DriverDBProvider& drive, SourceFolder& source)
     : m_session(session),
       m_drive(drive),
       m_source(source),
@@ -277,12 +284,17 @@ void TreeSync::findGoneRows(std::vector<Folder>& folders, const Stored& stored, 
         if (stored.onDisk[i]) {
             continue;
         }
-        if (!goesWithSweep(row)) {
+        Folder& folder = *folderById.at(row.GetParentId());
+        if (belongsToClient(row)) {
             ++m_counts.leftAlone;
+            if (isSwept(row)) {
+                folder.kept.push_back(i);
+                folder.differs = folder.differs || !row.GetData2().empty();
+            }
             continue;
         }
         ++m_counts.removed;
-        folderById.at(row.GetParentId())->differs = true;
+        folder.differs = true;
         if (row.IsFolder()) {
             changes.goneFolders.push_back(row.GetFileid());
         }
@@ -303,8 +315,11 @@ void TreeSync::addGoneSubtrees(const Stored& stored, Changes& changes)
             if (stored.isOnDisk(row.GetFileid())) {
                 continue;
             }
-            if (!goesWithSweep(row)) {
+            if (belongsToClient(row)) {
                 ++m_counts.leftAlone;
+                if (isSwept(row)) {
+                    changes.kept.emplace_back(std::make_shared<DriveDataTable>(row))->SetData2({});
+                }
                 continue;
             }
             ++m_counts.removed;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/driverdbprovider.h"
 #include "drivetree.h"
 #include "sourcefolder.h"
 
@@ -23,7 +23,8 @@ class Session;
 /// compares, and writes the folders in which something differs: mark the stored children, insert what is new, write
 /// back what is still there (which clears the mark), sweep what is still marked. Folders that are gone take what is
 /// below them along in the same sweep, so that a run that is cut off leaves nothing unreachable behind. Rows in the
-/// bin and rows with a pending delete, move or restore are left to the client, with what is below them.
+/// bin and rows with anything pending that are no longer on disk are left to the client, with what is below them;
+/// those that are on disk keep their markers, and the name that a pending rename has given them.
 ///
 /// Memory stays in proportion to a batch or the largest folder, whichever is more.
 /// Failure: a `Failure` as soon as the library has logged one, before anything is swept on a doubtful ground.
@@ -42,7 +43,7 @@ public:
     enum class Step { Walk, Read, Mark, Write, Sweep };
     static constexpr std::array<const char*, 5> stepNames{"walk", "read", "mark", "write", "sweep"};
 
-    TreeSync(Session& session, DatabaseService::DriverDBProviderBase& drive, SourceFolder& source);
+    TreeSync(Session& session, DatabaseService::DriverDBProvider& drive, SourceFolder& source);
 
     /// Throws also when the store belongs to another source, and when at the end it does not hold the rows that it
     /// should.
@@ -62,7 +63,7 @@ private:
         std::vector<DiskEntry> entries;
         // What the comparison finds:
         bool differs = false;
-        std::vector<std::size_t> kept; // the stored rows of entries that are still there
+        std::vector<std::size_t> kept; // the stored rows that stay
     };
 
     /// The stored rows that a batch of folders is compared with.
@@ -96,7 +97,7 @@ private:
                                            const std::string& parentId) const;
 
     Session& m_session;
-    DatabaseService::DriverDBProviderBase& m_drive;
+    DatabaseService::DriverDBProvider& m_drive;
     SourceFolder& m_source;
     DriveTree m_tree;
     std::vector<Folder> m_waiting;
