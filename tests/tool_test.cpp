@@ -1,5 +1,5 @@
 #include "clientservices/globalparamwrapper.h"
-#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/driverdbprovider.h"
 #include "platform/paths.h"
 #include "support/process.h"
 #include "support/sqlitefile.h"
@@ -18,14 +18,6 @@ using nlohmann::json;
 namespace {
 
 using Tool = ToolTest;
-
-/// The numbers of a scan: added, changed, unchanged, removed, left alone, rows.
-std::vector<int> numbers(const Ran& scan)
-{
-    const json result = json::parse(scan.out);
-    return {result["added"],   result["changed"],   result["unchanged"],
-            result["removed"], result["leftAlone"], result["rows"]};
-}
 
 TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
 {
@@ -283,15 +275,8 @@ TEST_F(Tool, ShowsClassesTheBinAndFoldersWithoutARow)
     recycle(add("restored", "top", "text/plain"), now - 5);
     records.back().SetRestoreBatchId(7);
     GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(store().wstring());
-    DatabaseService::DriverDBProviderBase().InsertDriveDataBatch(records);
+    DatabaseService::DriverDBProvider().InsertDriveDataBatch(records);
 
-    const auto names = [&](const Arguments& arguments) {
-        std::vector<std::string> found;
-        for (const json& shown : rows(arguments)) {
-            found.push_back(shown["name"]);
-        }
-        return found;
-    };
     using Names = std::vector<std::string>;
     EXPECT_EQ(names({"view", "picture"}), (Names{"p1", "p2", "p3"}));
     EXPECT_EQ(names({"view", "2", "--sort", "-name", "--offset", "1", "--count", "1"}), (Names{"p2"}));

@@ -45,6 +45,13 @@ std::map<std::string, std::string> contents(const fs::path& folder)
     return files;
 }
 
+std::vector<int> numbers(const Ran& scan)
+{
+    const nlohmann::json result = nlohmann::json::parse(scan.out);
+    return {result["added"],   result["changed"],   result["unchanged"],
+            result["removed"], result["leftAlone"], result["rows"]};
+}
+
 ToolTest::ToolTest()
 {
     fs::create_directories(source());
@@ -83,6 +90,15 @@ std::vector<nlohmann::json> ToolTest::rows(Arguments arguments) const
         lines.push_back(nlohmann::json::parse(line));
     }
     return lines;
+}
+
+std::vector<std::string> ToolTest::names(const Arguments& arguments) const
+{
+    std::vector<std::string> found;
+    for (const nlohmann::json& shown : rows(arguments)) {
+        found.push_back(shown["name"]);
+    }
+    return found;
 }
 
 void ToolTest::changeStore(const std::string& sql) const

@@ -28,6 +28,9 @@ struct Ran {
     std::string err;
 };
 
+/// The numbers of a scan: added, changed, unchanged, removed, left alone, rows.
+std::vector<int> numbers(const Ran& scan);
+
 /// A test of the command-line tool, with a folder for a store and one to read from.
 class ToolTest : public testing::Test {
 protected:
@@ -46,6 +49,8 @@ protected:
 
     /// The lines of a command's JSON.
     std::vector<nlohmann::json> rows(Arguments arguments) const;
+    /// The names in them.
+    std::vector<std::string> names(const Arguments& arguments) const;
     nlohmann::json row(const std::string& path) const { return rows({"stat", path}).at(0); }
 
     void changeStore(const std::string& sql) const;

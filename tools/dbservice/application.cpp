@@ -40,6 +40,33 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options)
                "Help on a command: dbservice COMMAND --help");
 }
 
+// CLI11 reads "[a,b]" and "{}" as lists where several values may come, and has no switch for it. A last byte that no
+// argument can hold hides their ends.
+constexpr char plainEnd = '\0';
+
+std::vector<std::string> withPlainEnds(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> marked = arguments;
+    for (std::string& argument : marked) {
+        if (argument.starts_with('[') || argument.starts_with('{')) {
+            argument += plainEnd;
+        }
+    }
+    return marked;
+}
+
+void dropPlainEnds(CLI::App& command)
+{
+    for (CLI::Option* const option : command.get_options()) {
+        option->transform([](std::string argument) {
+            if (argument.ends_with(plainEnd)) {
+                argument.pop_back();
+            }
+            return argument;
+        });
+    }
+}
+
 /// In the order of the help.
 void addCommands(CLI::App& app, Command& chosen)
 {
@@ -54,9 +81,12 @@ void addCommands(CLI::App& app, Command& chosen)
          }) {
         for (const auto add : group.commands) {
             add(app, chosen);
-            app.get_subcommands({}).back()->group(group.title);
+            CLI::App& command = *app.get_subcommands({}).back();
+            command.group(group.title);
+            dropPlainEnds(command);
         }
     }
+    dropPlainEnds(app);
 }
 
 int misused(const char* what)
@@ -104,7 +134,8 @@ int run(const std::vector<std::string>& arguments)
     addGlobalOptions(app, options);
     addCommands(app, command);
     try {
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        const std::vector<std::string> marked = withPlainEnds(arguments);
+        app.parse(std::vector<std::string>(marked.rbegin(), marked.rend()));
         return command ? runCommand(options, command) : misused("no command is given");
     } catch (const CLI::Success& asked) {
         return app.exit(asked);

@@ -11,7 +11,7 @@
 #include <array>
 #include <iostream>
 #include <string_view>
-#include <utility>
+#include <tuple>
 
 namespace dbservice {
 
@@ -24,13 +24,14 @@ constexpr const char* anyMarker = "newBatchId <> 0 OR uploadBatchId <> 0 OR rena
 
 constexpr std::array<std::string_view, 7> order{"new", "upload", "rename", "move", "bin", "final", "restore"};
 
-/// By operation, then by the number that ties the rows of one action together.
+/// By operation, then by the number that ties the rows of one action together, then by name.
 bool comesFirst(const PendingOperation& left, const PendingOperation& right)
 {
-    const auto key = [](const Marker& marker) {
-        return std::pair(std::find(order.begin(), order.end(), marker.operation), marker.batchId);
+    const auto key = [](const PendingOperation& operation) {
+        const auto place = std::find(order.begin(), order.end(), operation.marker.operation);
+        return std::tuple(place, operation.marker.batchId, operation.row.GetName());
     };
-    return key(left.marker) < key(right.marker);
+    return key(left) < key(right);
 }
 
 int pending(Session& session)
