@@ -89,3 +89,15 @@ fi
 say 'The second scan brings the store up to date and tells what it found.'
 run "$program" --folder "$tree_store" scan "$tree"
 run "$program" --folder "$tree_store" count
+
+say 'The tree in the store changes as a client changes it: rows are marked, and wait to be carried to the cloud.'
+album=/new-in-the-demo
+run "$program" --folder "$tree_store" mkdir "$album/best"
+run "$program" --folder "$tree_store" rename "$album/photo-1.jpg" sunrise.jpg
+run "$program" --folder "$tree_store" mv "$album/sunrise.jpg" "$album/best"
+run "$program" --folder "$tree_store" rename "$album/photo-2.jpg" sunset.jpg
+run "$program" --folder "$tree_store" rm "$album/photo-3.jpg" "$album/photo-4.jpg"
+run "$program" --folder "$tree_store" restore "$album/photo-3.jpg"
+say 'What lists show meanwhile, and what waits:'
+run "$program" --folder "$tree_store" ls "$album"
+run "$program" --folder "$tree_store" pending

@@ -334,7 +334,7 @@ TEST_F(Tool, WritesNoStoreWithNamesInAnotherOrder)
             file.exec("INSERT INTO DriveDataTable(fileId, name) VALUES " + values);
         }
         const std::map<std::string, std::string> before = contents(store());
-        for (const Ran& refused : {onStore({"init"}), scan()}) {
+        for (const Ran& refused : {onStore({"init"}), scan(), onStore({"rename", "id:1", "x"})}) {
             EXPECT_EQ(refused.code, 1);
             EXPECT_EQ(refused.out, "");
             EXPECT_NE(refused.err.find("`dbservice reindex`"), std::string::npos) << refused.err;
@@ -489,7 +489,9 @@ TEST_F(Tool, ShowingChangesNoByte)
                                          {"count", "/"},
                                          {"view", "other"},
                                          {"recycle"},
-                                         {"recycle", "--expired"}}) {
+                                         {"recycle", "--expired"},
+                                         {"pending"},
+                                         {"config"}}) {
             const Ran ran = onStore(command);
             EXPECT_EQ(ran.code, 0) << ran.err;
         }
