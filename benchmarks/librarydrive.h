@@ -1,6 +1,6 @@
 #pragma once
 
-#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/driverdbprovider.h"
 #include "drive.h"
 
 namespace benchmarks {
@@ -28,7 +28,7 @@ public:
     void dropIndexes();
 
 private:
-    DatabaseService::DriverDBProviderBase m_provider;
+    DatabaseService::DriverDBProvider m_provider;
 };
 
 } // namespace benchmarks

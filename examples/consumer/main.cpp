@@ -3,7 +3,7 @@
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
 #include "clientservices/logsinks.h"
-#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/driverdbprovider.h"
 #include "databaseservice/version.h"
 
 #include <filesystem>
@@ -13,7 +13,7 @@
 #include <vector>
 
 using DatabaseService::DriveDataTable;
-using DatabaseService::DriverDBProviderBase;
+using DatabaseService::DriverDBProvider;
 
 namespace {
 
@@ -58,7 +58,7 @@ int main(int argc, char** argv)
     Logger::CloudLogger::GetInstance()->AddSink(failures);
 
     constexpr int total = 25;
-    DriverDBProviderBase drive;
+    DriverDBProvider drive;
     drive.InitDatabase();
     drive.ReplaceDriveAllData(photos(total)); // replaces, so that a second run finds the same
 
