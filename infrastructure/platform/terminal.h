@@ -2,9 +2,9 @@
 
 namespace platform {
 
-enum class Stream { Output, Error };
+enum class Stream { Input, Output, Error };
 
-/// Whether a person looks at the stream.
+/// Whether a person looks at the stream, or types into it.
 bool isTerminal(Stream stream) noexcept;
 
 /// The terminal's width in cells, 0 where the stream is no terminal or the width is unknown.

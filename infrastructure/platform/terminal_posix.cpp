@@ -9,7 +9,15 @@ namespace {
 
 int descriptor(Stream stream)
 {
-    return stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO;
+    switch (stream) {
+    case Stream::Input:
+        return STDIN_FILENO;
+    case Stream::Output:
+        return STDOUT_FILENO;
+    case Stream::Error:
+        break;
+    }
+    return STDERR_FILENO;
 }
 
 } // namespace

@@ -8,7 +8,15 @@ namespace {
 
 HANDLE handle(Stream stream)
 {
-    return GetStdHandle(stream == Stream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    switch (stream) {
+    case Stream::Input:
+        return GetStdHandle(STD_INPUT_HANDLE);
+    case Stream::Output:
+        return GetStdHandle(STD_OUTPUT_HANDLE);
+    case Stream::Error:
+        break;
+    }
+    return GetStdHandle(STD_ERROR_HANDLE);
 }
 
 } // namespace

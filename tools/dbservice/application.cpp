@@ -15,9 +15,6 @@ namespace dbservice {
 
 namespace {
 
-constexpr int failed = 1;
-constexpr int wrongUsage = 2;
-
 std::string versions()
 {
     return "dbservice " + DatabaseService::LibraryVersion() + "\nSQLite " + DatabaseService::SqliteVersion() +
@@ -65,6 +62,9 @@ void dropPlainEnds(CLI::App& command)
             return argument;
         });
     }
+    for (CLI::App* const part : command.get_subcommands({})) {
+        dropPlainEnds(*part);
+    }
 }
 
 /// In the order of the help.
@@ -75,15 +75,14 @@ void addCommands(CLI::App& app, Command& chosen)
         std::vector<void (*)(CLI::App&, Command&)> commands;
     };
     for (const Group& group : {
-             Group{"Stores", {addInit, addScan, addReindex}},
+             Group{"Stores", {addInit, addScan, addReindex, addReset}},
              Group{"Show the drive", {addLs, addView, addRecycle, addStat, addCount, addPending, addConfig}},
              Group{"Change the drive", {addMkdir, addRename, addMv, addRm, addRestore}},
+             Group{"Other stores", {addProperties, addShortcuts, addGallery}},
          }) {
         for (const auto add : group.commands) {
             add(app, chosen);
-            CLI::App& command = *app.get_subcommands({}).back();
-            command.group(group.title);
-            dropPlainEnds(command);
+            app.get_subcommands({}).back()->group(group.title);
         }
     }
     dropPlainEnds(app);
@@ -103,6 +102,7 @@ int runCommand(const GlobalOptions& options, const Command& command)
         code = command(session);
     } catch (const Failure& reason) {
         session.reporter().error(reason.what());
+        code = reason.exitCode();
     } catch (const std::exception& error) {
         session.reporter().error(std::string("cannot go on: ") + error.what());
     }

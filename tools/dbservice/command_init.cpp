@@ -1,49 +1,72 @@
+#include "clientservices/globalparamwrapper.h"
 #include "commands.h"
+#include "databaseservice/databaseservice.h"
 #include "displaytext.h"
-#include "drivefields.h"
 #include "platform/paths.h"
+#include "platform/text.h"
+#include "recordfields.h"
 #include "session.h"
+#include "storefile.h"
 #include "table.h"
+#include "textarguments.h"
 
 #include <CLI/CLI.hpp>
 
-#include <array>
+#include <filesystem>
 #include <iostream>
+#include <memory>
+#include <vector>
 
 namespace dbservice {
 
 namespace {
 
-struct CountedTable {
-    const char* name;
-    const char* statement;
-};
-
-constexpr std::array driveTables{
-    CountedTable{"DriveDataTable", "SELECT COUNT(*) FROM DriveDataTable"},
-    CountedTable{"DriveConfTable", "SELECT COUNT(*) FROM DriveConfTable"},
-    CountedTable{"DriveFullTask", "SELECT COUNT(*) FROM DriveFullTask"},
-    CountedTable{"DriveFolderSync", "SELECT COUNT(*) FROM DriveFolderSync"},
-};
-
-int init(Session& session)
+void startStores(Session& session, const std::string& gallery)
 {
-    session.makeStoreFolder();
-    DatabaseService::DriverDBProvider& drive = session.writeDrive();
-    const std::string file = platform::toUtf8(session.storeFolder() / driveFileName);
+    session.writeDrive(); // ahead of the others, since it refuses some files before anything is written
+    session.makeStore(mainFileName);
+    const std::wstring folder = GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder();
+    if (gallery.empty()) {
+        DatabaseService::InitDataBase(folder);
+    } else {
+        DatabaseService::InitDataBase(folder, platform::toWide(gallery));
+    }
+    session.stopIfFailed("start the stores");
+}
+
+void show(const Session& session, const std::filesystem::path& fileName)
+{
+    StoreFile store(fileName);
+    const std::string file = platform::toUtf8(session.storeFolder() / fileName);
     Table table({{"Table"}, {"Rows", Table::Align::Right}});
     nlohmann::ordered_json json{{"file", file}, {"tables", nlohmann::ordered_json::object()}};
-    for (const CountedTable& counted : driveTables) {
-        std::string statement = counted.statement;
-        const int rows = drive.GetCountBySelectSQL(statement);
-        table.add({counted.name, grouped(rows)});
-        json["tables"][counted.name] = rows;
+    for (const std::string& name : store.tables()) {
+        const int rows = store.countRows(name);
+        table.add({name, grouped(rows)});
+        json["tables"][name] = rows;
     }
     if (session.json()) {
         std::cout << toLine(json) << '\n';
     } else {
         std::cout << printable(file) << '\n';
         table.print(std::cout, Session::outputWidth());
+    }
+}
+
+int init(Session& session, const std::string& gallery)
+{
+    session.makeStoreFolder();
+    std::vector<std::filesystem::path> files{driveFileName, mainFileName};
+    if (!gallery.empty()) {
+        files.push_back(pathFromArgument(gallery));
+    }
+    files.emplace_back(shortcutFileName);
+    for (const std::filesystem::path& file : files) {
+        session.makeStore(file); // refuses what is no database before anything is written
+    }
+    startStores(session, gallery);
+    for (const std::filesystem::path& file : files) {
+        show(session, file);
     }
     return 0;
 }
@@ -52,8 +75,13 @@ int init(Session& session)
 
 void addInit(CLI::App& app, Command& chosen)
 {
-    app.add_subcommand("init", "Make the store's files and tables where they are missing, and show them")
-        ->callback([&chosen] { chosen = init; });
+    const auto gallery = std::make_shared<std::string>();
+    CLI::App* const command =
+        app.add_subcommand("init", "Make the stores' files and tables where they are missing, and show them");
+    addGalleryName(*command, *gallery);
+    command->footer("Without --gallery the gallery is left out.\n"
+                    "With --json each line is a file with the rows of its tables.");
+    command->callback([&chosen, gallery] { chosen = [gallery](Session& session) { return init(session, *gallery); }; });
 }
 
 } // namespace dbservice

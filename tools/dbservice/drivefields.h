@@ -1,8 +1,7 @@
 #pragma once
 
 #include "databaseservice/drivedatatable.h"
-
-#include <nlohmann/json.hpp>
+#include "recordfields.h"
 
 #include <functional>
 #include <string>
@@ -15,8 +14,5 @@ nlohmann::ordered_json toJson(const DatabaseService::DriveDataTable& row);
 /// Calls `visit` for each stored column with the value as a person reads it, empty for a value that is 0 or empty.
 void forEachField(const DatabaseService::DriveDataTable& row,
                   const std::function<void(const std::string& name, const std::string& value)>& visit);
-
-/// One line of JSON, with anything repaired that is not UTF-8.
-std::string toLine(const nlohmann::ordered_json& value);
 
 } // namespace dbservice

@@ -92,6 +92,17 @@ fs::path makeTemporaryFolder()
 
 } // namespace
 
+bool isDatabase(const fs::path& file)
+{
+    try {
+        Header header;
+        readHeader(file, header);
+        return true;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
 void requireDatabaseOrNothing(const fs::path& file)
 {
     Header header;
@@ -106,15 +117,16 @@ void requireStoreFile(const fs::path& folder, const fs::path& fileName)
     locateStoreFile(folder, fileName, header);
 }
 
-ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName) : m_folder(folder)
+ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName, Copy copied) : m_folder(folder)
 {
     Header header;
     const fs::path file = locateStoreFile(folder, fileName, header);
     const bool writeAheadLog = header[18] == 2 || header[19] == 2;
-    if (writeAheadLog || isThere(withSuffix(file, "-journal")) || isThere(withSuffix(file, "-wal"))) {
+    if (copied == Copy::Always || writeAheadLog || isThere(withSuffix(file, "-journal")) ||
+        isThere(withSuffix(file, "-wal"))) {
         try {
             m_copy = makeTemporaryFolder();
-            copy(file, fileName);
+            makeCopy(file, fileName);
         } catch (...) {
             std::error_code ignored;
             fs::remove_all(m_copy, ignored);
@@ -131,7 +143,7 @@ ReadableStore::~ReadableStore()
     }
 }
 
-void ReadableStore::copy(const fs::path& file, const fs::path& fileName)
+void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName)
 {
     const std::array<fs::path, 3> sources{file, withSuffix(file, "-journal"), withSuffix(file, "-wal")};
     const fs::path copied = m_copy / fileName;

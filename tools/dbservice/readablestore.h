@@ -5,13 +5,15 @@
 namespace dbservice {
 
 /// Where a command that only shows may read a store's file without changing a byte of the store: the store's own
-/// folder or, where opening the file would replay a journal or lay down files beside it, a temporary copy of the
-/// file and its journal, removed with this object.
+/// folder or, where opening the file would replay a journal or lay down files beside it, or where the library lays
+/// down tables before it reads, a temporary copy of the file and its journal, removed with this object.
 ///
 /// Throws a `Failure` when the file is missing or no database, and when no copy can be made.
 class ReadableStore {
 public:
-    ReadableStore(const std::filesystem::path& folder, const std::filesystem::path& fileName);
+    enum class Copy { WhereNeeded, Always };
+
+    ReadableStore(const std::filesystem::path& folder, const std::filesystem::path& fileName, Copy copied);
     ReadableStore(const ReadableStore&) = delete;
     ReadableStore& operator=(const ReadableStore&) = delete;
     ~ReadableStore();
@@ -19,7 +21,7 @@ public:
     const std::filesystem::path& folder() const { return m_copy.empty() ? m_folder : m_copy; }
 
 private:
-    void copy(const std::filesystem::path& file, const std::filesystem::path& fileName);
+    void makeCopy(const std::filesystem::path& file, const std::filesystem::path& fileName);
 
     std::filesystem::path m_folder;
     std::filesystem::path m_copy;
@@ -27,6 +29,9 @@ private:
 
 /// Throws a `Failure` when the file is missing, empty or no database.
 void requireStoreFile(const std::filesystem::path& folder, const std::filesystem::path& fileName);
+
+/// Whether the file can be read and is a database, or empty.
+bool isDatabase(const std::filesystem::path& file);
 
 /// Throws a `Failure` when something is there that is no database. An empty file is none yet, and passes.
 void requireDatabaseOrNothing(const std::filesystem::path& file);

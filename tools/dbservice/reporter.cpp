@@ -49,6 +49,12 @@ void Reporter::note(std::string_view text)
     }
 }
 
+void Reporter::ask(std::string_view question)
+{
+    endProgress();
+    std::cerr << printable(question) << ' ' << std::flush;
+}
+
 void Reporter::progress(double done, std::string_view text)
 {
     const auto now = std::chrono::steady_clock::now();

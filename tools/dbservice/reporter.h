@@ -21,6 +21,8 @@ public:
     void error(std::string_view text);
     void warning(std::string_view text);
     void note(std::string_view text);
+    /// Leaves the cursor behind the question.
+    void ask(std::string_view question);
 
     /// `done` goes from 0 to 1.
     void progress(double done, std::string_view text);

@@ -86,12 +86,40 @@ void Session::makeStoreFolder()
     }
 }
 
+void Session::readStore(const fs::path& fileName, ReadableStore::Copy copied)
+{
+    requireStoreFolder();
+    m_readable.emplace(m_folder, fileName, copied);
+    useFolder(m_readable->folder(), fileName);
+}
+
+void Session::editStore(const fs::path& fileName)
+{
+    requireStoreFolder();
+    requireStoreFile(m_folder, fileName);
+    useFolder(m_folder, fileName);
+}
+
+void Session::makeStore(const fs::path& fileName)
+{
+    requireStoreFolder();
+    requireDatabaseOrNothing(m_folder / fileName);
+    useFolder(m_folder, fileName);
+}
+
+void Session::editAllStores(const std::string& name)
+{
+    requireStoreFolder();
+    if (!holdsStoreFiles(m_folder)) {
+        throw Failure("cannot open the stores: " + platform::toUtf8(m_folder) + " holds no store files");
+    }
+    useFolder(m_folder, name);
+}
+
 DatabaseService::DriverDBProvider& Session::readDrive()
 {
     if (!m_readable) {
-        requireStoreFolder();
-        m_readable.emplace(m_folder, driveFileName);
-        useFolder(m_readable->folder());
+        readStore(driveFileName, ReadableStore::Copy::WhereNeeded);
     }
     return m_drive;
 }
@@ -110,9 +138,7 @@ DatabaseService::CloudDriverDb& Session::readLists()
 
 DatabaseService::DriverDBProvider& Session::writeDrive()
 {
-    requireStoreFolder();
-    requireDatabaseOrNothing(m_folder / driveFileName);
-    useFolder(m_folder);
+    makeStore(driveFileName);
     std::error_code ignored;
     if (fs::exists(m_folder / driveFileName, ignored)) {
         const NameIndex index = examineNameIndex(m_drive);
@@ -131,16 +157,13 @@ DatabaseService::DriverDBProvider& Session::writeDrive()
 
 DatabaseService::DriverDBProvider& Session::editDrive()
 {
-    requireStoreFolder();
-    requireStoreFile(m_folder, driveFileName);
+    editStore(driveFileName);
     return writeDrive();
 }
 
 DatabaseService::DriverDBProvider& Session::mendDrive()
 {
-    requireStoreFolder();
-    requireStoreFile(m_folder, driveFileName);
-    useFolder(m_folder);
+    editStore(driveFileName);
     return m_drive;
 }
 
@@ -167,9 +190,9 @@ void Session::requireStoreFolder() const
     }
 }
 
-void Session::useFolder(const fs::path& folder)
+void Session::useFolder(const fs::path& folder, const fs::path& store)
 {
-    m_log->setStore(driveFileName);
+    m_log->setStore(platform::toUtf8(store));
     GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(platform::toUtf8(folder)));
 }
 

@@ -29,10 +29,12 @@ struct GlobalOptions {
 };
 
 inline constexpr const char* driveFileName = "DriveModuleData.dat";
+inline constexpr const char* mainFileName = "main.dat";
+inline constexpr const char* shortcutFileName = "FastAccess.dat";
 
 /// The files by which a folder is known to be a store.
-inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, "main.dat", "transmission.dat",
-                                                                "FastAccess.dat"};
+inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, mainFileName, "transmission.dat",
+                                                                shortcutFileName};
 
 /// One run of the tool: the store it works on, what the library logs meanwhile, and where things are told.
 /// Throws a `Failure` where the store or the log file cannot be used.
@@ -51,6 +53,18 @@ public:
     const std::filesystem::path& storeFolder() const { return m_folder; }
     /// Makes the folder if it is missing, and says so.
     void makeStoreFolder();
+
+    // Each of these has the library open its files in the right place from here on, and names the file in warnings.
+
+    /// A store's file for a command that only shows: no byte of it changes. `Always` where the library lays down tables
+    /// before it reads.
+    void readStore(const std::filesystem::path& fileName, ReadableStore::Copy copied);
+    /// A store's file for a command that changes what is in it; it has to be there.
+    void editStore(const std::filesystem::path& fileName);
+    /// A store's file for a command that lays it down where it is missing.
+    void makeStore(const std::filesystem::path& fileName);
+    /// All the files in the folder, under a name for all. Throws unless one of them is a store's.
+    void editAllStores(const std::string& name);
 
     /// The drive store for a command that only shows: no byte of the store changes.
     DatabaseService::DriverDBProvider& readDrive();
@@ -71,7 +85,7 @@ public:
 
 private:
     void requireStoreFolder() const;
-    void useFolder(const std::filesystem::path& folder);
+    void useFolder(const std::filesystem::path& folder, const std::filesystem::path& store);
 
     GlobalOptions m_options;
     Reporter m_reporter;

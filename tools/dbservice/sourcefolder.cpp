@@ -1,13 +1,11 @@
 #include "sourcefolder.h"
 
+#include "digest.h"
 #include "failure.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "reporter.h"
 #include "session.h"
-
-#define XXH_INLINE_ALL
-#include <xxhash.h>
 
 #include <algorithm>
 
@@ -17,21 +15,6 @@ namespace constants = DatabaseService::ClientConstants;
 namespace dbservice {
 
 namespace {
-
-/// 32 hexadecimal digits from the bytes of a path below the source.
-std::string idOf(const NativeText& below)
-{
-    const XXH128_hash_t hash = XXH3_128bits(below.data(), below.size() * sizeof(NativeText::value_type));
-    XXH128_canonical_t bytes;
-    XXH128_canonicalFromHash(&bytes, hash);
-    std::string id;
-    for (const unsigned char byte : bytes.digest) {
-        constexpr std::string_view digits = "0123456789abcdef";
-        id += digits[byte >> 4];
-        id += digits[byte & 15];
-    }
-    return id;
-}
 
 NativeText join(const NativeText& folder, const NativeText& name)
 {
@@ -67,8 +50,15 @@ bool isAtOrAbove(const fs::path& above, const fs::path& below)
 
 } // namespace
 
-SourceFolder::SourceFolder(const fs::path& source, const fs::path& storeFolder, Reporter& reporter)
-    : m_reporter(reporter)
+std::int64_t wholeSeconds(std::int64_t nanoseconds)
+{
+    constexpr std::int64_t second = 1'000'000'000;
+    return nanoseconds / second - (nanoseconds % second < 0 ? 1 : 0);
+}
+
+SourceFolder::SourceFolder(const fs::path& source, const fs::path& storeFolder, Reporter& reporter, Wanted wanted)
+    : m_reporter(reporter),
+      m_wanted(std::move(wanted))
 {
     std::error_code error;
     m_source = fs::canonical(source, error);
@@ -128,9 +118,6 @@ std::optional<DiskEntry> SourceFolder::examine(const NativeText& folder, const f
     entry.name = path.filename().native();
     entry.shownName = platform::toUtf8(path.filename());
     entry.id = idOf(join(folder, entry.name));
-    if (!isUnicode(path.filename())) {
-        warnOdd(path, "the name is not UTF-8, recorded with what is wrong replaced");
-    }
     std::error_code error;
     entry.status = platform::readStatus(path, error);
     if (error) {
@@ -152,11 +139,19 @@ std::optional<DiskEntry> SourceFolder::examine(const NativeText& folder, const f
         break;
     case platform::FileKind::Link:
         entry.mimeType = constants::linkMimeType;
-        checkLink(path);
         break;
     case platform::FileKind::Other:
         entry.mimeType = specialMimeType(path);
         break;
+    }
+    if (!entry.isFolder() && m_wanted && !m_wanted(entry)) {
+        return std::nullopt;
+    }
+    if (!isUnicode(path.filename())) {
+        warnOdd(path, "the name is not UTF-8, recorded with what is wrong replaced");
+    }
+    if (entry.status.kind == platform::FileKind::Link) {
+        checkLink(path);
     }
     return entry;
 }

@@ -3,7 +3,9 @@
 #include "databaseservice/clientconstants.h"
 #include "platform/filestatus.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,13 +32,19 @@ struct DiskEntry {
     bool isFolder() const { return examined && status.kind == platform::FileKind::Folder; }
 };
 
-/// The real folder that a scan records, read one folder at a time. Nothing but folders is opened, and links are
+/// Seconds for a time in nanoseconds, towards the past.
+std::int64_t wholeSeconds(std::int64_t nanoseconds);
+
+/// The real folder that a command records, read one folder at a time. Nothing but folders is opened, and links are
 /// looked at but not followed. What is odd is a warning with its path and is counted.
 class SourceFolder {
 public:
+    using Wanted = std::function<bool(const DiskEntry&)>;
+
     /// Throws a `Failure` when `source` is no folder that can be read. The files of a store in `storeFolder` are left
-    /// out wherever they turn up.
-    SourceFolder(const std::filesystem::path& source, const std::filesystem::path& storeFolder, Reporter& reporter);
+    /// out wherever they turn up, and so is without a word what is neither a folder nor `wanted`.
+    SourceFolder(const std::filesystem::path& source, const std::filesystem::path& storeFolder, Reporter& reporter,
+                 Wanted wanted = {});
 
     /// The source itself as an entry; its path below the source is empty.
     DiskEntry self() const;
@@ -45,6 +53,9 @@ public:
     std::optional<std::vector<DiskEntry>> list(const NativeText& folder);
 
     std::filesystem::path absolute(const NativeText& below) const;
+
+    /// Counts an entry or a folder as lost, with a warning.
+    void warnLost(const std::filesystem::path& path, const std::string& what);
 
     /// Entries that were recorded although something is wrong with them.
     int odd() const { return m_odd; }
@@ -56,11 +67,11 @@ private:
     void checkLink(const std::filesystem::path& link);
     bool isStoreFile(const std::filesystem::path& file) const;
     void warnOdd(const std::filesystem::path& path, const std::string& what);
-    void warnLost(const std::filesystem::path& path, const std::string& what);
 
     std::filesystem::path m_source;
     std::filesystem::path m_storeFolder;
     Reporter& m_reporter;
+    Wanted m_wanted;
     int m_odd = 0;
     int m_lost = 0;
 };

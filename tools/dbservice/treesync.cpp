@@ -20,12 +20,6 @@ namespace {
 constexpr std::size_t entriesPerBatch = 4000;
 constexpr std::size_t foldersPerBatch = 256;
 
-std::int64_t wholeSeconds(std::int64_t nanoseconds)
-{
-    constexpr std::int64_t second = 1'000'000'000;
-    return nanoseconds / second - (nanoseconds % second < 0 ? 1 : 0);
-}
-
 /// Gives the row what the disk says. Whether anything changed. A name that waits to be carried to the cloud stays.
 bool takeFromDisk(DriveDataTable& row, const DiskEntry& entry, const std::string& parentId)
 {

@@ -1,0 +1,184 @@
+#include "clientservices/globalparamwrapper.h"
+#include "commands.h"
+#include "databaseservice/fastaccessdbprovider.h"
+#include "displaytext.h"
+#include "failure.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+#include "recordfields.h"
+#include "session.h"
+#include "table.h"
+#include "textarguments.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+namespace dbservice {
+
+using DatabaseService::FastAccessTable;
+namespace fs = std::filesystem;
+namespace store = DatabaseService::FastAccessDBProvider;
+
+namespace {
+
+using ShortcutField = MemberField<FastAccessTable>;
+
+constexpr std::array fields{
+    ShortcutField{"Id", &FastAccessTable::Id},
+    ShortcutField{"Index", &FastAccessTable::Index},
+    ShortcutField{"DataType", &FastAccessTable::DataType},
+    ShortcutField{"IconPath", &FastAccessTable::IconPath},
+    ShortcutField{"Title", &FastAccessTable::Title},
+    ShortcutField{"Tip", &FastAccessTable::Tip},
+    ShortcutField{"UpdataTime", &FastAccessTable::UpdataTime},
+    ShortcutField{"FilePath", &FastAccessTable::FilePath},
+    ShortcutField{"FileId", &FastAccessTable::FileId},
+    ShortcutField{"ParentId", &FastAccessTable::ParentId},
+    ShortcutField{"Rotate", &FastAccessTable::Rotate},
+};
+
+struct RemoveOptions {
+    int id = 0;
+    std::string cache;
+};
+
+/// All rows of the store, the highest index first.
+std::vector<FastAccessTable> readAll()
+{
+    std::vector<FastAccessTable> rows;
+    store::GetAllFastAccessData([&](DatabaseService::uint64 /*code*/, DatabaseService::int64 address) {
+        using Records = std::vector<FastAccessTable*>;
+        const std::unique_ptr<Records> records(reinterpret_cast<Records*>(static_cast<std::intptr_t>(address)));
+        for (FastAccessTable* const record : *records) {
+            const std::unique_ptr<FastAccessTable> owned(record);
+            rows.push_back(std::move(*owned));
+        }
+    });
+    return rows;
+}
+
+std::optional<FastAccessTable> find(int id)
+{
+    const std::vector<FastAccessTable> rows = readAll();
+    const auto found = std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.Id == id; });
+    return found == rows.end() ? std::nullopt : std::optional(*found);
+}
+
+void show(const Session& session, const std::vector<FastAccessTable>& rows)
+{
+    Table table({{"Id", Table::Align::Right}, {"Index", Table::Align::Right}, {"Title"}, {"Target"}});
+    for (const FastAccessTable& row : rows) {
+        table.add({std::to_string(row.Id), std::to_string(row.Index), row.Title,
+                   row.FilePath.empty() && !row.FileId.empty() ? "id:" + row.FileId : row.FilePath});
+        if (session.json()) {
+            std::cout << toLine(toJson(fields, row)) << '\n';
+        }
+    }
+    if (!session.json()) {
+        table.print(std::cout, Session::outputWidth());
+    }
+}
+
+int list(Session& session)
+{
+    session.readStore(shortcutFileName, ReadableStore::Copy::Always);
+    const std::vector<FastAccessTable> rows = readAll();
+    session.stopIfFailed("read the shortcuts");
+    show(session, rows);
+    return 0;
+}
+
+int add(Session& session, FastAccessTable record)
+{
+    session.editStore(shortcutFileName);
+    record.UpdataTime = GlobalParamWrapper::GetInstance()->GetServerTime();
+    store::InsertFastAccessData(&record, {});
+    session.stopIfFailed("add the shortcut");
+    const std::optional<FastAccessTable> stored = find(record.Id);
+    if (!stored || toJson(fields, *stored) != toJson(fields, record)) {
+        throw Failure("cannot find the new shortcut in the store");
+    }
+    show(session, {*stored});
+    return 0;
+}
+
+/// The library deletes the file of an icon of the store's own, wherever its path leads. This takes care that it leads
+/// to a file below the cache.
+void checkIcon(const FastAccessTable& row, const std::string& cache)
+{
+    if (row.IconPath.find("FastAccess") == std::string::npos) {
+        return;
+    }
+    if (cache.empty()) {
+        throw Failure("cannot remove the shortcut: its icon " + row.IconPath +
+                      " goes along, and lies below the user's cache path; name that with --cache PATH");
+    }
+    const fs::path folder = fs::absolute(pathFromArgument(cache + '/')).lexically_normal();
+    const fs::path icon = fs::absolute(pathFromArgument(cache + row.IconPath)).lexically_normal();
+    const auto [end, ignored] = std::mismatch(folder.begin(), std::prev(folder.end()), icon.begin(), icon.end());
+    if (end != std::prev(folder.end())) {
+        throw Failure("cannot remove the shortcut: its icon, which goes along, would be " + platform::toUtf8(icon) +
+                      ", outside the cache");
+    }
+}
+
+int remove(Session& session, const RemoveOptions& options)
+{
+    session.editStore(shortcutFileName);
+    const std::optional<FastAccessTable> row = find(options.id);
+    session.stopIfFailed("read the shortcuts");
+    if (!row) {
+        throw Failure("cannot find the shortcut " + std::to_string(options.id));
+    }
+    checkIcon(*row, options.cache);
+    GlobalParamWrapper::GetInstance()->SetUserCachePath(platform::toWide(options.cache));
+    store::DeleteFastAccessData(options.id);
+    if (find(options.id)) {
+        throw Failure("cannot remove the shortcut " + std::to_string(options.id) + ": it is still there");
+    }
+    show(session, {*row});
+    return 0;
+}
+
+} // namespace
+
+void addShortcuts(CLI::App& app, Command& chosen)
+{
+    CLI::App* const command = app.add_subcommand("shortcuts", "Show and change the shortcut list");
+    command->require_subcommand(1);
+
+    command->add_subcommand("list", "List the shortcuts, the highest index first")
+        ->footer("With --json each line is a row with its stored columns.")
+        ->callback([&chosen] { chosen = list; });
+
+    const auto record = std::make_shared<FastAccessTable>();
+    CLI::App* const adding = command->add_subcommand("add", "Add a shortcut, and show it as it is stored");
+    addText(*adding, "--title", record->Title, "What the list shows")->required();
+    addText(*adding, "--tip", record->Tip, "What it shows on pointing");
+    addText(*adding, "--icon", record->IconPath, "The icon's path");
+    addText(*adding, "--path", record->FilePath, "The target's path");
+    addText(*adding, "--id", record->FileId, "The target's id in the drive");
+    addText(*adding, "--parent", record->ParentId, "The id of the folder that contains it");
+    adding->add_option("--index", record->Index, "Its place in the list")->capture_default_str();
+    adding->add_option("--type", record->DataType, "Its kind, a number of the client's")->capture_default_str();
+    adding->add_option("--rotate", record->Rotate, "The turn of its icon")->capture_default_str();
+    adding->footer("The time of the last change is now, in seconds since 1970 UTC.");
+    adding->callback([&chosen, record] { chosen = [record](Session& session) { return add(session, *record); }; });
+
+    const auto options = std::make_shared<RemoveOptions>();
+    CLI::App* const removing = command->add_subcommand("remove", "Remove a shortcut, and show what it was");
+    removing->add_option("ID", options->id, "As the list has it")->required();
+    addText(*removing, "--cache", options->cache,
+            "The user's cache path, for a shortcut whose icon's path holds FastAccess: that file is deleted too. The "
+            "two are joined as they are, without a separator");
+    removing->callback(
+        [&chosen, options] { chosen = [options](Session& session) { return remove(session, *options); }; });
+}
+
+} // namespace dbservice

@@ -1,0 +1,33 @@
+#include "recordfields.h"
+
+#include "displaytext.h"
+
+namespace dbservice {
+
+std::string readable(const std::string& value, Shown /*shown*/)
+{
+    return value;
+}
+
+std::string readable(std::int64_t value, Shown shown)
+{
+    if (value == 0) {
+        return {};
+    }
+    switch (shown) {
+    case Shown::Bytes:
+        return grouped(value) + (value == 1 ? " byte" : " bytes");
+    case Shown::Seconds:
+        return humanTime(value) + " UTC (" + std::to_string(value) + ")";
+    case Shown::Plain:
+        break;
+    }
+    return std::to_string(value);
+}
+
+std::string toLine(const nlohmann::ordered_json& value)
+{
+    return value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+} // namespace dbservice

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "databaseservice/integers.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <variant>
+
+namespace dbservice {
+
+/// How a person reads a column's value.
+enum class Shown { Plain, Bytes, Seconds };
+
+/// A stored column and where a record has it: members or getters.
+template <class... Sources> struct Field {
+    const char* name;
+    std::variant<Sources...> source;
+    Shown shown = Shown::Plain;
+};
+
+template <class Record>
+using MemberField = Field<std::string Record::*, DatabaseService::int64 Record::*, std::int32_t Record::*>;
+
+/// The value as a person reads it, empty for 0.
+std::string readable(const std::string& value, Shown shown);
+std::string readable(std::int64_t value, Shown shown);
+
+/// The record with its stored columns as keys, in the order of the fields.
+template <class Fields, class Record> nlohmann::ordered_json toJson(const Fields& fields, const Record& record)
+{
+    nlohmann::ordered_json json;
+    for (const auto& field : fields) {
+        std::visit([&](auto source) { json[field.name] = std::invoke(source, record); }, field.source);
+    }
+    return json;
+}
+
+/// Calls `visit` with each name and the value as a person reads it.
+template <class Fields, class Record, class Visit>
+void forEachField(const Fields& fields, const Record& record, const Visit& visit)
+{
+    for (const auto& field : fields) {
+        visit(
+            field.name,
+            std::visit([&](auto source) { return readable(std::invoke(source, record), field.shown); }, field.source));
+    }
+}
+
+/// One line of JSON, with anything repaired that is not UTF-8.
+std::string toLine(const nlohmann::ordered_json& value);
+
+} // namespace dbservice
