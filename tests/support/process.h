@@ -6,9 +6,9 @@
 
 namespace testsupport {
 
-/// Runs a program to its end and gives its exit code. The command line, the program first, is UTF-8; on POSIX it may be
-/// any bytes. What the program writes goes into `output` and `errors` or, where these are empty, where this program's
-/// goes.
+/// Runs a program to its end, with nothing on its standard input, and gives its exit code. The command line, the
+/// program first, is UTF-8; on POSIX it may be any bytes. What the program writes goes into `output` and `errors` or,
+/// where these are empty, where this program's goes.
 int runProgram(const std::vector<std::string>& commandLine, const std::filesystem::path& output = {},
                const std::filesystem::path& errors = {});
 

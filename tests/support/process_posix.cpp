@@ -37,6 +37,7 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     for (const std::string& argument : commandLine) {
         command += quoted(argument) + ' ';
     }
+    command += "< /dev/null ";
     if (!output.empty()) {
         command += "> " + quoted(output) + ' ';
     }

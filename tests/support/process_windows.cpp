@@ -63,7 +63,6 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
     start.hStdOutput = output.empty() ? GetStdHandle(STD_OUTPUT_HANDLE) : outputFile.get();
     start.hStdError = errors.empty() ? GetStdHandle(STD_ERROR_HANDLE) : errorFile.get();
     PROCESS_INFORMATION started{};

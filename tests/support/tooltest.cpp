@@ -106,4 +106,20 @@ void ToolTest::changeStore(const std::string& sql) const
     SqliteFile(storeFile(), SqliteFile::Collation::NameCompare).exec(sql);
 }
 
+ToolTest::Arguments ToolTest::withoutPrivileges() const
+{
+    if constexpr (onPosix) {
+        const fs::path closed = m_folder.path() / "closed";
+        fs::create_directory(closed);
+        fs::permissions(closed, fs::perms::none);
+        std::error_code refused;
+        const fs::directory_iterator looked(closed, refused);
+        fs::remove(closed);
+        if (!refused) {
+            return {"setpriv", "--bounding-set", "-dac_override,-dac_read_search"};
+        }
+    }
+    return {};
+}
+
 } // namespace testsupport

@@ -55,6 +55,9 @@ protected:
 
     void changeStore(const std::string& sql) const;
 
+    /// What starts a program so that permissions count: the superuser may do everything, unless he gives that up.
+    Arguments withoutPrivileges() const;
+
     TestFolder m_folder;
 };
 

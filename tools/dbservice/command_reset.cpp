@@ -126,7 +126,8 @@ int resetAll(Session& session, const ResetOptions& options)
     }
     show(session, before, after);
     if (left > 0) {
-        throw Failure("cannot drop all tables: " + std::to_string(left) + " are still there");
+        throw Failure("cannot drop all tables: " + counted(static_cast<std::int64_t>(left), "table is", "tables are") +
+                      " still there");
     }
     return 0;
 }

@@ -1,0 +1,410 @@
+#include "platform/paths.h"
+#include "support/process.h"
+#include "support/sqlitefile.h"
+#include "support/tooltest.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using namespace testsupport;
+using nlohmann::json;
+
+namespace {
+
+const std::string gallery = "Bilder \xE5\x86\x99.dat";
+
+class ToolStores : public ToolTest {
+protected:
+    fs::path file(const std::string& name) const { return store() / utf8Path(name); }
+    std::string sourceName() const { return platform::toUtf8(source()); }
+
+    void change(const std::string& name, const std::string& sql) const { SqliteFile(file(name)).exec(sql); }
+    std::string value(const std::string& name, const std::string& sql) const
+    {
+        return SqliteFile(file(name)).value(sql);
+    }
+
+    /// The columns of a table with the kinds of the values in a line of JSON, which has to have them all.
+    void expectColumns(const json& line, const std::string& name, const std::string& table) const
+    {
+        const Rows columns = SqliteFile(file(name)).query("PRAGMA table_info(" + table + ")");
+        EXPECT_EQ(line.size(), columns.size());
+        for (const std::vector<std::string>& column : columns) {
+            const std::string key = column[1].substr(1, column[1].size() - 2);
+            ASSERT_TRUE(line.contains(key)) << key;
+            EXPECT_EQ(line[key].is_string(), column[2] == "'TEXT'") << key;
+        }
+    }
+
+    void init() const { ASSERT_EQ(onStore({"init", "--gallery", gallery}).code, 0); }
+    Ran import(const Arguments& before = {}) const
+    {
+        return onStore({"--json", "gallery", "import", sourceName(), "--gallery", gallery}, before);
+    }
+    json counts() const { return rows({"gallery", "counts", "--gallery", gallery}).at(0); }
+    json shown(const std::string& fileName) const
+    {
+        const std::string id = value(gallery, "SELECT UniqueId FROM GalleryFile WHERE FileName = '" + fileName + "'");
+        return rows({"gallery", "show", id.substr(1, id.size() - 2), "--gallery", gallery}).at(0);
+    }
+
+    /// A run with a terminal, and `answer` typed into it. What it says is all in `out`.
+    Ran answer(const std::string& answer, const Arguments& arguments) const
+    {
+        return onStore(arguments, {"sh", "-c", "echo " + answer + " | script -qec \"$*\" /dev/null", "sh"});
+    }
+};
+
+/// What an import says: albums, files, written, unchanged, failed, lost.
+std::vector<int> numbersOf(const Ran& import)
+{
+    const json result = json::parse(import.out);
+    return {result["albums"],    result["files"],  result["written"],
+            result["unchanged"], result["failed"], result["lost"]};
+}
+
+TEST_F(ToolStores, InitStartsEveryStore)
+{
+    const std::vector<std::string> files{"DriveModuleData.dat", "main.dat", gallery, "FastAccess.dat"};
+    fs::create_directories(store());
+    writeFile(file("FastAccess.dat"), "this is no database, but long enough for one");
+    EXPECT_NE(onStore({"init", "--gallery", gallery}).err.find("is not a database"), std::string::npos);
+    EXPECT_EQ(contents(store()).size(), 1U); // nothing was made before all were looked at
+    fs::remove(file("FastAccess.dat"));
+
+    init();
+    change("main.dat", "INSERT INTO UserProperties VALUES('k', 'v')");
+    const std::vector<json> shown = rows({"init", "--gallery", gallery});
+    ASSERT_EQ(shown.size(), files.size());
+    const std::vector<std::set<std::string>> tables{
+        {"DriveDataTable", "DriveConfTable", "DriveFullTask", "DriveFolderSync"},
+        {"T_CloudFileTable", "T_NotepadCard", "T_WaitHandleCardItem", "UBAUserLog", "UserLogTable", "UserProperties"},
+        {"Album", "AlbumLocalVersion", "GalleryFile", "DownloadTask", "TransferCompleteCloudTask", "UploadTask"},
+        {"FastAccess"}};
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        EXPECT_EQ(utf8Path(shown[i]["file"]).filename(), utf8Path(files[i]));
+        std::set<std::string> found;
+        for (const auto& [table, rowCount] : shown[i]["tables"].items()) {
+            found.insert(table);
+            EXPECT_EQ(rowCount, table == "UserProperties" ? 1 : 0);
+        }
+        EXPECT_EQ(found, tables[i]);
+    }
+    EXPECT_EQ(rows({"init"}).size(), 3U);
+    EXPECT_NE(onStore({"init"}).out.find("UserProperties           1\n"), std::string::npos);
+}
+
+TEST_F(ToolStores, RefusesWhatCannotBe)
+{
+    writeFile(m_folder.path() / "foreign" / "main.dat", "this is no database, but long enough for one");
+    fs::create_directories(m_folder.path() / "foreign" / "FastAccess.dat");
+    writeFile(m_folder.path() / "foreign" / "g", "");
+    const std::string folder = platform::toUtf8(m_folder.path());
+    struct Case {
+        std::string store;
+        Arguments arguments;
+        int code;
+        std::string told;
+    };
+    std::vector<Case> cases{
+        {"source", {"properties"}, 2, "subcommand"},
+        {"source", {"properties", "set", "key"}, 2, "VALUE"},
+        {"source", {"shortcuts", "add"}, 2, "--title"},
+        {"source", {"shortcuts", "add", "--title", "x", "--index", "2147483648"}, 2, "--index"},
+        {"source", {"shortcuts", "remove", "x"}, 2, "ID"},
+        {"source", {"gallery", "counts"}, 2, "--gallery"},
+        {"source", {"gallery", "import", "--gallery", "g"}, 2, "FOLDER"},
+        {"source", {"reset"}, 2, "--all"},
+        {"source", {"reset", "--all", "--gallery", "g"}, 2, "--all"},
+        {"source", {"reset", "--all", "--yes"}, 1, "holds no store files"},
+        {"source", {"reset", "--gallery", "g", "--yes"}, 1, "there is no g in"},
+        {"source", {"properties", "list"}, 1, "there is no main.dat in"},
+        {"source", {"properties", "set", "k", "v"}, 1, "there is no main.dat in"},
+        {"source", {"properties", "remove-all", "--yes"}, 1, "there is no main.dat in"},
+        {"source", {"shortcuts", "list"}, 1, "there is no FastAccess.dat in"},
+        {"source", {"shortcuts", "add", "--title", "x"}, 1, "there is no FastAccess.dat in"},
+        {"source", {"gallery", "counts", "--gallery", "g"}, 1, "there is no g in"},
+        {"source", {"gallery", "import", folder + "/nowhere", "--gallery", "g"}, 1, "cannot read the folder"},
+        {"foreign", {"properties", "get", "k"}, 1, "is not a database"},
+        {"foreign", {"shortcuts", "remove", "1"}, 1, "is not a file"},
+        {"foreign", {"gallery", "show", "x", "--gallery", "g"}, 1, "is empty"},
+        {"foreign", {"reset", "--all", "--yes"}, 1, "is a database that can be read"},
+        {"nowhere", {"properties", "list"}, 1, "does not exist"},
+        {"nowhere", {"reset", "--all", "--yes"}, 1, "does not exist"},
+    };
+    for (const std::string name : {"", "a/b", "..", "a\\b", "c:d", "MAIN.dat", "g.dat-journal", "main.dat "}) {
+        cases.push_back({"source", {"init", "--gallery", name}, 2, "--gallery"});
+    }
+    if constexpr (onPosix) {
+        cases.push_back({"source", {"init", "--gallery", "g\xFF"}, 2, "UTF-8"});
+        cases.push_back({"source", {"properties", "set", "k", "\xFF"}, 2, "UTF-8"});
+        cases.push_back({"source", {"shortcuts", "add", "--title", "\xFF"}, 2, "UTF-8"});
+    }
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        Arguments arguments{"--folder", folder + '/' + c.store};
+        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+        const Ran ran = run(arguments);
+        EXPECT_EQ(ran.code, c.code);
+        EXPECT_EQ(ran.out, "");
+        EXPECT_NE(ran.err.find(c.told), std::string::npos) << ran.err;
+    }
+    EXPECT_TRUE(fs::is_empty(source()));
+}
+
+TEST_F(ToolStores, PropertiesGoInAndComeOutAsTheyAre)
+{
+    init();
+    const std::vector<std::string> texts{"it's \"quoted\" `x` \\ %s",
+                                         "\xCE\xB1\xCE\xB2 \xE5\x86\x99\xE7\x9C\x9F \xD8\xB9",
+                                         "\xF0\x9F\x93\xB7",
+                                         "-5",
+                                         "two\nlines\t",
+                                         "'; DROP TABLE UserProperties; --",
+                                         "",
+                                         "list"};
+    for (const std::string& text : texts) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(onStore({"properties", "set", "--", text, "first"}).code, 0);
+        const json expected{{"Key", text}, {"Value", text}};
+        EXPECT_EQ(rows({"properties", "set", "--", text, text}), (std::vector{expected}));
+        EXPECT_EQ(rows({"properties", "get", "--", text}), (std::vector{expected}));
+    }
+    EXPECT_EQ(rows({"properties", "list"}).size(), texts.size());
+    EXPECT_EQ(onStore({"properties", "get", "two\nlines\t"}).out, "two\\nlines\\t\n");
+    EXPECT_NE(onStore({"properties", "get", "none"}).err.find("cannot find the property none"), std::string::npos);
+
+    change("main.dat", "INSERT INTO UserProperties VALUES('bad', CAST(x'41FF42' AS TEXT))");
+    EXPECT_EQ(rows({"properties", "get", "bad"}).at(0)["Value"],
+              "A\xEF\xBF\xBD"
+              "B");
+
+    for (const char* refusal : {"ABORT, 'refused'", "IGNORE"}) {
+        change("main.dat",
+               "DROP TRIGGER IF EXISTS refuse; CREATE TRIGGER refuse BEFORE INSERT ON UserProperties BEGIN "
+               "SELECT RAISE(" +
+                   std::string(refusal) + "); END;");
+        const Ran refused = onStore({"properties", "set", "bad", "better"});
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_NE(refused.err.find("cannot set the property bad"), std::string::npos) << refused.err;
+    }
+    EXPECT_EQ(rows({"properties", "remove-all", "--yes"}).at(0)["removed"], static_cast<int>(texts.size()) + 1);
+    EXPECT_EQ(rows({"properties", "list"}).size(), 0U);
+}
+
+TEST_F(ToolStores, ShortcutsAreAddedListedAndRemoved)
+{
+    init();
+    const json added =
+        rows({"shortcuts", "add",  "--title", "it's \xE5\x86\x99", "--tip", "t",       "--icon", "i",      "--path",
+              "/p",        "--id", "f",       "--parent",          "q",     "--index", "-3",     "--type", "4",
+              "--rotate",  "90"})
+            .at(0);
+    expectColumns(added, "FastAccess.dat", "FastAccess");
+    json expected{{"Id", 1},    {"Index", -3},      {"DataType", 4}, {"IconPath", "i"}, {"Title", "it's \xE5\x86\x99"},
+                  {"Tip", "t"}, {"FilePath", "/p"}, {"FileId", "f"}, {"ParentId", "q"}, {"Rotate", 90}};
+    expected["UpdataTime"] = added["UpdataTime"];
+    EXPECT_EQ(added, expected);
+    EXPECT_GT(added["UpdataTime"], 1'600'000'000);
+
+    const fs::path cache = m_folder.path() / "cache";
+    const std::string slash = platform::toUtf8(cache) + '/';
+    for (const char* icon : {"FastAccess/own.png", "../FastAccess-foreign.png"}) {
+        writeFile(cache / icon, "icon");
+        EXPECT_EQ(onStore({"shortcuts", "add", "--title", "x", "--index", "7", "--icon", icon}).code, 0);
+    }
+    const std::vector<json> listed = rows({"shortcuts", "list"});
+    ASSERT_EQ(listed.size(), 3U);
+    EXPECT_EQ(listed[2], added); // the highest index first
+    EXPECT_NE(onStore({"shortcuts", "list"}).out.find(" 1     -3  it's"), std::string::npos);
+
+    EXPECT_NE(onStore({"shortcuts", "remove", "2"}).err.find("--cache PATH"), std::string::npos);
+    EXPECT_NE(onStore({"shortcuts", "remove", "3", "--cache", slash}).err.find("outside the cache"), std::string::npos);
+    EXPECT_EQ(rows({"shortcuts", "list"}).size(), 3U);
+    EXPECT_EQ(onStore({"shortcuts", "remove", "2", "--cache", slash}).code, 0);
+    EXPECT_FALSE(fs::exists(cache / "FastAccess" / "own.png"));
+    EXPECT_TRUE(fs::exists(m_folder.path() / "FastAccess-foreign.png"));
+    EXPECT_EQ(rows({"shortcuts", "remove", "1"}).at(0), added);
+    EXPECT_NE(onStore({"shortcuts", "remove", "1"}).err.find("cannot find the shortcut 1"), std::string::npos);
+    EXPECT_EQ(rows({"shortcuts", "list"}).size(), 1U);
+}
+
+TEST_F(ToolStores, AGalleryIsImportedOnceAndBroughtUpToDate)
+{
+    for (const char* name :
+         {"p1.jpg", "2024/p1.jpg", "2024/it's \xE5\x86\x99.PNG", "2024/deep/film.mp4", "texts/a.txt"}) {
+        writeFile(source() / utf8Path(name), name);
+    }
+    int files = 4;
+    if constexpr (onPosix) {
+        writeFile(source() / "2024" / "bad\xFF.jpg", "x");
+        writeFile(source() / "texts" / "bad\xFF.txt", "x");
+        fs::create_symlink("p1.jpg", source() / "link.jpg");
+        ASSERT_EQ(runProgram({"mkfifo", platform::toUtf8(source() / "pipe.jpg")}), 0);
+        ++files;
+    }
+    const Ran first = import(); // lays the file down, too
+    ASSERT_EQ(first.code, 0) << first.err;
+    EXPECT_EQ(numbersOf(first), (std::vector{3, files, files, 0, 0, 0}));
+    EXPECT_EQ(json::parse(first.out)["odd"], onPosix ? 1 : 0);
+    const json expected{{"Album", 3},        {"AlbumLocalVersion", 0},         {"GalleryFile", files},
+                        {"DownloadTask", 0}, {"TransferCompleteCloudTask", 0}, {"UploadTask", 0}};
+    EXPECT_EQ(counts(), expected);
+    EXPECT_EQ(numbersOf(import()), (std::vector{3, files, 0, files, 0, 0}));
+    EXPECT_EQ(counts(), expected);
+
+    const json film = shown("film.mp4");
+    expectColumns(film, gallery, "GalleryFile");
+    EXPECT_EQ(film["Size"], 18);
+    EXPECT_EQ(film["LocalPath"], platform::toUtf8(fs::canonical(source()) / "2024" / "deep" / "film.mp4"));
+    EXPECT_EQ(SqliteFile(file(gallery)).query("SELECT AlbumName, Lpath FROM Album ORDER BY Lpath"),
+              (Rows{{"'source'", "'/'"}, {"'2024'", "'/2024'"}, {"'deep'", "'/2024/deep'"}}));
+    EXPECT_EQ(value(gallery, "SELECT COUNT(DISTINCT Hash) FROM GalleryFile"), std::to_string(files));
+
+    // A changed file is written again, keeps what the client knows of it, and takes its new hash.
+    change(gallery, "UPDATE GalleryFile SET FileId = 'cloud', IsFavorite = 1 WHERE FileName = 'film.mp4'");
+    writeFile(source() / "2024" / "deep" / "film.mp4", "longer than it was");
+    EXPECT_EQ(numbersOf(import()), (std::vector{3, files, 1, files - 1, 0, 0}));
+    const json changed = shown("film.mp4");
+    EXPECT_NE(changed["Hash"], film["Hash"]);
+    EXPECT_EQ(changed["UniqueId"], film["UniqueId"]);
+    EXPECT_EQ(changed["FileId"], "cloud");
+    EXPECT_EQ(changed["IsFavorite"], 1);
+    EXPECT_EQ(counts(), expected);
+
+    // The same names below another folder are other files.
+    fs::create_directories(m_folder.path() / "other" / "2024");
+    fs::copy_file(source() / "p1.jpg", m_folder.path() / "other" / "p1.jpg");
+    EXPECT_EQ(onStore({"gallery", "import", platform::toUtf8(m_folder.path() / "other"), "--gallery", gallery}).code,
+              0);
+    EXPECT_EQ(counts()["GalleryFile"], files + 1);
+    EXPECT_EQ(counts()["Album"], 4);
+    EXPECT_NE(onStore({"gallery", "show", "none", "--gallery", gallery}).err.find("cannot find none"),
+              std::string::npos);
+}
+
+// Triggers that pass over rows stand for what makes a writer fail in silence.
+TEST_F(ToolStores, AnImportTellsWhatDidNotLand)
+{
+    for (const char* name : {"p1.jpg", "p2.jpg", "closed.jpg"}) {
+        writeFile(source() / name, name);
+    }
+    init();
+    const auto refuse = [&](const std::string& table, const std::string& when) {
+        change(gallery,
+               "CREATE TRIGGER refuse" + table + " BEFORE INSERT ON " + table + " WHEN " + when +
+                   " BEGIN SELECT RAISE(IGNORE); END;");
+    };
+    refuse("GalleryFile", "NEW.FileName = 'p2.jpg'");
+    refuse("Album", "1");
+    int lost = 0;
+    if constexpr (onPosix) {
+        fs::permissions(source() / "closed.jpg", fs::perms::none);
+        lost = 1;
+    }
+    const Ran ran = import(withoutPrivileges());
+    EXPECT_EQ(ran.code, 1);
+    EXPECT_EQ(numbersOf(ran), (std::vector{1, 3 - lost, 2 - lost, 0, 2, lost})) << ran.err;
+    EXPECT_NE(ran.err.find("2 rows are not in the store"), std::string::npos) << ran.err;
+    EXPECT_EQ(ran.err.find("closed.jpg: cannot be read") != std::string::npos, onPosix) << ran.err;
+
+    change(gallery, "DROP TRIGGER refuseGalleryFile; DELETE FROM GalleryFile;");
+    refuse("GalleryFile", "1");
+    const Ran none = import();
+    EXPECT_EQ(none.code, 1);
+    EXPECT_NE(none.err.find("none is in the store"), std::string::npos) << none.err;
+}
+
+// FastAccess.dat lacks its newest column and the gallery a table, which the library adds before it reads.
+TEST_F(ToolStores, ShowingChangesNoByte)
+{
+    init();
+    ASSERT_EQ(onStore({"shortcuts", "add", "--title", "x"}).code, 0);
+    change("FastAccess.dat", "ALTER TABLE FastAccess DROP COLUMN Rotate");
+    change(gallery, "DROP TABLE UploadTask");
+    change(gallery,
+           "INSERT INTO GalleryFile SELECT 'u','','','',0,0,'','',0,'',0,'','',0,0,0,'','',0,0,'',0,'','',0,0,"
+           "'','','',''");
+    change("main.dat", "INSERT INTO UserProperties VALUES('k', 'v')");
+    const fs::path temporary = m_folder.path() / "temporary";
+    fs::create_directories(temporary);
+    const EnvironmentVariable where(onPosix ? "TMPDIR" : "TMP", platform::toUtf8(temporary));
+    const auto before = contents(store());
+    if constexpr (onPosix) {
+        fs::permissions(store(), fs::perms::owner_read | fs::perms::owner_exec);
+    }
+    for (const Arguments& command : {Arguments{"properties", "list"},
+                                     {"properties", "get", "k"},
+                                     {"shortcuts", "list"},
+                                     {"gallery", "counts", "--gallery", gallery},
+                                     {"gallery", "show", "u", "--gallery", gallery}}) {
+        for (const Arguments& starter : {Arguments{}, withoutPrivileges()}) {
+            const Ran ran = onStore(command, starter);
+            EXPECT_EQ(ran.code, 0) << ran.err;
+        }
+        EXPECT_EQ(contents(store()), before) << testing::PrintToString(command);
+    }
+    EXPECT_TRUE(counts()["UploadTask"].is_null());
+    EXPECT_EQ(counts()["Album"], 0);
+    EXPECT_TRUE(fs::is_empty(temporary));
+    if constexpr (onPosix) {
+        const Ran refused = onStore({"properties", "set", "k", "w"}, withoutPrivileges());
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_NE(refused.err.find("warning: main.dat: "), std::string::npos) << refused.err;
+        EXPECT_EQ(import(withoutPrivileges()).code, 1);
+        fs::permissions(store(), fs::perms::owner_all);
+        EXPECT_EQ(contents(store()), before);
+    }
+}
+
+TEST_F(ToolStores, ResetAsksAndDropsWhatItSays)
+{
+    init();
+    writeFile(source() / "p.jpg", "x");
+    ASSERT_EQ(import().code, 0);
+    ASSERT_EQ(onStore({"properties", "set", "k", "v"}).code, 0);
+    const auto before = contents(store());
+    for (const Arguments& command :
+         {Arguments{"reset", "--gallery", gallery}, {"reset", "--all"}, {"properties", "remove-all"}}) {
+        const Ran ran = onStore(command);
+        EXPECT_EQ(ran.code, 2);
+        EXPECT_NE(ran.err.find("--yes"), std::string::npos) << ran.err;
+    }
+    if constexpr (onPosix) {
+        const Ran refused = answer("n", {"reset", "--all"});
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_NE(refused.out.find("main.dat (6 tables, 1 row)"), std::string::npos) << refused.out;
+        EXPECT_NE(refused.out.find("nothing has been changed"), std::string::npos) << refused.out;
+        EXPECT_EQ(contents(store()), before);
+        EXPECT_EQ(answer("y", {"properties", "remove-all"}).code, 0);
+        EXPECT_EQ(rows({"properties", "list"}).size(), 0U);
+    }
+
+    EXPECT_EQ(rows({"reset", "--gallery", gallery, "--yes"}),
+              (std::vector{json{{"file", gallery}, {"tables", 6}, {"rows", 2}}}));
+    EXPECT_TRUE(counts()["GalleryFile"].is_null());
+    EXPECT_EQ(value("main.dat", "SELECT COUNT(*) FROM sqlite_master WHERE name = 'UserProperties'"), "1");
+
+    change("more.dat", "CREATE TABLE plain(x); CREATE TABLE \"two words\"(x);");
+    change("kept.DAT", "CREATE TABLE plain(x)");
+    writeFile(file("text.dat"), "this is no database, but long enough for one");
+    const Ran all = onStore({"--json", "reset", "--all", "--yes"});
+    EXPECT_EQ(all.code, 1);
+    EXPECT_NE(all.out.find(R"({"file":"more.dat","tables":1,"rows":0})"), std::string::npos) << all.out;
+    EXPECT_NE(all.err.find("1 table is still there"), std::string::npos) << all.err;
+    EXPECT_NE(all.err.find("text.dat"), std::string::npos) << all.err;
+    EXPECT_EQ(value("kept.DAT", "SELECT COUNT(*) FROM sqlite_master"), "1");
+    fs::remove(file("more.dat"));
+    fs::remove(file("text.dat"));
+    for (const json& line : rows({"reset", "--all", "--yes"})) {
+        EXPECT_EQ(line["tables"], 0);
+    }
+    EXPECT_EQ(onStore({"properties", "list"}).code, 1);
+    init();
+    EXPECT_EQ(rows({"properties", "list"}).size(), 0U);
+}
+
+} // namespace
