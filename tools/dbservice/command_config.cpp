@@ -2,7 +2,7 @@
 #include "databaseservice/driveconftable.h"
 #include "databaseservice/drivefulltask.h"
 #include "displaytext.h"
-#include "drivefields.h"
+#include "recordfields.h"
 #include "session.h"
 #include "table.h"
 
@@ -11,24 +11,19 @@
 #include <array>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
-#include <variant>
+#include <vector>
 
 namespace dbservice {
 
 using DatabaseService::DriveConfTable;
 using DatabaseService::DriveFullTask;
-using DatabaseService::int64;
 using nlohmann::ordered_json;
 
 namespace {
 
-template <typename Record> struct Field {
-    const char* name;
-    std::variant<std::string Record::*, int64 Record::*, std::int32_t Record::*> member;
-};
-
-using Conf = Field<DriveConfTable>;
+using Conf = MemberField<DriveConfTable>;
 constexpr std::array confFields{
     Conf{"id", &DriveConfTable::id},
     Conf{"isFirstStart", &DriveConfTable::isFirstStart},
@@ -55,7 +50,7 @@ constexpr std::array confFields{
     Conf{"lostFileQueryCursor", &DriveConfTable::lostFileQueryCursor},
 };
 
-using Task = Field<DriveFullTask>;
+using Task = MemberField<DriveFullTask>;
 constexpr std::array taskFields{
     Task{"fileId", &DriveFullTask::fileId}, Task{"cursor", &DriveFullTask::cursor},
     Task{"state", &DriveFullTask::state},   Task{"updateTime", &DriveFullTask::updateTime},
@@ -63,57 +58,43 @@ constexpr std::array taskFields{
     Task{"data3", &DriveFullTask::data3},   Task{"data4", &DriveFullTask::data4},
 };
 
-template <typename Record, std::size_t size>
-ordered_json jsonOf(const Record& record, const std::array<Field<Record>, size>& fields)
-{
-    ordered_json json;
-    for (const Field<Record>& field : fields) {
-        std::visit([&](auto member) { json[field.name] = record.*member; }, field.member);
-    }
-    return json;
-}
-
-/// Empty for a value that is 0 or empty.
-std::string readable(const ordered_json& value)
-{
-    return value.is_string() ? value.get<std::string>() : value == 0 ? "" : std::to_string(value.get<int64>());
-}
-
-void print(const ordered_json& conf, const ordered_json& tasks, bool all)
+void print(const std::optional<DriveConfTable>& conf, const std::vector<DriveFullTask>& tasks, bool all)
 {
     const int width = Session::outputWidth();
-    if (conf.is_null()) {
-        std::cout << "No configuration\n";
+    if (conf) {
+        toTable(confFields, *conf, all).print(std::cout, width);
     } else {
-        Table table({{"Field"}, {"Value"}});
-        for (const auto& [name, value] : conf.items()) {
-            if (const std::string text = readable(value); all || !text.empty()) {
-                table.add({name, text});
-            }
-        }
-        table.print(std::cout, width);
+        std::cout << "No configuration\n";
     }
     std::cout << counted(static_cast<std::int64_t>(tasks.size()), "full task", "full tasks") << '\n';
     if (!tasks.empty()) {
         Table table({{"State", Table::Align::Right}, {"Updated", Table::Align::Right}, {"Folder"}, {"Cursor"}});
-        for (const ordered_json& task : tasks) {
-            table.add({task["state"].dump(), task["updateTime"].dump(), task["fileId"], task["cursor"]});
+        for (const DriveFullTask& task : tasks) {
+            table.add({std::to_string(task.state), std::to_string(task.updateTime), task.fileId, task.cursor});
         }
         table.print(std::cout, width);
     }
+}
+
+void printJson(const std::optional<DriveConfTable>& conf, const std::vector<DriveFullTask>& tasks)
+{
+    ordered_json json;
+    json["DriveConfTable"] = conf ? toJson(confFields, *conf) : ordered_json();
+    json["DriveFullTask"] = ordered_json::array();
+    for (const DriveFullTask& task : tasks) {
+        json["DriveFullTask"].push_back(toJson(taskFields, task));
+    }
+    std::cout << toLine(json) << '\n';
 }
 
 int config(Session& session, bool all)
 {
     DatabaseService::DriverDBProvider& drive = session.readDrive();
     const auto [found, record] = drive.GetDriverConfItem();
-    const ordered_json conf = found ? jsonOf(record, confFields) : ordered_json();
-    ordered_json tasks = ordered_json::array();
-    for (const DriveFullTask& task : drive.GetFullTask()) {
-        tasks.push_back(jsonOf(task, taskFields));
-    }
+    const std::optional<DriveConfTable> conf = found ? std::optional(record) : std::nullopt;
+    const std::vector<DriveFullTask> tasks = drive.GetFullTask();
     if (session.json()) {
-        std::cout << toLine({{"DriveConfTable", conf}, {"DriveFullTask", tasks}}) << '\n';
+        printJson(conf, tasks);
     } else {
         print(conf, tasks, all);
     }

@@ -125,13 +125,7 @@ int show(Session& session, const GalleryOptions& options)
         std::cout << toLine(toJson(fileFields, row)) << '\n';
         return 0;
     }
-    Table table({{"Field"}, {"Value"}});
-    forEachField(fileFields, row, [&](const char* name, const std::string& value) {
-        if (options.all || !value.empty()) {
-            table.add({name, value});
-        }
-    });
-    table.print(std::cout, Session::outputWidth());
+    toTable(fileFields, row, options.all).print(std::cout, Session::outputWidth());
     return 0;
 }
 

@@ -36,12 +36,7 @@ int stat(Session& session, const StatOptions& options)
         std::cout << toLine(json) << '\n';
         return 0;
     }
-    Table table({{"Field"}, {"Value"}});
-    forEachField(row, [&](const std::string& name, const std::string& value) {
-        if (options.all || !value.empty()) {
-            table.add({name, value});
-        }
-    });
+    Table table = toTable(row, options.all);
     table.add({"subtree", counted(subtree, "row", "rows")});
     table.print(std::cout, Session::outputWidth());
     return 0;

@@ -74,9 +74,9 @@ nlohmann::ordered_json toJson(const Row& row)
     return toJson(fields, row);
 }
 
-void forEachField(const Row& row, const std::function<void(const std::string& name, const std::string& value)>& visit)
+Table toTable(const Row& row, bool all)
 {
-    forEachField(fields, row, visit);
+    return toTable(fields, row, all);
 }
 
 } // namespace dbservice

@@ -3,16 +3,12 @@
 #include "databaseservice/drivedatatable.h"
 #include "recordfields.h"
 
-#include <functional>
-#include <string>
-
 namespace dbservice {
 
 /// The record with its stored columns as keys, in the order of the table.
 nlohmann::ordered_json toJson(const DatabaseService::DriveDataTable& row);
 
-/// Calls `visit` for each stored column with the value as a person reads it, empty for a value that is 0 or empty.
-void forEachField(const DatabaseService::DriveDataTable& row,
-                  const std::function<void(const std::string& name, const std::string& value)>& visit);
+/// The same for a person; columns that are empty or 0 only with `all`.
+Table toTable(const DatabaseService::DriveDataTable& row, bool all);
 
 } // namespace dbservice

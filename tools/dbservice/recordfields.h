@@ -1,12 +1,14 @@
 #pragma once
 
 #include "databaseservice/integers.h"
+#include "table.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <variant>
 
 namespace dbservice {
@@ -38,15 +40,18 @@ template <class Fields, class Record> nlohmann::ordered_json toJson(const Fields
     return json;
 }
 
-/// Calls `visit` with each name and the value as a person reads it.
-template <class Fields, class Record, class Visit>
-void forEachField(const Fields& fields, const Record& record, const Visit& visit)
+/// The stored columns of a record and their values, one below the other; those that are empty or 0 only with `all`.
+template <class Fields, class Record> Table toTable(const Fields& fields, const Record& record, bool all)
 {
+    Table table({{"Field"}, {"Value"}});
     for (const auto& field : fields) {
-        visit(
-            field.name,
-            std::visit([&](auto source) { return readable(std::invoke(source, record), field.shown); }, field.source));
+        std::string value =
+            std::visit([&](auto source) { return readable(std::invoke(source, record), field.shown); }, field.source);
+        if (all || !value.empty()) {
+            table.add({field.name, std::move(value)});
+        }
     }
+    return table;
 }
 
 /// One line of JSON, with anything repaired that is not UTF-8.
