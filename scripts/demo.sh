@@ -12,6 +12,7 @@ demo=build/demo
 store=$demo/store
 tree=$demo/tree
 tree_store=$demo/tree-store
+pictures=$demo/pictures
 
 say() { printf '\n# %s\n' "$*"; }
 
@@ -37,6 +38,21 @@ copy_without_contents()
 
 # The folders at the top, the one with the most entries in its whole subtree first.
 top_folders() { find "$tree" -mindepth 1 -maxdepth 1 -type d -exec du --inodes -s {} + | sort -rn | cut -f2; }
+
+# Up to 500 of the pictures, with their folders; a few made-up files where there are none.
+collect_pictures()
+{
+    mkdir -p "$pictures"
+    { find "$source" -type f -size -1000k \( -name '*.png' -o -name '*.jpg' \) -readable -printf '%P\0' 2>/dev/null ||
+        true; } | sort -z | perl -0 -ne 'print if $. <= 500' |
+        { cd "$source" && xargs -0r cp --parents --preserve=timestamps -t "$OLDPWD/$pictures" 2>/dev/null || true; }
+    if [ -z "$(ls -A "$pictures")" ]; then
+        mkdir "$pictures/2024"
+        for name in beach.jpg 2024/sunrise.jpg 2024/sunset.mp4; do
+            echo "made up: $name" >"$pictures/$name"
+        done
+    fi
+}
 
 # The folder with the most entries of its own, as the store names it.
 fullest_folder()
@@ -101,3 +117,22 @@ run "$program" --folder "$tree_store" restore "$album/photo-3.jpg"
 say 'What lists show meanwhile, and what waits:'
 run "$program" --folder "$tree_store" ls "$album"
 run "$program" --folder "$tree_store" pending
+
+say 'Beside the drive lie the other stores; init makes what is missing of them.'
+run "$program" --folder "$tree_store" init --gallery gallery.dat
+say "The client's settings and its shortcuts:"
+run "$program" --folder "$tree_store" properties set SyncCloudFolder "$tree"
+run "$program" --folder "$tree_store" properties set greeting "it's \"写真\""
+run "$program" --folder "$tree_store" properties list
+run "$program" --folder "$tree_store" shortcuts add --title Sunrise --path "$album/best/sunrise.jpg" --index 2
+run "$program" --folder "$tree_store" shortcuts add --title Best --tip 'The best ones' --path "$album/best" --index 1
+run "$program" --folder "$tree_store" shortcuts remove 2
+run "$program" --folder "$tree_store" shortcuts list
+
+collect_pictures
+say 'Pictures become rows of the gallery, an album per folder; a second import reads only what changed.'
+run "$program" --folder "$tree_store" gallery import "$pictures" --gallery gallery.dat
+run "$program" --folder "$tree_store" gallery import "$pictures" --gallery gallery.dat
+run "$program" --folder "$tree_store" gallery counts --gallery gallery.dat
+say 'And its tables go again.'
+run "$program" --folder "$tree_store" reset --gallery gallery.dat --yes

@@ -165,7 +165,8 @@ TEST_F(ToolStores, PropertiesGoInAndComeOutAsTheyAre)
                                          "two\nlines\t",
                                          "'; DROP TABLE UserProperties; --",
                                          "",
-                                         "list"};
+                                         "list",
+                                         "[a,b]"};
     for (const std::string& text : texts) {
         SCOPED_TRACE(text);
         EXPECT_EQ(onStore({"properties", "set", "--", text, "first"}).code, 0);
@@ -264,8 +265,11 @@ TEST_F(ToolStores, AGalleryIsImportedOnceAndBroughtUpToDate)
               (Rows{{"'source'", "'/'"}, {"'2024'", "'/2024'"}, {"'deep'", "'/2024/deep'"}}));
     EXPECT_EQ(value(gallery, "SELECT COUNT(DISTINCT Hash) FROM GalleryFile"), std::to_string(files));
 
-    // A changed file is written again, keeps what the client knows of it, and takes its new hash.
-    change(gallery, "UPDATE GalleryFile SET FileId = 'cloud', IsFavorite = 1 WHERE FileName = 'film.mp4'");
+    // An album stays as the client left it. A changed file is written again, keeps what the client knows of it, and
+    // takes its new hash.
+    change(gallery,
+           "UPDATE GalleryFile SET FileId = 'cloud', IsFavorite = 1 WHERE FileName = 'film.mp4';"
+           "UPDATE Album SET AlbumType = 'own' WHERE AlbumName = 'deep'");
     writeFile(source() / "2024" / "deep" / "film.mp4", "longer than it was");
     EXPECT_EQ(numbersOf(import()), (std::vector{3, files, 1, files - 1, 0, 0}));
     const json changed = shown("film.mp4");
@@ -273,6 +277,7 @@ TEST_F(ToolStores, AGalleryIsImportedOnceAndBroughtUpToDate)
     EXPECT_EQ(changed["UniqueId"], film["UniqueId"]);
     EXPECT_EQ(changed["FileId"], "cloud");
     EXPECT_EQ(changed["IsFavorite"], 1);
+    EXPECT_EQ(value(gallery, "SELECT COUNT(*) FROM Album WHERE AlbumType = 'own'"), "1");
     EXPECT_EQ(counts(), expected);
 
     // The same names below another folder are other files.

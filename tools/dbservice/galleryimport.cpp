@@ -79,13 +79,16 @@ void GalleryImport::import(const Folder& folder)
     if (entries->empty()) {
         m_done += share;
     }
-    if (isAlbum) {
+    if (!isAlbum) {
+        return;
+    }
+    ++m_counts.albums;
+    if (m_store.number("SELECT COUNT(*) FROM Album WHERE AlbumId = '" + albumId + "'") == 0) {
         AlbumTable& album = m_albums.emplace_back();
         album.AlbumId = albumId;
         album.AlbumName = folder.name;
         album.CreateTime = wholeSeconds(folder.created);
         album.Lpath = albumPath(folder.path);
-        ++m_counts.albums;
     }
 }
 

@@ -16,8 +16,9 @@ class Session;
 /// for each folder that holds any.
 ///
 /// Files are written in batches; what has not changed since the last import is neither read nor written. After each
-/// batch the store is asked which rows landed, since its writers are silent about the others. A row that was there
-/// keeps what an import knows nothing of. Rows whose file is gone stay: the store offers no way to remove them.
+/// batch the store is asked which rows landed, since its writers are silent about the others. A file's row that was
+/// there keeps what an import knows nothing of, and an album stays as it is. Rows whose file is gone stay: the store
+/// offers no way to remove them.
 class GalleryImport {
 public:
     struct Counts {
