@@ -56,7 +56,7 @@ set(UTF8PROC_LIBRARY utf8proc CACHE STRING "Made by the cross-build")
 # Libraries that are headers alone are the same for every system. Links keep the rest of /usr/include out of sight.
 set(headers ${packages}/include)
 file(MAKE_DIRECTORY ${headers})
-foreach(header IN ITEMS CLI fmt nlohmann spdlog xxh3.h xxhash.h)
+foreach(header IN ITEMS CLI concurrentqueue fmt nlohmann spdlog xxh3.h xxhash.h)
   file(CREATE_LINK /usr/include/${header} ${headers}/${header} SYMBOLIC)
 endforeach()
 foreach(target IN ITEMS CLI11::CLI11 nlohmann_json::nlohmann_json spdlog::spdlog_header_only)
@@ -64,6 +64,7 @@ foreach(target IN ITEMS CLI11::CLI11 nlohmann_json::nlohmann_json spdlog::spdlog
   target_include_directories(${target} SYSTEM INTERFACE ${headers})
 endforeach()
 target_compile_definitions(spdlog::spdlog_header_only INTERFACE SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
+set(CONCURRENTQUEUE_INCLUDE_DIR ${headers}/concurrentqueue CACHE PATH "Made by the cross-build")
 set(XXHASH_INCLUDE_DIR ${headers} CACHE PATH "Made by the cross-build")
 mark_as_found(CLI11 nlohmann_json spdlog)
 

@@ -10,8 +10,11 @@ set(header_folders ${PROJECT_SOURCE_DIR}/infrastructure ${PROJECT_BINARY_DIR}/in
 set(clientservices_headers
   cloudlogger.h
   globalparamwrapper.h
+  korvthread.h
   korvwritelog.h
   logsinks.h
+  modulebase.h
+  msgthreadability.h
 )
 list(TRANSFORM clientservices_headers PREPEND ${PROJECT_SOURCE_DIR}/infrastructure/clientservices/)
 target_sources(clientservices PUBLIC FILE_SET HEADERS BASE_DIRS ${header_folders} FILES
@@ -34,6 +37,7 @@ set(databaseservice_headers
   driverdbprovider.h
   driverdbproviderbase.h
   dropalltables.h
+  fastaccessdbmodule.h
   fastaccessdbprovider.h
   fastaccesstable.h
   gallerydbprovider.h
@@ -42,6 +46,10 @@ set(databaseservice_headers
   keptconnections.h
   maindatabaseprovider.h
   maindbsqlprovider.h
+  transdbconn.h
+  transdbconnthread.h
+  transferrecords.h
+  transmissiondbmodule.h
   userlog.h
   userproperties.h
   version.h

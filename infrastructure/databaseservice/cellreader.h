@@ -93,6 +93,13 @@ public:
         }
     }
 
+    void nextText(std::wstring& out)
+    {
+        std::string utf8;
+        nextText(utf8);
+        out = platform::toWide(utf8);
+    }
+
 private:
     /// The declared type is compared whole and with regard to case; an expression has none.
     Kind kindOfNull() const

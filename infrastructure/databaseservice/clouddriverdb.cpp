@@ -2,6 +2,7 @@
 
 #include "clientservices/globalparamwrapper.h"
 #include "clientservices/korvwritelog.h"
+#include "databaseservice/addresses.h"
 #include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
 
@@ -87,11 +88,6 @@ bool appendTime(std::string& sql, const char* comparison, int64 time)
 {
     const std::string format = std::string(" recycledTime ") + comparison + " %" PRIu64 " ";
     return appendFormatted(sql, format.c_str(), static_cast<uint64>(time));
-}
-
-template <class Result> int64 addressOf(Result& result)
-{
-    return static_cast<int64>(reinterpret_cast<std::intptr_t>(&result));
 }
 
 } // namespace
@@ -280,7 +276,7 @@ bool CloudDriverDb::GetFirstSyncFolder(DriveFullTask& out)
     QuerySqlResult(
         "select fileId,cursor,state,updateTime,data1,data2,data3,data4 from DriveFolderSync order by updateTime desc "
         "limit 1",
-        [this](sqlite3_stmt*& statement, int64 context) { GetFolderResult(statement, context); }, addressOf(rows));
+        [this](sqlite3_stmt*& statement, int64 context) { GetFolderResult(statement, context); }, addressOf(&rows));
     if (rows.empty()) {
         return false;
     }
@@ -382,7 +378,7 @@ void CloudDriverDb::Collect(const std::string& sql, std::vector<DriveDataTable>&
 {
     QuerySqlResult(
         sql.c_str(), [this](sqlite3_stmt*& statement, int64 context) { GetAllResult(statement, context); },
-        addressOf(out));
+        addressOf(&out));
 }
 
 int64 CloudDriverDb::Count(const std::string& conditions)

@@ -1,6 +1,7 @@
 #include "databaseservice/commonsqlitedb.h"
 
 #include "clientservices/korvwritelog.h"
+#include "databaseservice/addresses.h"
 #include "databaseservice/keepconnection.h"
 #include "platform/text.h"
 
@@ -219,7 +220,7 @@ int64 CommonSqliteDb::QueryTotalCount(const char* sql, int64 value)
 {
     QuerySqlResult(
         sql, [this](sqlite3_stmt*& statement, int64 context) { GetQueryResult(statement, context); },
-        static_cast<int64>(reinterpret_cast<std::intptr_t>(&value)));
+        addressOf(&value));
     return value;
 }
 

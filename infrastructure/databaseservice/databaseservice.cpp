@@ -4,6 +4,7 @@
 #include "databaseservice/fastaccessdbprovider.h"
 #include "databaseservice/gallerydbprovider.h"
 #include "databaseservice/maindatabaseprovider.h"
+#include "databaseservice/transdbconn.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 
@@ -76,6 +77,12 @@ void ResetDataBase(const std::wstring& folder, std::wstring galleryDbName)
     checkFolder(folder, galleryDbName);
     g_userDataBaseFolder = folder;
     GalleryDBProvider::ResetGalleryDatabase(galleryDbName);
+}
+
+void ResetDataBaseChangeUser(const std::wstring& folder)
+{
+    checkFolder(folder);
+    TransmissionDB::TransDbConn::DeleteTable(folder);
 }
 
 } // namespace DatabaseService

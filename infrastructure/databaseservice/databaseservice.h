@@ -27,4 +27,9 @@ DATABASESERVICE_EXPORT void InitDataBase(const std::wstring& folder, std::wstrin
 /// stores are not touched.
 DATABASESERVICE_EXPORT void ResetDataBase(const std::wstring& folder, std::wstring galleryDbName);
 
+/// Drops the tables of the transfer store, for a change of user; they come back with the next log-in, or the next read
+/// through `TransDbConn`. `folder` is tested and nothing else, `g_userDataBaseFolder` stays as it is, and other stores
+/// are not touched. What is posted to `TransmissionDBModule` and not yet written comes later.
+DATABASESERVICE_EXPORT void ResetDataBaseChangeUser(const std::wstring& folder);
+
 } // namespace DatabaseService

@@ -52,14 +52,14 @@ void DriverDBProviderBase::CreateDriveDataTable()
 
 void DriverDBProviderBase::CreateIndexOnDriveDataTable()
 {
-    static const std::array<std::pair<std::string, std::string>, 6> indexes{{
+    static const auto& indexes = neverDestroyed(std::array<std::pair<std::string, std::string>, 6>{{
         {"nameIndex", "name COLLATE " + GetNameCompareName()},
         {"mimeTypeIndex", "mimeType"},
         {"sizeIndex", "size"},
         {"modifiedTimeIndex", "modifiedTime"},
         {"fileExtSignIndex", "fileExtSign"},
         {"parentIdIndex", "parentId"},
-    }};
+    }});
     for (const auto& [name, column] : indexes) {
         Execute("CREATE INDEX IF NOT EXISTS " + name + " ON DriveDataTable (" + column + ");");
     }

@@ -34,51 +34,51 @@ Statement<DriveDataTable> markerOf(const ColumnList<DriveDataTable>& columns)
 
 bool DriverDBProviderBase::NewDirDriveDataById(const std::vector<DriveDataTable>& records)
 {
-    static const auto update =
-        updateStatement("UPDATE DriveDataTable", newFolderColumns, "WHERE fileId = :helpData;", helpDataKey);
+    static const auto& update = neverDestroyed(
+        updateStatement("UPDATE DriveDataTable", newFolderColumns, "WHERE fileId = :helpData;", helpDataKey));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UploadDriveDataById(const std::vector<DriveDataTable>& records)
 {
-    static const auto update =
-        updateStatement("UPDATE DriveDataTable", uploadColumns, "WHERE fileId = :fileId;", Drive::key);
+    static const auto& update =
+        neverDestroyed(updateStatement("UPDATE DriveDataTable", uploadColumns, "WHERE fileId = :fileId;", Drive::key));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::RenameDriveDataById(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = markerOf(renameColumns);
+    static const auto& update = neverDestroyed(markerOf(renameColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::MoveDriveDataToParent(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = markerOf(moveColumns);
+    static const auto& update = neverDestroyed(markerOf(moveColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::SoftDeleteDriveDataById(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = markerOf(softDeleteColumns);
+    static const auto& update = neverDestroyed(markerOf(softDeleteColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::HardDeleteDriveDataById(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = markerOf(hardDeleteColumns);
+    static const auto& update = neverDestroyed(markerOf(hardDeleteColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::RestoreDriveDataById(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = markerOf(restoreColumns);
+    static const auto& update = neverDestroyed(markerOf(restoreColumns));
     WriteRecords(update, records);
     return true;
 }

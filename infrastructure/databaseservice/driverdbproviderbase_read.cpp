@@ -1,3 +1,4 @@
+#include "databaseservice/addresses.h"
 #include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
 #include "databaseservice/firstcell.h"
@@ -30,8 +31,8 @@ struct Page {
 
 DriveDataTable DriverDBProviderBase::GetDriveDataById(std::string fileId)
 {
-    static const auto select = statementOf<std::string>(
-        selectText(columnsWithoutKey, "FROM DriveDataTable WHERE fileId = :fileId ;"), ":fileId");
+    static const auto& select = neverDestroyed(statementOf<std::string>(
+        selectText(columnsWithoutKey, "FROM DriveDataTable WHERE fileId = :fileId ;"), ":fileId"));
     std::vector<DriveDataTable> rows;
     auto key = oneValue(select, fileId);
     ReadRecords(select.sql, &key, columnsWithoutKey, rows);
@@ -44,7 +45,7 @@ DriveDataTable DriverDBProviderBase::GetDriveDataById(std::string fileId)
 
 std::vector<DriveDataTable> DriverDBProviderBase::GetALLDriveData()
 {
-    static const std::string select = selectText(allColumns, "FROM DriveDataTable;");
+    static const auto& select = neverDestroyed(selectText(allColumns, "FROM DriveDataTable;"));
     std::vector<DriveDataTable> rows;
     ReadRecords(select, nullptr, allColumns, rows);
     return rows;
@@ -52,8 +53,8 @@ std::vector<DriveDataTable> DriverDBProviderBase::GetALLDriveData()
 
 std::vector<DriveDataTable> DriverDBProviderBase::GetDriveDataByParentId(std::string parentId)
 {
-    static const auto select = statementOf<std::string>(
-        selectText(allColumns, "FROM DriveDataTable WHERE parentId = :parentId;"), ":parentId");
+    static const auto& select = neverDestroyed(statementOf<std::string>(
+        selectText(allColumns, "FROM DriveDataTable WHERE parentId = :parentId;"), ":parentId"));
     std::vector<DriveDataTable> rows;
     auto parent = oneValue(select, parentId);
     ReadRecords(select.sql, &parent, allColumns, rows);
@@ -62,7 +63,7 @@ std::vector<DriveDataTable> DriverDBProviderBase::GetDriveDataByParentId(std::st
 
 std::vector<DriveDataTable> DriverDBProviderBase::GetDriveDataByWhereSql(std::string where, DatabaseBindParameter& bind)
 {
-    static const std::string select = selectText(allColumns, "FROM DriveDataTable WHERE ");
+    static const auto& select = neverDestroyed(selectText(allColumns, "FROM DriveDataTable WHERE "));
     std::vector<DriveDataTable> rows;
     std::list<DatabaseBindParameter> copy{bind};
     ParameterListSource values(copy);
@@ -85,14 +86,14 @@ std::vector<std::shared_ptr<DriveDataTable>> DriverDBProviderBase::GetFileMetada
 void DriverDBProviderBase::GetFileMetadataByRawSQL(void* context, std::function<bool(uint64, int64)> visit)
 {
     for (const DriveDataTable& record : GetALLDriveData()) {
-        visit(reinterpret_cast<std::uintptr_t>(context), static_cast<int64>(reinterpret_cast<std::intptr_t>(&record)));
+        visit(reinterpret_cast<std::uintptr_t>(context), addressOf(&record));
     }
 }
 
 std::vector<std::string> DriverDBProviderBase::GetDriveDataNameByFieldId(const std::vector<std::string>& ids)
 {
-    static const auto select =
-        statementOf<std::string>("SELECT name FROM DriveDataTable WHERE fileId = :fileId;", ":fileId");
+    static const auto& select =
+        neverDestroyed(statementOf<std::string>("SELECT name FROM DriveDataTable WHERE fileId = :fileId;", ":fileId"));
     std::vector<std::string> names;
     WithStatement(select.sql, [&](sqlite3_stmt* statement) {
         for (const std::string& id : ids) {
@@ -122,7 +123,7 @@ std::vector<bool> DriverDBProviderBase::CheckWhetherFileIdExistsInDriveData(cons
 
 bool DriverDBProviderBase::CheckWhetherFileIdExistsInDriveData(const std::wstring& id, sqlite3_stmt* statement)
 {
-    static const auto parameter = statementOf<std::wstring>({}, ":fileId");
+    static const auto& parameter = neverDestroyed(statementOf<std::wstring>({}, ":fileId"));
     auto key = oneValue(parameter, id);
     FirstCell count;
     Execute(nullptr, statement, {}, &key, &count);
@@ -163,11 +164,12 @@ bool DriverDBProviderBase::GetFolderSubFile(const std::string& parentId, std::ve
                                             const unsigned& startPos)
 {
     // The lower case of the second column and the text '0' stand in the statement as the client has always sent it.
-    static const Statement<Page> select{"SELECT fileId, mimetype FROM DriveDataTable WHERE parentId = :parentId AND "
-                                        "recycled='0' LIMIT :selNums OFFSET :startPos",
-                                        {{":parentId", &bindMember<&Page::parentId>},
-                                         {":selNums", &bindMember<&Page::count>},
-                                         {":startPos", &bindMember<&Page::start>}}};
+    static const auto& select =
+        neverDestroyed(Statement<Page>{"SELECT fileId, mimetype FROM DriveDataTable WHERE parentId = :parentId AND "
+                                       "recycled='0' LIMIT :selNums OFFSET :startPos",
+                                       {{":parentId", &bindMember<&Page::parentId>},
+                                        {":selNums", &bindMember<&Page::count>},
+                                        {":startPos", &bindMember<&Page::start>}}});
     const Page page{parentId, selNums, startPos};
     auto values = oneValue(select, page);
     RowFunction sort([&](CellReader& cells) {
@@ -184,12 +186,12 @@ bool DriverDBProviderBase::GetFolderSubFile(const std::string& parentId, std::ve
 bool DriverDBProviderBase::GetSourcesFolder(const std::unordered_set<std::string>& sources,
                                             std::unordered_set<std::string>& folders)
 {
-    static const auto select = statementOf<std::string>(
+    static const auto& select = neverDestroyed(statementOf<std::string>(
         "WITH RECURSIVE items(fileId, mimeType) AS ( SELECT fileId, mimeType FROM DriveDataTable WHERE fileId = "
         ":fileId UNION ALL SELECT DriveDataTable.fileId, DriveDataTable.mimeType FROM DriveDataTable JOIN items ON "
         "DriveDataTable.parentId = items.fileId) SELECT fileId FROM items WHERE mimeType = "
         "'application/vnd.tessix-apps.folder'",
-        ":fileId");
+        ":fileId"));
     RowFunction insert([&](CellReader& cells) {
         std::string id;
         cells.nextText(id);
@@ -204,11 +206,11 @@ bool DriverDBProviderBase::GetSourcesFolder(const std::unordered_set<std::string
 
 int DriverDBProviderBase::GetFilesChildNodeCount(const std::string& fileId)
 {
-    static const auto select = statementOf<std::string>(
+    static const auto& select = neverDestroyed(statementOf<std::string>(
         "WITH RECURSIVE items(fileId, recycled) AS ( SELECT fileId, recycled FROM DriveDataTable WHERE fileId = "
         ":fileId UNION ALL SELECT DriveDataTable.fileId, DriveDataTable.recycled FROM DriveDataTable JOIN items ON "
         "DriveDataTable.parentId = items.fileId) SELECT COUNT(*) FROM items WHERE recycled = '0';",
-        ":fileId");
+        ":fileId"));
     auto key = oneValue(select, fileId);
     return static_cast<int>(ReadNumber(select.sql, &key));
 }

@@ -22,7 +22,7 @@ template <class Value> Statement<std::pair<int, Value>> settingOf(const std::str
 
 void DriverDBProviderBase::InsertDriverConfItem(DriveConfTable& configuration)
 {
-    static const auto insert = insertStatement("INSERT INTO DriveConfTable (", configurationColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO DriveConfTable (", configurationColumns));
     WriteRecords(insert, std::vector{&configuration});
 }
 
@@ -33,7 +33,7 @@ int DriverDBProviderBase::CountDriverConfItem()
 
 std::pair<bool, DriveConfTable> DriverDBProviderBase::GetDriverConfItem()
 {
-    static const std::string select = selectText(configurationColumns, "FROM DriveConfTable;");
+    static const auto& select = neverDestroyed(selectText(configurationColumns, "FROM DriveConfTable;"));
     std::vector<DriveConfTable> rows;
     if (!ReadRecords(select, nullptr, configurationColumns, rows) || rows.empty()) {
         return {};
@@ -43,74 +43,74 @@ std::pair<bool, DriveConfTable> DriverDBProviderBase::GetDriverConfItem()
 
 int DriverDBProviderBase::UpdateIsFirstStartInDriverConf(int id, int value)
 {
-    static const auto update = settingOf<int>("isFirstStart");
+    static const auto& update = neverDestroyed(settingOf<int>("isFirstStart"));
     return WriteRecords(update, std::vector{std::pair(id, value)}) ? 1 : 0;
 }
 
 bool DriverDBProviderBase::UpdateIsFirstStartInDriverConfV2(int id, int value)
 {
-    static const auto update = settingOf<int>("isFirstStart");
+    static const auto& update = neverDestroyed(settingOf<int>("isFirstStart"));
     WriteRecords(update, std::vector{std::pair(id, value)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateRootFileIdInDriverConf(int id, const std::string& fileId)
 {
-    static const auto update = settingOf<std::string>("rootFileId");
+    static const auto& update = neverDestroyed(settingOf<std::string>("rootFileId"));
     WriteRecords(update, std::vector{std::pair(id, fileId)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateLastFullSyncTimestampInDriverConf(int id, const int64& timestamp)
 {
-    static const auto update = settingOf<int64>("lastFullSyncTimestamp");
+    static const auto& update = neverDestroyed(settingOf<int64>("lastFullSyncTimestamp"));
     return WriteRecords(update, std::vector{std::pair(id, timestamp)});
 }
 
 bool DriverDBProviderBase::UpdateLastAutomaticSyncTimestampInDriverConf(int id, const int64& timestamp)
 {
-    static const auto update = settingOf<int64>("lastAutomaticSyncTimestamp");
+    static const auto& update = neverDestroyed(settingOf<int64>("lastAutomaticSyncTimestamp"));
     WriteRecords(update, std::vector{std::pair(id, timestamp)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateLastSubscribeTimestampInDriverConf(int id, const int64& timestamp)
 {
-    static const auto update = settingOf<int64>("lastSubscribeTimestamp");
+    static const auto& update = neverDestroyed(settingOf<int64>("lastSubscribeTimestamp"));
     WriteRecords(update, std::vector{std::pair(id, timestamp)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateStartCursorInDriverConf(int id, const std::string& cursor)
 {
-    static const auto update = settingOf<std::string>("startCursor");
+    static const auto& update = neverDestroyed(settingOf<std::string>("startCursor"));
     WriteRecords(update, std::vector{std::pair(id, cursor)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateFullSyncIntervalInDriverConf(int id, const int64& interval)
 {
-    static const auto update = settingOf<int64>("fullSyncInterval");
+    static const auto& update = neverDestroyed(settingOf<int64>("fullSyncInterval"));
     WriteRecords(update, std::vector{std::pair(id, interval)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateAutomaticSyncIntervalInDriverConf(int id, const int64& interval)
 {
-    static const auto update = settingOf<int64>("automaticSyncInterval");
+    static const auto& update = neverDestroyed(settingOf<int64>("automaticSyncInterval"));
     WriteRecords(update, std::vector{std::pair(id, interval)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateLastLostFileQueryTimestampInDriverConf(int id, const int64& timestamp)
 {
-    static const auto update = settingOf<int64>("lastLostFileQueryTimestamp");
+    static const auto& update = neverDestroyed(settingOf<int64>("lastLostFileQueryTimestamp"));
     return WriteRecords(update, std::vector{std::pair(id, timestamp)});
 }
 
 bool DriverDBProviderBase::UpdateLostFileQueryCursorInDriverConf(int id, const std::string& cursor)
 {
-    static const auto update = settingOf<std::string>("lostFileQueryCursor");
+    static const auto& update = neverDestroyed(settingOf<std::string>("lostFileQueryCursor"));
     return WriteRecords(update, std::vector{std::pair(id, cursor)});
 }
 
@@ -123,22 +123,22 @@ bool DriverDBProviderBase::InsertFullTask(const DriveFullTask& task)
 
 bool DriverDBProviderBase::InsertFullTaskBatch(const std::vector<DriveFullTask>& tasks)
 {
-    static const auto insert = insertStatement("INSERT INTO DriveFullTask (", taskColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO DriveFullTask (", taskColumns));
     WriteRecords(insert, tasks);
     return true;
 }
 
 bool DriverDBProviderBase::RelaceFullTaskBatch(const std::vector<DriveFullTask>& tasks)
 {
-    static const auto replace = insertStatement("REPLACE INTO DriveFullTask (", taskColumns);
+    static const auto& replace = neverDestroyed(insertStatement("REPLACE INTO DriveFullTask (", taskColumns));
     WriteRecords(replace, tasks);
     return true;
 }
 
 DriveFullTask DriverDBProviderBase::GetFullTaskById(std::string fileId)
 {
-    static const auto select =
-        statementOf<std::string>(selectText(taskColumns, "FROM DriveFullTask WHERE fileId = :fileId ;"), ":fileId");
+    static const auto& select = neverDestroyed(
+        statementOf<std::string>(selectText(taskColumns, "FROM DriveFullTask WHERE fileId = :fileId ;"), ":fileId"));
     std::vector<DriveFullTask> rows;
     auto key = oneValue(select, fileId);
     ReadRecords(select.sql, &key, taskColumns, rows);
@@ -147,7 +147,7 @@ DriveFullTask DriverDBProviderBase::GetFullTaskById(std::string fileId)
 
 std::vector<DriveFullTask> DriverDBProviderBase::GetFullTask()
 {
-    static const std::string select = selectText(taskColumns, "FROM DriveFullTask;");
+    static const auto& select = neverDestroyed(selectText(taskColumns, "FROM DriveFullTask;"));
     std::vector<DriveFullTask> rows;
     ReadRecords(select, nullptr, taskColumns, rows);
     return rows;
@@ -155,16 +155,16 @@ std::vector<DriveFullTask> DriverDBProviderBase::GetFullTask()
 
 bool DriverDBProviderBase::UpdateCursorInFullSyncTask(const std::string& fileId, const std::string& cursor)
 {
-    static const auto update = statementOf<std::string, std::string>(
-        "UPDATE DriveFullTask SET cursor = :cursor WHERE fileId = :fileId ;", ":fileId", ":cursor");
+    static const auto& update = neverDestroyed(statementOf<std::string, std::string>(
+        "UPDATE DriveFullTask SET cursor = :cursor WHERE fileId = :fileId ;", ":fileId", ":cursor"));
     WriteRecords(update, std::vector{std::pair(fileId, cursor)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateStateInFullSyncTask(const std::string& fileId, int state)
 {
-    static const auto update = statementOf<std::string, int>(
-        "UPDATE DriveFullTask SET state = :state WHERE fileId = :fileId;", ":fileId", ":state");
+    static const auto& update = neverDestroyed(statementOf<std::string, int>(
+        "UPDATE DriveFullTask SET state = :state WHERE fileId = :fileId;", ":fileId", ":state"));
     WriteRecords(update, std::vector{std::pair(fileId, state)});
     return true;
 }
@@ -188,7 +188,8 @@ bool DriverDBProviderBase::DeleteFullTaskById(std::string fileId)
 
 bool DriverDBProviderBase::DeleteFullTaskBatch(std::vector<std::string> fileIds)
 {
-    static const auto remove = statementOf<std::string>("DELETE FROM DriveFullTask WHERE fileId = :fileId;", ":fileId");
+    static const auto& remove =
+        neverDestroyed(statementOf<std::string>("DELETE FROM DriveFullTask WHERE fileId = :fileId;", ":fileId"));
     WriteRecords(remove, fileIds);
     return true;
 }

@@ -1,9 +1,7 @@
-#include "clientservices/cloudlogger.h"
 #include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/nullrecords.h"
 #include "databaseservice/recordio.h"
-
-#include <algorithm>
 
 namespace DatabaseService {
 
@@ -51,7 +49,7 @@ Statement<DriveDataTable> updateOf(const ColumnList<DriveDataTable>& columns)
 
 const Statement<DriveDataTable>& fullUpdate()
 {
-    static const auto update = updateOf(fullUpdateColumns);
+    static const auto& update = neverDestroyed(updateOf(fullUpdateColumns));
     return update;
 }
 
@@ -73,7 +71,7 @@ bool DriverDBProviderBase::InsertDriveData(const DriveDataTable& record)
 
 bool DriverDBProviderBase::InsertDriveDataBatch(const std::vector<DriveDataTable>& records)
 {
-    static const auto insert = insertStatement("INSERT INTO DriveDataTable (", insertColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO DriveDataTable (", insertColumns));
     WriteRecords(insert, records);
     return true;
 }
@@ -85,7 +83,7 @@ bool DriverDBProviderBase::ReplaceDriveData(const DriveDataTable& record)
 
 bool DriverDBProviderBase::ReplaceDriveAllData(const std::vector<DriveDataTable>& records)
 {
-    static const auto replace = insertStatement("REPLACE INTO DriveDataTable (", replaceColumns);
+    static const auto& replace = neverDestroyed(insertStatement("REPLACE INTO DriveDataTable (", replaceColumns));
     WriteRecords(replace, records);
     return true;
 }
@@ -98,10 +96,7 @@ bool DriverDBProviderBase::UpdateDriveData(const DriveDataTable& record)
 
 bool DriverDBProviderBase::UpdateDriveData(const std::vector<std::shared_ptr<DriveDataTable>>& records)
 {
-    if (std::find(records.begin(), records.end(), nullptr) != records.end()) {
-        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, "DriverDBProviderBase::UpdateDriveData",
-                                                   "a null record was left out", true);
-    }
+    reportNullRecords(records, "DriverDBProviderBase::UpdateDriveData");
     WriteRecords(fullUpdate(), records);
     return true;
 }
@@ -121,42 +116,42 @@ bool DriverDBProviderBase::UpdateDriveData(const std::string& fileId,
 
 bool DriverDBProviderBase::UpdateDriveAllData(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = updateOf(allDataUpdateColumns);
+    static const auto& update = neverDestroyed(updateOf(allDataUpdateColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveBaseData(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = updateOf(baseUpdateColumns);
+    static const auto& update = neverDestroyed(updateOf(baseUpdateColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveSimpleData(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = updateOf(simpleUpdateColumns);
+    static const auto& update = neverDestroyed(updateOf(simpleUpdateColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveOperData(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = updateOf(markerUpdateColumns);
+    static const auto& update = neverDestroyed(updateOf(markerUpdateColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateSimpleAllData(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = updateOf(simpleAndMarkerUpdateColumns);
+    static const auto& update = neverDestroyed(updateOf(simpleAndMarkerUpdateColumns));
     WriteRecords(update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateFileLocalInfo(const std::vector<DriveDataTable>& records)
 {
-    static const auto update = updateOf(localInformationColumns);
+    static const auto& update = neverDestroyed(updateOf(localInformationColumns));
     WriteRecords(update, records);
     return true;
 }
@@ -168,9 +163,9 @@ bool DriverDBProviderBase::UpdateCloudContentStatusById(const std::string& fileI
 
 bool DriverDBProviderBase::UpdateCloudContentStatusByIds(const std::vector<std::pair<std::string, int>>& statuses)
 {
-    static const auto update = statementOf<std::string, int>(
+    static const auto& update = neverDestroyed(statementOf<std::string, int>(
         "UPDATE DriveDataTable SET needToDisplay = :needToDisplay WHERE fileId = :fileId;", ":fileId",
-        ":needToDisplay");
+        ":needToDisplay"));
     return WriteRecords(update, statuses);
 }
 
@@ -181,8 +176,8 @@ bool DriverDBProviderBase::DeleteDriveDataById(const std::string& fileId)
 
 bool DriverDBProviderBase::DeleteDriveDataById(const std::vector<std::string>& fileIds)
 {
-    static const auto remove =
-        statementOf<std::string>("DELETE FROM DriveDataTable WHERE fileId = :fileId ;", ":fileId");
+    static const auto& remove =
+        neverDestroyed(statementOf<std::string>("DELETE FROM DriveDataTable WHERE fileId = :fileId ;", ":fileId"));
     WriteRecords(remove, fileIds);
     return true;
 }
@@ -216,18 +211,18 @@ bool DriverDBProviderBase::ExecuteSQLList(std::vector<std::string>& statements)
 
 void DriverDBProviderBase::SetDriveDataSyncFlag(const std::vector<std::string>& parentIds)
 {
-    static const auto mark = statementOf<std::string>(
+    static const auto& mark = neverDestroyed(statementOf<std::string>(
         "UPDATE DriveDataTable SET data2 = 1 WHERE parentId = :parentId and recycled = 0 and softDelBatchId = 0 "
         "and moveBatchId = 0 and restoreBatchId = 0;",
-        ":parentId");
+        ":parentId"));
     WriteRecords(mark, parentIds);
 }
 
 void DriverDBProviderBase::DelDriveDataBySyncFlag(const std::vector<std::string>& parentIds)
 {
     // Without the tests of the mark: a row that has gained a pending operation since is swept all the same.
-    static const auto sweep = statementOf<std::string>(
-        "DELETE FROM DriveDataTable WHERE data2 = 1 and parentId = :parentId and recycled = 0;", ":parentId");
+    static const auto& sweep = neverDestroyed(statementOf<std::string>(
+        "DELETE FROM DriveDataTable WHERE data2 = 1 and parentId = :parentId and recycled = 0;", ":parentId"));
     WriteRecords(sweep, parentIds);
 }
 

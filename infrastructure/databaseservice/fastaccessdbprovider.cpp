@@ -2,6 +2,7 @@
 
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
+#include "databaseservice/addresses.h"
 #include "databaseservice/fastaccesscolumns.h"
 #include "databaseservice/recordio.h"
 #include "platform/files.h"
@@ -38,7 +39,7 @@ void logFailure(int line, const char* function, const std::string& message)
 // Outlives static destruction: the thread that serves clients may still run then.
 FastAccessTableProvider& provider()
 {
-    static auto& instance = *new FastAccessTableProvider;
+    static auto& instance = neverDestroyed(FastAccessTableProvider());
     return instance;
 }
 
@@ -46,11 +47,6 @@ FastAccessTableProvider& upToDateProvider()
 {
     provider().EnsureFastAccessTable();
     return provider();
-}
-
-int64 addressOf(const void* object)
-{
-    return static_cast<int64>(reinterpret_cast<std::intptr_t>(object));
 }
 
 } // namespace
@@ -64,7 +60,7 @@ bool FastAccessTableProvider::InitDatabase()
 
 void FastAccessTableProvider::EnsureFastAccessTable()
 {
-    static const std::string create = createTable("CREATE TABLE IF NOT EXISTS FastAccess (", createdColumns);
+    static const auto& create = neverDestroyed(createTable("CREATE TABLE IF NOT EXISTS FastAccess (", createdColumns));
     Execute(create);
     // In lower case although the column is not: LIKE takes no regard of it.
     AddColumnIfMissing("rotate");
@@ -81,13 +77,13 @@ void FastAccessTableProvider::AddColumnIfMissing(const std::string& name)
 
 bool FastAccessTableProvider::GetAllFastAccessRows(std::vector<FastAccessTable>& rows)
 {
-    static const std::string select = selectText(readColumns, "FROM FastAccess ORDER BY \"Index\" DESC;");
+    static const auto& select = neverDestroyed(selectText(readColumns, "FROM FastAccess ORDER BY \"Index\" DESC;"));
     return ReadRecords(select, nullptr, readColumns, rows);
 }
 
 bool FastAccessTableProvider::InsertFastAccessRow(FastAccessTable* record)
 {
-    static const auto insert = insertStatement("INSERT INTO FastAccess (", writtenColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO FastAccess (", writtenColumns));
     if (record == nullptr) {
         logFailure(__LINE__, "DatabaseService::FastAccessDBProvider::FastAccessTableProvider::InsertFastAccessRow",
                    "a null record was left out");
@@ -101,13 +97,14 @@ bool FastAccessTableProvider::InsertFastAccessRow(FastAccessTable* record)
 
 bool FastAccessTableProvider::DeleteFastAccessRow(int id)
 {
-    static const auto remove = statementOf<int>("DELETE FROM FastAccess WHERE Id = :Id ;", ":Id");
+    static const auto& remove = neverDestroyed(statementOf<int>("DELETE FROM FastAccess WHERE Id = :Id ;", ":Id"));
     return WriteRecords(remove, std::vector{id});
 }
 
 bool FastAccessTableProvider::UpdateFastAccessRow(const FastAccessTable* record)
 {
-    static const auto update = updateStatement("UPDATE FastAccess", writtenColumns, "WHERE Id = :Id;", keyColumn);
+    static const auto& update =
+        neverDestroyed(updateStatement("UPDATE FastAccess", writtenColumns, "WHERE Id = :Id;", keyColumn));
     if (record == nullptr) {
         logFailure(__LINE__, "DatabaseService::FastAccessDBProvider::FastAccessTableProvider::UpdateFastAccessRow",
                    "a null record was left out");
@@ -119,8 +116,8 @@ bool FastAccessTableProvider::UpdateFastAccessRow(const FastAccessTable* record)
 std::wstring FastAccessTableProvider::GetFastAccessIconPath(int id)
 {
     // Asks for more than is read, as the client has always done.
-    static const auto select =
-        statementOf<int>("SELECT IconPath, Title, Tip, Rotate FROM FastAccess WHERE Id = :Id;", ":Id");
+    static const auto& select =
+        neverDestroyed(statementOf<int>("SELECT IconPath, Title, Tip, Rotate FROM FastAccess WHERE Id = :Id;", ":Id"));
     std::vector<FastAccessTable> rows;
     auto key = oneValue(select, id);
     ReadRecords(select.sql, &key, iconPathColumn, rows);

@@ -37,8 +37,8 @@ template <class Table> void drop()
 
 template <class Table, class Record> bool insert(const std::vector<Record>& records)
 {
-    static const auto statement =
-        insertStatement("INSERT OR REPLACE INTO " + std::string(Table::name) + " (", columnsOf<Table>);
+    static const auto& statement =
+        neverDestroyed(insertStatement("INSERT OR REPLACE INTO " + std::string(Table::name) + " (", columnsOf<Table>));
     return s_galleryProvider.WriteRecords(statement, records);
 }
 
@@ -131,8 +131,8 @@ int CountUploadTaskTable()
 
 GalleryFileTable GetGalleryFileOneData(std::string& uniqueId)
 {
-    static const auto select = statementOf<std::string>(
-        selectText(columnsOf<GalleryFileColumns>, "FROM GalleryFile WHERE UniqueId = :UniqueId;"), ":UniqueId");
+    static const auto& select = neverDestroyed(statementOf<std::string>(
+        selectText(columnsOf<GalleryFileColumns>, "FROM GalleryFile WHERE UniqueId = :UniqueId;"), ":UniqueId"));
     std::vector<GalleryFileTable> rows;
     auto key = oneValue(select, uniqueId);
     s_galleryProvider.ReadRecords(select.sql, &key, columnsOf<GalleryFileColumns>, rows);

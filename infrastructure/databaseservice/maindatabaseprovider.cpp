@@ -2,6 +2,7 @@
 
 #include "databaseservice/cachefiles.h"
 #include "databaseservice/maindatabaseproviderbase.h"
+#include "databaseservice/neverdestroyed.h"
 
 #include <utility>
 
@@ -12,8 +13,8 @@ namespace {
 // Never deleted: it is there for calls that come while the process ends.
 MainDatabaseProviderBase& provider()
 {
-    static MainDatabaseProviderBase* const instance = new MainDatabaseProviderBase(L"main.dat");
-    return *instance;
+    static auto& instance = neverDestroyed(MainDatabaseProviderBase(L"main.dat"));
+    return instance;
 }
 
 } // namespace

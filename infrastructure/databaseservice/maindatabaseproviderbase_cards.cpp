@@ -14,17 +14,17 @@ template <class Card> constexpr auto cardColumns = pick(CardColumns<Card>::table
 
 void MainDatabaseProviderBase::InsertWaitHandleCardItem(int key, std::string value)
 {
-    static const Statement<T_WaitHandleCardItem> replace{
+    static const auto& replace = neverDestroyed(Statement<T_WaitHandleCardItem>{
         "INSERT OR REPLACE INTO T_WaitHandleCardItem ([key],value)VALUES (:key,:value);",
-        parametersOf(cardColumns<T_WaitHandleCardItem>)};
+        parametersOf(cardColumns<T_WaitHandleCardItem>)});
     WriteRecords(replace, std::vector{T_WaitHandleCardItem{key, std::move(value)}});
 }
 
 void MainDatabaseProviderBase::InsertNotepadCardItem(int key, std::string value)
 {
-    static const Statement<T_NotepadCard> replace{
+    static const auto& replace = neverDestroyed(Statement<T_NotepadCard>{
         "INSERT OR REPLACE INTO T_NotepadCard ([key],value)\n                         VALUES (:key,:value);",
-        parametersOf(cardColumns<T_NotepadCard>)};
+        parametersOf(cardColumns<T_NotepadCard>)});
     WriteRecords(replace, std::vector{T_NotepadCard{key, std::move(value)}});
 }
 

@@ -21,7 +21,7 @@ constexpr auto updateKey = pick(CloudFile::table, newId);
 
 std::string selectAll(const std::string& clause)
 {
-    static const std::string select = selectText(allColumns, "FROM T_CloudFileTable");
+    static const auto& select = neverDestroyed(selectText(allColumns, "FROM T_CloudFileTable"));
     return select + clause;
 }
 
@@ -29,7 +29,7 @@ std::string selectAll(const std::string& clause)
 
 void MainDatabaseProviderBase::InsertOneCloudDriveDataBatch(T_CloudFileTable& record)
 {
-    static const auto insert = insertStatement("INSERT INTO T_CloudFileTable (", insertColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO T_CloudFileTable (", insertColumns));
     WriteRecords(insert, std::vector{&record});
 }
 
@@ -43,8 +43,8 @@ void MainDatabaseProviderBase::InsertCloudDriveDataBatch(std::vector<T_CloudFile
 
 void MainDatabaseProviderBase::DeleteCloudDriveDataBatchOrderBy(int& num)
 {
-    static const auto select =
-        statementOf<int>("SELECT id\n  FROM T_CloudFileTable\n  ORDER BY modifiedTime ASC\n  LIMIT :num;\n", ":num");
+    static const auto& select = neverDestroyed(
+        statementOf<int>("SELECT id\n  FROM T_CloudFileTable\n  ORDER BY modifiedTime ASC\n  LIMIT :num;\n", ":num"));
     auto limit = oneValue(select, num);
     DeleteCloudFileRows(ReadIds(select.sql, limit));
 }
@@ -63,7 +63,8 @@ std::vector<T_CloudFileTable> MainDatabaseProviderBase::GetAllCloudDriveDataBatc
 
 T_CloudFileTable MainDatabaseProviderBase::GetCloudDriveDataBatch(std::string& fileId)
 {
-    static const auto select = statementOf<std::string>(selectAll(" WHERE fileId = :fileId"), ":fileId");
+    static const auto& select =
+        neverDestroyed(statementOf<std::string>(selectAll(" WHERE fileId = :fileId"), ":fileId"));
     std::vector<T_CloudFileTable> rows;
     auto key = oneValue(select, fileId);
     ReadRecords(select.sql, &key, allColumns, rows);
@@ -77,16 +78,16 @@ int MainDatabaseProviderBase::GetAllCloudDriveDataBatchNum()
 
 bool MainDatabaseProviderBase::SelectOneCloudDriveData(std::string& fileId)
 {
-    static const auto count =
-        statementOf<std::string>("SELECT COUNT(*) FROM T_CloudFileTable WHERE fileId = :fileId;", ":fileId");
+    static const auto& count = neverDestroyed(
+        statementOf<std::string>("SELECT COUNT(*) FROM T_CloudFileTable WHERE fileId = :fileId;", ":fileId"));
     auto key = oneValue(count, fileId);
     return ReadNumber(count.sql, &key) != 0;
 }
 
 void MainDatabaseProviderBase::DeleteOneCloudDriveDataBatchColumn(std::string& fileId)
 {
-    static const auto select =
-        statementOf<std::string>("SELECT id FROM T_CloudFileTable WHERE fileId = :fileId", ":fileId");
+    static const auto& select =
+        neverDestroyed(statementOf<std::string>("SELECT id FROM T_CloudFileTable WHERE fileId = :fileId", ":fileId"));
     auto key = oneValue(select, fileId);
     if (const std::vector<int64> ids = ReadIds(select.sql, key); !ids.empty()) {
         DeleteCloudFileRows({ids.front()});
@@ -95,14 +96,15 @@ void MainDatabaseProviderBase::DeleteOneCloudDriveDataBatchColumn(std::string& f
 
 void MainDatabaseProviderBase::DeleteSameColumnFromParentId(std::string& fileId)
 {
-    static const auto remove =
-        statementOf<std::string>("DELETE FROM T_CloudFileTable\n      WHERE parentId = :fileId;", ":fileId");
+    static const auto& remove = neverDestroyed(
+        statementOf<std::string>("DELETE FROM T_CloudFileTable\n      WHERE parentId = :fileId;", ":fileId"));
     WriteRecords(remove, std::vector{&fileId});
 }
 
 std::vector<T_CloudFileTable> MainDatabaseProviderBase::SelectSameColumnFromParentId(std::string& id)
 {
-    static const auto select = statementOf<std::string>(selectAll(" WHERE parentId = :fileID"), ":fileID");
+    static const auto& select =
+        neverDestroyed(statementOf<std::string>(selectAll(" WHERE parentId = :fileID"), ":fileID"));
     std::vector<T_CloudFileTable> rows;
     auto parent = oneValue(select, id);
     ReadRecords(select.sql, &parent, allColumns, rows);
@@ -111,7 +113,8 @@ std::vector<T_CloudFileTable> MainDatabaseProviderBase::SelectSameColumnFromPare
 
 void MainDatabaseProviderBase::UpdateCloudDriveVec(std::vector<T_CloudFileTable>& records)
 {
-    static const auto update = updateStatement("UPDATE T_CloudFileTable", allColumns, "WHERE id = :newId", updateKey);
+    static const auto& update =
+        neverDestroyed(updateStatement("UPDATE T_CloudFileTable", allColumns, "WHERE id = :newId", updateKey));
     WriteRecords(update, records);
 }
 
@@ -142,7 +145,8 @@ std::vector<int64> MainDatabaseProviderBase::ReadIds(const std::string& sql, Ele
 
 void MainDatabaseProviderBase::DeleteCloudFileRows(const std::vector<int64>& ids)
 {
-    static const auto remove = statementOf<int64>("DELETE FROM T_CloudFileTable WHERE id = :id;", ":id");
+    static const auto& remove =
+        neverDestroyed(statementOf<int64>("DELETE FROM T_CloudFileTable WHERE id = :id;", ":id"));
     WriteRecords(remove, ids);
 }
 

@@ -14,20 +14,20 @@ static_assert(allColumns.size() == 25);
 void MainDatabaseProviderBase::GetAllUserLog()
 {
     // It reads the other log than its name says, and for nobody; what callers get of it is the line of a failure.
-    static const std::string select = selectText(allColumns, "FROM UBAUserLog;");
+    static const auto& select = neverDestroyed(selectText(allColumns, "FROM UBAUserLog;"));
     RowFunction dropped([](CellReader&) {});
     Execute(nullptr, nullptr, select, nullptr, &dropped);
 }
 
 void MainDatabaseProviderBase::InsertUserUserLog(std::vector<UserLog> records)
 {
-    static const auto insert = insertStatement("INSERT INTO UserLogTable (", allColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO UserLogTable (", allColumns));
     WriteRecords(insert, records);
 }
 
 void MainDatabaseProviderBase::InsertUserUBAUserLog(std::vector<UBAUserLog> records)
 {
-    static const auto insert = insertStatement("INSERT INTO UBAUserLog (", allColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO UBAUserLog (", allColumns));
     WriteRecords(insert, records);
 }
 

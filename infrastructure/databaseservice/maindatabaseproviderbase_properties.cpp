@@ -16,14 +16,14 @@ constexpr auto allColumns = pick(UserPropertiesColumns::table, UserPropertiesCol
 
 const Statement<UserProperties>& replaceProperty()
 {
-    static const Statement<UserProperties> replace{
-        "INSERT OR REPLACE INTO UserProperties ([Key],[Value]) VALUES (:Key,:Value);", parametersOf(allColumns)};
+    static const auto& replace = neverDestroyed(Statement<UserProperties>{
+        "INSERT OR REPLACE INTO UserProperties ([Key],[Value]) VALUES (:Key,:Value);", parametersOf(allColumns)});
     return replace;
 }
 
 const Statement<UserProperties>& insertProperty()
 {
-    static const auto insert = insertStatement("INSERT INTO UserProperties (", allColumns);
+    static const auto& insert = neverDestroyed(insertStatement("INSERT INTO UserProperties (", allColumns));
     return insert;
 }
 
@@ -44,8 +44,8 @@ std::vector<UserProperties> MainDatabaseProviderBase::GetAllUserProperties()
 
 std::wstring MainDatabaseProviderBase::GetUserPropertieByKey(const std::wstring& key)
 {
-    static const auto select = statementOf<std::wstring>(
-        "SELECT\n        Value\n        FROM UserProperties\n        WHERE Key = :Key;\n", ":Key");
+    static const auto& select = neverDestroyed(statementOf<std::wstring>(
+        "SELECT\n        Value\n        FROM UserProperties\n        WHERE Key = :Key;\n", ":Key"));
     auto bound = oneValue(select, key);
     FirstCell value;
     Execute(nullptr, nullptr, select.sql, &bound, &value);

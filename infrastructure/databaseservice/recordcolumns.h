@@ -2,6 +2,7 @@
 
 #include "databaseservice/cellreader.h"
 #include "databaseservice/integers.h"
+#include "databaseservice/neverdestroyed.h"
 #include "databaseservice/parameterwriter.h"
 #include "databaseservice/wholenumber.h"
 
@@ -28,7 +29,7 @@ template <class Record> using AssignMember = void (*)(Record&, const std::string
 template <class Record> using LoadMember = void (*)(Record&, sqlite3_stmt*, int column);
 
 /// The four functions are null for a column that no member stands for. Numbers with a fraction are only written, and
-/// wide text is read strictly or not at all.
+/// wide text is neither assigned nor loaded.
 template <class Record> struct Column {
     std::string_view name;      ///< as statements write it: in brackets where SQL has a word of that name
     std::string_view parameter; ///< without its colon
@@ -64,7 +65,8 @@ bool bindMember(const typename MemberTraits<Member>::Record& record, ParameterWr
     return bindValue(record.*Member, parameters, index);
 }
 
-/// Converts between kinds as the getters of `DatabaseQueryResult` do, and cuts numbers to the member last.
+/// Converts between kinds as the getters of `DatabaseQueryResult` do, and cuts numbers to the member last. A flag is
+/// set by any number but 0, of all its 64 bits.
 template <auto Member> void readMember(typename MemberTraits<Member>::Record& record, CellReader& cells)
 {
     using Type = typename MemberTraits<Member>::Type;
@@ -109,8 +111,8 @@ template <auto Member>
 void loadMember(typename MemberTraits<Member>::Record& record, sqlite3_stmt* statement, int column)
 {
     using Type = typename MemberTraits<Member>::Type;
-    if constexpr (std::is_same_v<Type, int64>) {
-        record.*Member = sqlite3_column_int64(statement, column);
+    if constexpr (std::is_same_v<Type, int64> || std::is_same_v<Type, bool>) {
+        record.*Member = static_cast<Type>(sqlite3_column_int64(statement, column));
     } else if constexpr (std::is_integral_v<Type>) {
         record.*Member = sqlite3_column_int(statement, column);
     } else if (const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column))) {
@@ -135,6 +137,8 @@ template <auto Member> constexpr auto column(std::string_view name, std::string_
         column.read = &readMember<Member>;
         column.assign = &assignMember<Member>;
         column.load = &loadMember<Member>;
+    } else if constexpr (std::is_same_v<Type, std::wstring>) {
+        column.read = &readMember<Member>;
     }
     return column;
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <utility>
+
+namespace DatabaseService {
+
+/// What is built once, such as a statement, for as long as the process lives: threads may still need it while static
+/// objects are destroyed.
+template <class Value> Value& neverDestroyed(Value value)
+{
+    return *new Value(std::move(value));
+}
+
+} // namespace DatabaseService

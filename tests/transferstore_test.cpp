@@ -1,0 +1,409 @@
+// The transfer store's tables, through their provider.
+
+#include "databaseservice/transdbconnthread.h"
+#include "support/enginelines.h"
+#include "support/observed.h"
+#include "support/recordfields.h"
+#include "support/storetest.h"
+
+#include <limits>
+#include <stdexcept>
+
+using namespace testsupport;
+using namespace DatabaseService::TransmissionDB;
+using DatabaseService::int64;
+using DatabaseService::uint64;
+
+namespace {
+
+const EngineLines lines("transmission.dat");
+
+using C = CompletedTaskProperty;
+using D = DownloadTaskProperty;
+using U = UploadTaskProperty;
+using T = DbTransferTask;
+
+// clang-format off
+const RecordFields<C> completed{"CompletedTaskTable", {
+    {"id", &C::id}, {"fileName", &C::fileName}, {"fileId", &C::fileId}, {"totalLength", &C::totalLength},
+    {"localPath", &C::localPath}, {"taskType", &C::taskType}, {"endTime", &C::endTime},
+    {"isFastTrans", &C::isFastTrans}, {"pranteID", &C::pranteID}, {"isMoveData", &C::isMoveData}}};
+
+const RecordFields<D> download{"DownloadTaskTable", {
+    {"id", &D::id}, {"fileName", &D::fileName}, {"relativePath", &D::relativePath}, {"fileId", &D::fileId},
+    {"totalLength", &D::totalLength}, {"position", &D::position}, {"sliceIdx", &D::sliceIdx},
+    {"sliceCount", &D::sliceCount}, {"localPath", &D::localPath}, {"taskType", &D::taskType},
+    {"isFastTrans", &D::isFastTrans}, {"isMoveData", &D::isMoveData}, {"RecordType", &D::RecordType}}};
+
+const RecordFields<U> upload{"UploadTaskTable", {
+    {"id", &U::id}, {"fileName", &U::fileName}, {"fileId", &U::fileId}, {"totalLength", &U::totalLength},
+    {"localPath", &U::localPath}, {"taskStatus", &U::taskStatus}, {"errorCode", &U::errorCode},
+    {"startTime", &U::startTime}, {"transferId", &U::transferId}, {"serverPath", &U::serverPath},
+    {"sliceIndex", &U::sliceIndex}, {"uploadOffset", &U::uploadOffset}, {"sliceInfo", &U::sliceInfo},
+    {"isBatch", &U::isBatch}, {"isMoveData", &U::isMoveData}}};
+
+const RecordFields<T> transfer{"TransferTask", {
+    {"UniqueId", &T::UniqueId}, {"FileId", &T::FileId}, {"FileName", &T::FileName}, {"StartTime", &T::StartTime},
+    {"EndTime", &T::EndTime}, {"ErrorCode", &T::ErrorCode}, {"TimeoutLimit", &T::TimeoutLimit},
+    {"TransferSize", &T::TransferSize}, {"TotalSize", &T::TotalSize}, {"TaskStatus", &T::TaskStatus},
+    {"BatchCreateTime", &T::BatchCreateTime}, {"BatchIndex", &T::BatchIndex}, {"ModuleType", &T::ModuleType},
+    {"TransferType", &T::TransferType}, {"LocalFilePath", &T::LocalFilePath}, {"ParentId", &T::ParentId},
+    {"AssetId", &T::AssetId}, {"VersionId", &T::VersionId}, {"Hash", &T::Hash}, {"UpdateTime", &T::UpdateTime},
+    {"SliceIndex", &T::SliceIndex}, {"UploadOffset", &T::UploadOffset}, {"ObjectBucketId", &T::ObjectBucketId},
+    {"RecordCursor", &T::RecordCursor}, {"ObsVersion", &T::ObsVersion}, {"Priority", &T::Priority},
+    {"IsMoveData", &T::IsMoveData}, {"IsLoadedForSuccessList", &T::IsLoadedForSuccessList},
+    {"CloudFilePath", &T::CloudFilePath}, {"ThumbnailUrl", &T::ThumbnailUrl}, {"CloudBatch", &T::CloudBatch},
+    {"ExpandStr1", &T::ExpandStr1}, {"ExpandStr2", &T::ExpandStr2}, {"ExpandStr3", &T::ExpandStr3},
+    {"ExpandInt1", &T::ExpandInt1}, {"ExpandInt2", &T::ExpandInt2}, {"ExpandInt3", &T::ExpandInt3},
+    {"Expand", &T::Expand}}};
+// clang-format on
+
+class TransferStore : public StoreTest {
+protected:
+    TransferStore()
+    {
+        m_store.InitDatabase();
+        m_store.CreateTransferTaskTable();
+        m_store.trace.take();
+    }
+
+    template <class Record> Rows rows(const RecordFields<Record>& fields) { return fields.rows(m_file); }
+
+    /// Adds rows to `TransferTask` as a client does.
+    void addTasks(const std::string& values)
+    {
+        m_store.ExecuteSQL("INSERT INTO TransferTask(UniqueId, ModuleType, TransferType, TaskStatus) VALUES " + values);
+    }
+
+    std::string ids() { return m_file.value("SELECT group_concat(UniqueId) FROM TransferTask"); }
+
+    Observed<TransDbConnThread> m_store{*TransDbConnThread::GetInstance()};
+    SqliteFile m_file{path(L"transmission.dat")};
+};
+
+std::string idsOf(const std::vector<T>& tasks)
+{
+    std::string ids;
+    for (const T& task : tasks) {
+        ids += platform::toUtf8(task.UniqueId);
+    }
+    return ids;
+}
+
+} // namespace
+
+TEST_F(TransferStore, Schema)
+{
+    // `defaults` names the one column with a default, or stands for all numbers.
+    const auto check = [&](const auto& fields, const std::string& defaults) {
+        Rows expected;
+        for (const auto& field : fields.all) {
+            const std::string key = expected.empty() ? "1" : "0";
+            const bool zero = key == "0" && !field.text && (defaults == "all" || defaults == field.column);
+            expected.push_back(
+                {textCell(field.column), field.text ? "'TEXT'" : "'INTEGER'", key, zero ? "'0'" : "NULL", key});
+        }
+        EXPECT_EQ(m_file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" +
+                               fields.table + "')"),
+                  expected);
+    };
+    check(completed, "all");
+    check(download, "all");
+    check(upload, "isMoveData");
+    check(transfer, "none");
+    EXPECT_EQ(m_file.value("SELECT group_concat(name) FROM sqlite_master WHERE sql LIKE '%AUTOINCREMENT%'"),
+              "'CompletedTaskTable,DownloadTaskTable'");
+}
+
+TEST_F(TransferStore, TablesComeAndGo)
+{
+    const auto tables = [&] {
+        return m_file.value("SELECT group_concat(name) FROM (SELECT name FROM sqlite_master WHERE type = 'table' AND "
+                            "name NOT LIKE 'sqlite%' ORDER BY rowid)");
+    };
+    EXPECT_TRUE(m_store.DropCompletedTaskTable() && m_store.DropDownloadTaskTable());
+    EXPECT_TRUE(m_store.DropTransferTaskTable() && m_store.DropUploadTaskTable() && m_store.DropUploadTaskTable());
+    EXPECT_EQ(tables(), "NULL");
+    EXPECT_TRUE(m_store.InitDatabase());
+    EXPECT_EQ(tables(), "'CompletedTaskTable,UploadTaskTable,DownloadTaskTable'");
+    EXPECT_TRUE(m_store.ExecuteSQL("DELETE FROM TransferTask"));
+    EXPECT_TRUE(m_log.failuresWere({lines.prepare})) << "that table is not there yet";
+}
+
+// Each record comes back with all its members, in a batch that is one transaction, and an update rewrites its own row.
+TEST_F(TransferStore, CompletedAndDownloadRowsKeepEveryMember)
+{
+    std::vector<C> finished{completed.filled(1), completed.filled(2), completed.filled(4)};
+    std::vector<std::shared_ptr<D>> running;
+    for (int type = 0; auto& task : finished) {
+        task.taskType = type;
+        running.push_back(std::make_shared<D>(download.filled(type)));
+        running.back()->taskType = type++ % 2;
+    }
+    finished[1].totalLength = std::numeric_limits<int64>::min();
+    finished[1].endTime = std::numeric_limits<int64>::max();
+    running[1]->sliceIdx = std::numeric_limits<std::int32_t>::min();
+    finished[2].auxText = "kept in the record alone";
+    m_store.InsertCompletedTasks(finished);
+    m_store.InsertDownloadTasks({running[0], nullptr, running[1], running[2]});
+    EXPECT_TRUE(m_log.failuresWere({{"TransDbConnThread::InsertDownloadTasks", "a null record was left out"}}));
+    EXPECT_EQ(m_store.trace.take().size(), 10U) << "two begins, two commits, six rows";
+
+    for (std::size_t at = 0; at < 3; ++at) {
+        const int id = static_cast<int>(at) + 1; // the tables count from 1, whatever the records say
+        finished[at].id = running[at]->id = id;
+        EXPECT_EQ(rows(completed)[at], completed.cells(finished[at]));
+        EXPECT_EQ(rows(download)[at], download.cells(*running[at]));
+        EXPECT_EQ(download.cells(*m_store.GetDownloadTask(id)), download.cells(*running[at]));
+    }
+    std::vector<C> someFinished(1);
+    std::vector<D> someRunning(1);
+    EXPECT_TRUE(m_store.GetAllCompletedTasks(someFinished, 2, 1) && m_store.GetAllDownloadTasks(someRunning, 0));
+    ASSERT_EQ(someFinished.size(), 3U) << "behind what the vector held";
+    EXPECT_EQ(completed.cells(someFinished[1]), completed.cells(finished[1]));
+    EXPECT_EQ(completed.cells(someFinished[2]), completed.cells(finished[2]));
+    EXPECT_EQ(someFinished[2].auxText, "");
+    ASSERT_EQ(someRunning.size(), 3U);
+    EXPECT_EQ(download.cells(someRunning[2]), download.cells(*running[2]));
+    EXPECT_EQ(m_store.GetDownloadTask(9), nullptr);
+
+    C newFinished = completed.filled(7);
+    D newRunning = download.filled(8);
+    newFinished.id = newRunning.id = 2;
+    m_store.UpdateCompletedTasks({newFinished, completed.filled(9)});
+    m_store.UpdateDownloadTasks({newRunning, download.filled(9)});
+    EXPECT_EQ(rows(completed),
+              (Rows{completed.cells(finished[0]), completed.cells(newFinished), completed.cells(finished[2])}));
+    EXPECT_EQ(rows(download),
+              (Rows{download.cells(*running[0]), download.cells(newRunning), download.cells(*running[2])}));
+    EXPECT_EQ(m_store.GetCompletedTasksLastRowId() + m_store.GetDownloadTasksLastRowId(), 6);
+    EXPECT_EQ(m_store.CountDownloadTaskUnDone(), 3);
+}
+
+TEST_F(TransferStore, CompletedAndDownloadRowsAreDeletedByIdOrType)
+{
+    m_file.exec("INSERT INTO CompletedTaskTable(id, taskType) VALUES (1,1), (2,2), (3,3), (4,4), (5,5), (6,6);"
+                "INSERT INTO DownloadTaskTable(id, taskType) VALUES (1,1), (2,2), (3,1), (4,1), (5,5)");
+    m_store.DeleteCompletedTasks({1, 99, 2});
+    m_store.DeleteAllCompletedTasks(3, 4);
+    m_store.DeleteAllCompletedTasks(5, 5);
+    m_store.DeleteDownloadTasks({3, 99, 5});
+    m_store.DeleteAllDownloadTasks(1);
+    m_store.trace.take();
+    m_store.DeleteDownloadTasks({});
+    m_store.InsertCompletedTasks({});
+    EXPECT_EQ(m_store.trace.take().size(), 4U) << "an empty batch begins and commits";
+    EXPECT_EQ(m_file.value("SELECT group_concat(id) FROM CompletedTaskTable"), "'6'");
+    EXPECT_EQ(m_file.value("SELECT group_concat(id) FROM DownloadTaskTable"), "'2'");
+}
+
+TEST_F(TransferStore, UploadRowsKeepEveryMemberAndTheirId)
+{
+    const std::vector<U> tasks{upload.filled(3), upload.filled(2), upload.filled(2), upload.filled(1)};
+    m_store.InsertUploadTasks(tasks);
+    EXPECT_TRUE(
+        m_log.failuresWere({lines.step, EngineLines::bindMessage("UNIQUE constraint failed: UploadTaskTable.id")}));
+    const Rows expected{upload.cells(tasks[0]), upload.cells(tasks[1]), upload.cells(tasks[3])};
+    EXPECT_EQ(rows(upload), expected) << "a taken id loses its row and no other";
+    EXPECT_EQ(m_store.GetUploadTaskLastRowId(), 0);
+    std::vector<U> read(1);
+    m_store.GetAllUploadTaskProperties(read);
+    ASSERT_EQ(read.size(), 4U);
+    for (std::size_t at = 0; at < 3; ++at) {
+        EXPECT_EQ(upload.cells(read[at + 1]), expected[at]);
+    }
+
+    m_store.DeleteUploadTask(tasks[1].id);
+    EXPECT_EQ(rows(upload), (Rows{expected[0], expected[2]}));
+    m_store.DeleteUploadTask();
+    EXPECT_EQ(rows(upload), Rows());
+}
+
+TEST_F(TransferStore, UploadUpdatesTouchExactlyTheirColumns)
+{
+    U before = upload.filled(1);
+    before.isBatch = before.isMoveData = true;
+    U after = before;
+    m_store.InsertUploadTasks({before, upload.filled(2)});
+    const auto check = [&] { EXPECT_EQ(rows(upload), (Rows{upload.cells(upload.filled(2)), upload.cells(after)})); };
+    m_store.UpdateUploadTaskStatus(before.id, after.taskStatus = 5, after.errorCode = -6);
+    check();
+    m_store.UpdateUploadTaskSliceInfo(before.id, after.sliceInfo = "\xE5\x90\x8D'; --");
+    check();
+    m_store.UpdateUploadTaskSliceIndex(before.id, after.sliceIndex = std::numeric_limits<std::int32_t>::min());
+    check();
+    m_store.UpdateUploadTaskUploadOffset(before.id, after.uploadOffset = std::numeric_limits<int64>::min());
+    check();
+    m_store.UpdateUploadTaskStatus(99, 1, 1);
+    check();
+}
+
+TEST_F(TransferStore, LastIdsAreCutAndZeroWithoutRows)
+{
+    EXPECT_EQ(m_store.GetCompletedTasksLastRowId(), 0);
+    EXPECT_EQ(m_store.GetDownloadTasksLastRowId(), 0);
+    m_file.exec("INSERT INTO CompletedTaskTable(id) VALUES (4294967301);"
+                "INSERT INTO DownloadTaskTable(id) VALUES (2147483648)");
+    EXPECT_EQ(m_store.GetCompletedTasksLastRowId(), 5);
+    EXPECT_EQ(m_store.GetDownloadTasksLastRowId(), std::numeric_limits<int>::min());
+    EXPECT_EQ(m_store.CountDownloadTaskUnDone(), 1);
+    m_store.DropDownloadTaskTable();
+    EXPECT_EQ(m_store.GetDownloadTasksLastRowId() + m_store.CountDownloadTaskUnDone(), 0);
+    EXPECT_TRUE(m_log.failuresWere({lines.prepare, lines.prepare}));
+}
+
+TEST_F(TransferStore, OddCellsReadAsTheMembersKind)
+{
+    m_file.exec("INSERT INTO CompletedTaskTable(id, isFastTrans, isMoveData, taskType) VALUES (1, 4294967296, -1, 7);"
+                "INSERT INTO CompletedTaskTable VALUES (2, NULL, NULL, NULL, NULL, 7, NULL, NULL, NULL, NULL);"
+                "INSERT INTO CompletedTaskTable VALUES (3, 'a', 5, '12b', '', 7, 2.9, '1x', 6, 'none');"
+                "INSERT INTO TransferTask(UniqueId, TotalSize) VALUES ('id', 8)");
+    std::vector<C> tasks;
+    m_store.GetAllCompletedTasks(tasks, 7, 7);
+    Rows read;
+    for (const C& task : tasks) {
+        read.push_back(completed.cells(task));
+    }
+    EXPECT_EQ(read,
+              (Rows{{"1", "''", "''", "0", "''", "7", "0", "1", "''", "1"},
+                    {"2", "''", "''", "0", "''", "7", "0", "0", "''", "0"},
+                    {"3", "'a'", "'5'", "12", "''", "7", "2", "1", "'6'", "0"}}))
+        << "flags are tested before numbers are cut";
+    T task = transfer.filled(1);
+    std::wstring id = L"id";
+    EXPECT_TRUE(m_store.GetTask(id, task));
+    T expected{};
+    expected.UniqueId = id;
+    expected.TotalSize = 8;
+    EXPECT_EQ(transfer.cells(task), transfer.cells(expected)) << "every member is written";
+}
+
+TEST_F(TransferStore, TasksAreUpdatedWholeAndNeverAdded)
+{
+    const auto withId = [](int seed, const wchar_t* id) {
+        T task = transfer.filled(seed);
+        task.UniqueId = id;
+        return task;
+    };
+    addTasks("('a',1,2,0), ('b',1,2,0), ('c',1,2,0)");
+    m_store.trace.take();
+    std::list<T> tasks{withId(1, L"a"), withId(2, L"unknown"), withId(3, L"b")};
+    m_store.UpdateTask(tasks);
+    EXPECT_EQ(m_store.trace.take().size(), 5U);
+    m_store.UpdateTaskStatus(withId(4, L"c"));
+    const Rows expected{transfer.cells(tasks.front()), transfer.cells(tasks.back()), transfer.cells(withId(4, L"c"))};
+    EXPECT_EQ(rows(transfer), expected);
+
+    for (T task : {tasks.front(), tasks.back()}) {
+        T read{};
+        EXPECT_TRUE(m_store.GetTask(task.UniqueId, read));
+        EXPECT_EQ(transfer.cells(read), transfer.cells(task));
+        EXPECT_TRUE(m_store.GetTask(tasks.front().FileId, read));
+        EXPECT_EQ(transfer.cells(read), transfer.cells(task)) << "an unknown id leaves the task";
+    }
+}
+
+TEST_F(TransferStore, StatusThreeIsNotActive)
+{
+    addTasks("('a',1,2,0), ('b',1,2,3), ('c',1,2,NULL), ('d',1,9,0), ('e',9,2,0), ('f',1,2,-3), ('g',1,9,3)");
+    m_file.exec("UPDATE TransferTask SET FileId = 'F', FileName = 'N', EndTime = 1 << 40, TotalSize = 2 << 40, "
+                "LocalFilePath = 'L', ParentId = 'P', ErrorCode = 8");
+    std::vector<T> tasks(1);
+    TransTaskType type;
+    type.ModuleType = 1;
+    type.TransferType = 2;
+    EXPECT_TRUE(m_store.GetAllTask(tasks, 1, 2));
+    m_store.LoadDbSQL(type, tasks);
+    EXPECT_EQ(idsOf(tasks), "afaf");
+
+    tasks.clear();
+    EXPECT_TRUE(m_store.GetAllCompleteTask(tasks, 1, 3));
+    EXPECT_EQ(idsOf(tasks), "bg");
+    T expected{};
+    expected.UniqueId = L"g";
+    expected.FileId = L"F";
+    expected.FileName = L"N";
+    expected.EndTime = int64{1} << 40;
+    expected.TransferType = 9;
+    expected.TotalSize = int64{2} << 40;
+    expected.LocalFilePath = L"L";
+    expected.ParentId = L"P";
+    EXPECT_EQ(transfer.cells(tasks.back()), transfer.cells(expected)) << "eight members and no more";
+
+    T gone{};
+    gone.UniqueId = L"a";
+    m_store.DeleteTask(gone);
+    m_store.DeleteTasks(L"d");
+    m_store.DeleteTasks(-3);
+    EXPECT_EQ(ids(), "'b,c,e,g'");
+    EXPECT_TRUE(m_store.DeleteTasksFromTransferTask(3));
+    EXPECT_EQ(ids(), "'c,e'");
+}
+
+TEST_F(TransferStore, LoadedTasksAreHandedOverByAddress)
+{
+    addTasks("('a',1,2,0), ('b',1,2,3), ('c',1,2,4)");
+    TransTaskType type;
+    type.ModuleType = 1;
+    type.TransferType = 2;
+    std::string visited;
+    const auto visit = [&](uint64 context, int64 address) {
+        EXPECT_EQ(context, reinterpret_cast<std::uintptr_t>(&visited));
+        EXPECT_EQ(m_store.closed, m_store.opened) << "no connection is open";
+        visited += platform::toUtf8(reinterpret_cast<const T*>(static_cast<std::intptr_t>(address))->UniqueId);
+    };
+    m_store.LoadDbSQL(type, &visited, visit);
+    EXPECT_EQ(visited, "ac");
+
+    const auto fail = [](uint64, int64) { throw std::runtime_error("the callback's own"); };
+    EXPECT_THROW(m_store.LoadDbSQL(type, nullptr, fail), std::runtime_error);
+    const int opened = m_store.opened;
+    EXPECT_EQ(m_store.closed, opened);
+    m_store.LoadDbSQL(type, nullptr, {});
+    EXPECT_EQ(m_store.opened, opened);
+}
+
+TEST_F(TransferStore, FailedReadsAreTrueAndEmpty)
+{
+    useFolder(path(L"missing"));
+    m_log.take();
+    std::vector<C> finished;
+    std::vector<D> running;
+    std::vector<U> uploads;
+    std::vector<T> tasks;
+    T task = transfer.filled(1);
+    EXPECT_TRUE(m_store.GetAllCompletedTasks(finished, 1, 2) && m_store.GetAllDownloadTasks(running, 1) &&
+                m_store.GetAllTask(tasks, 1, 2) && m_store.GetAllCompleteTask(tasks, 1, 2) &&
+                m_store.GetTask(task.UniqueId, task) && m_store.DeleteTasksFromTransferTask(1) &&
+                m_store.ExecuteSQL("nonsense"));
+    m_store.GetAllUploadTaskProperties(uploads);
+    EXPECT_EQ(m_store.GetDownloadTask(1), nullptr);
+    EXPECT_TRUE(finished.empty() && running.empty() && uploads.empty() && tasks.empty());
+    EXPECT_EQ(transfer.cells(task), transfer.cells(transfer.filled(1)));
+    EXPECT_FALSE(m_store.DropUploadTaskTable());
+    EXPECT_EQ(m_log.take().size(), 10U * 3) << "each open and its failure";
+}
+
+TEST(TransferRecords, FreshRecordsAndUtf8Views)
+{
+    const std::vector<std::string> fresh{"-1", "''", "''", "0", "''", "0", "0", "0", "''", "0"};
+    EXPECT_EQ(completed.cells(C()), fresh);
+    EXPECT_EQ(D().id, -1);
+    EXPECT_FALSE(D().isFastTrans || D().isMoveData || U{}.isMoveData);
+    EXPECT_EQ(D().RecordType + TransTaskType().ModuleType + TransTaskType().TransferType + TransTaskVec().TaskList, 0);
+
+    const std::string text = "\xE5\x90\x8D.txt";
+    D running;
+    running.SetFileNameU8("1" + text);
+    running.SetLocalPathU8("2" + text);
+    running.SetRelativePathU8("3" + text);
+    C finished;
+    finished.SetFileNameU8("4" + text);
+    finished.SetLocalPathU8("5" + text);
+    EXPECT_EQ(running.fileName, L"1\u540D.txt");
+    EXPECT_EQ(running.GetFileNameU8() + running.GetLocalPathU8() + running.GetRelativePathU8() +
+                  finished.GetFileNameU8() + finished.GetLocalPathU8(),
+              "1" + text + "2" + text + "3" + text + "4" + text + "5" + text);
+    running.SetFileNameU8("");
+    EXPECT_EQ(running.GetFileNameU8(), "");
+}
