@@ -44,6 +44,7 @@ set(databaseservice_headers
   gallerytables.h
   integers.h
   keptconnections.h
+  legacyrecords.h
   maindatabaseprovider.h
   maindbsqlprovider.h
   transdbconn.h
@@ -52,6 +53,7 @@ set(databaseservice_headers
   transmissiondbmodule.h
   userlog.h
   userproperties.h
+  v10.h
   version.h
 )
 list(TRANSFORM databaseservice_headers PREPEND ${PROJECT_SOURCE_DIR}/infrastructure/databaseservice/)

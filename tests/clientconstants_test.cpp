@@ -42,6 +42,9 @@ TEST(ClientConstants, NamesToMimeTypesAndGroups)
     }
 }
 
+static_assert(extensionsOf<ExtensionGroup::Spreadsheet>.front() == "csv" &&
+              extensionsOf<ExtensionGroup::Spreadsheet>.back() == "xltx");
+
 // What no lookup could find, and what contradicts itself.
 TEST(ClientConstants, TheTableIsConsistent)
 {
@@ -54,6 +57,7 @@ TEST(ClientConstants, TheTableIsConsistent)
         const std::string_view kind = known.mimeType.substr(0, known.mimeType.find('/'));
         EXPECT_TRUE(kind != "audio" || known.group == ExtensionGroup::Audio);
         EXPECT_TRUE(kind != "font" || known.group == ExtensionGroup::Font);
+        EXPECT_NE(iconPathOf(known.group), unknownIconPath) << "each group has an icon";
     }
 }
 

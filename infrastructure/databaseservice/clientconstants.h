@@ -8,8 +8,9 @@
 #include <cstdint>
 #include <string_view>
 
-/// Constants that the client's parts share: what a file's name tells about the file. The library itself reads none
-/// of them. Everything here is constant and may be used from any thread.
+/// Constants that the client's parts share: what a file's name tells about the file, the paths of icons, albums and
+/// requests, and the names of settings. The library itself reads the name of one setting and nothing else. Everything
+/// here is constant from before the first to after the last line of the program, and may be used from any thread.
 namespace DatabaseService::ClientConstants {
 
 // --- Mime types that no extension stands for ----------------------------------------------------------------------
@@ -731,5 +732,108 @@ constexpr ExtensionGroup groupOf(std::string_view fileName) noexcept
     const KnownExtension* const known = findExtension(fileName);
     return known == nullptr ? ExtensionGroup::Unknown : known->group;
 }
+
+/// The extensions of one group, sorted, for filters of file dialogs and the like.
+template <ExtensionGroup Group>
+inline constexpr auto extensionsOf = [] {
+    constexpr auto isMember = [](const KnownExtension& known) { return known.group == Group; };
+    std::array<std::string_view, std::count_if(knownExtensions.begin(), knownExtensions.end(), isMember)> extensions{};
+    std::size_t size = 0;
+    for (const KnownExtension& known : knownExtensions) {
+        if (isMember(known)) {
+            extensions[size++] = known.extension;
+        }
+    }
+    return extensions;
+}();
+
+// --- Icons --------------------------------------------------------------------------------------------------------
+// Below the client's folder of resources.
+
+inline constexpr std::string_view folderIconPath = "FileIcon/folder.png";
+inline constexpr std::string_view unknownIconPath = "FileIcon/unknown.png";
+
+/// The icon of a kind of files.
+constexpr std::string_view iconPathOf(ExtensionGroup group) noexcept
+{
+    switch (group) {
+    case ExtensionGroup::Picture:
+        return "FileIcon/picture.png";
+    case ExtensionGroup::RawPhoto:
+        return "FileIcon/rawphoto.png";
+    case ExtensionGroup::Video:
+        return "FileIcon/video.png";
+    case ExtensionGroup::Audio:
+        return "FileIcon/audio.png";
+    case ExtensionGroup::Document:
+        return "FileIcon/document.png";
+    case ExtensionGroup::Spreadsheet:
+        return "FileIcon/spreadsheet.png";
+    case ExtensionGroup::Presentation:
+        return "FileIcon/presentation.png";
+    case ExtensionGroup::Archive:
+        return "FileIcon/archive.png";
+    case ExtensionGroup::Code:
+        return "FileIcon/code.png";
+    case ExtensionGroup::Font:
+        return "FileIcon/font.png";
+    case ExtensionGroup::Data:
+        return "FileIcon/data.png";
+    case ExtensionGroup::System:
+        return "FileIcon/system.png";
+    case ExtensionGroup::Unknown:
+        break;
+    }
+    return unknownIconPath;
+}
+
+// --- Albums -------------------------------------------------------------------------------------------------------
+// What stands in `Lpath` of the albums that every gallery has; the user's own lie below `userAlbumsPath`.
+
+inline constexpr std::string_view cameraAlbumPath = "/Camera";
+inline constexpr std::string_view screenshotAlbumPath = "/Screenshots";
+inline constexpr std::string_view videoAlbumPath = "/Videos";
+inline constexpr std::string_view favoriteAlbumPath = "/Favorites";
+inline constexpr std::string_view recycleAlbumPath = "/Recycled";
+inline constexpr std::string_view userAlbumsPath = "/Albums/";
+
+// --- Requests -----------------------------------------------------------------------------------------------------
+// Paths behind the address of the server, which the client is told when it signs in.
+
+/// One listing of all items; what changed since; where the next list of changes begins.
+inline constexpr std::string_view driveFilesPath = "/drive/files";
+inline constexpr std::string_view driveChangesPath = "/drive/changes";
+inline constexpr std::string_view driveStartCursorPath = "/drive/cursor";
+/// Contents and previews.
+inline constexpr std::string_view driveUploadPath = "/drive/upload";
+inline constexpr std::string_view driveDownloadPath = "/drive/download";
+inline constexpr std::string_view driveThumbnailPath = "/drive/thumbnails";
+/// Many actions in one request; space taken and left.
+inline constexpr std::string_view driveBatchPath = "/drive/batch";
+inline constexpr std::string_view driveSpacePath = "/drive/space";
+inline constexpr std::string_view galleryFilesPath = "/gallery/files";
+inline constexpr std::string_view galleryAlbumsPath = "/gallery/albums";
+inline constexpr std::string_view galleryChangesPath = "/gallery/changes";
+/// Where the logs of usage go.
+inline constexpr std::string_view usageLogPath = "/usage/logs";
+
+// --- Settings -----------------------------------------------------------------------------------------------------
+// Keys of `UserProperties`. Values are text: flags "0" or "1", numbers in digits.
+
+/// The path of the synchronised folder; `GetAllUserProperties` gives its long form.
+inline constexpr const wchar_t* syncCloudFolderKey = L"SyncCloudFolder";
+/// The folder that downloads go to.
+inline constexpr const wchar_t* downloadFolderKey = L"DownloadFolder";
+/// Flags: start with the system; bring new pictures to the gallery; tell the user when a transfer is complete.
+inline constexpr const wchar_t* startWithSystemKey = L"StartWithSystem";
+inline constexpr const wchar_t* automaticUploadKey = L"AutomaticUpload";
+inline constexpr const wchar_t* notifyCompletionKey = L"NotifyCompletion";
+/// Bytes per second; 0 for no limit.
+inline constexpr const wchar_t* uploadLimitKey = L"UploadLimit";
+inline constexpr const wchar_t* downloadLimitKey = L"DownloadLimit";
+/// Transfers that run at the same time.
+inline constexpr const wchar_t* parallelTransfersKey = L"ParallelTransfers";
+/// A language tag such as "en-GB"; empty for the system's language.
+inline constexpr const wchar_t* languageKey = L"Language";
 
 } // namespace DatabaseService::ClientConstants

@@ -55,6 +55,9 @@ protected:
     /// Called before every close.
     virtual void BeforeClose(sqlite3* db);
 
+    /// What every connection does while its file is locked: waits 10 milliseconds and tries again, without limit.
+    static int BusyHandler(void* data, int count);
+
     /// Opens the store, creating the file when it is missing. The caller owns the connection and gives it back to
     /// `CloseDatabase`. Null when the open failed.
     sqlite3* GetDbConnection();
@@ -124,7 +127,6 @@ private:
     enum class Opened { Yes, Failed, NoHandle };
 
     Opened OpenDatabase(sqlite3*& db, int flags);
-    static int BusyHandler(void* data, int count);
     bool BeginReadTransaction(sqlite3* db);
     bool BeginReadWriteTransaction(sqlite3* db);
     bool CommitTransaction(sqlite3* db);

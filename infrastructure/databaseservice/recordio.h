@@ -65,7 +65,7 @@ template <class Value> RecordSource<Value, Value> oneValue(const Statement<Value
     return RecordSource<Value, Value>(statement, {&value, 1});
 }
 
-/// Rows on their way into records. `Element` is the record itself or a shared pointer to one.
+/// Rows on their way into records. `Element` is the record itself, a class derived from it or a shared pointer to one.
 template <class Record, class Element> class RecordSink final : public RowSink {
 public:
     RecordSink(const ColumnList<Record>& columns, std::vector<Element>& rows) : m_columns(columns), m_rows(rows) { }
@@ -87,7 +87,7 @@ private:
         if (m_rows.size() == m_rows.capacity() && m_rows.size() < fastGrowth) {
             m_rows.reserve(std::max<std::size_t>(8, 4 * m_rows.size()));
         }
-        if constexpr (std::is_same_v<Record, Element>) {
+        if constexpr (std::is_base_of_v<Record, Element>) {
             return m_rows.emplace_back();
         } else {
             return *m_rows.emplace_back(std::make_shared<Record>());

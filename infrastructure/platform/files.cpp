@@ -6,6 +6,12 @@
 
 namespace platform {
 
+void createFolder(const std::wstring& path)
+{
+    std::error_code ignored;
+    std::filesystem::create_directory(toPath(path), ignored);
+}
+
 void removeAll(const std::wstring& path)
 {
     std::error_code ignored;

@@ -17,6 +17,9 @@ struct FoundFile {
 /// matches every name, as it does there.
 std::vector<FoundFile> findFiles(const std::wstring& pattern);
 
+/// Creates a folder, and none above it, where nothing of the name is there and the system allows it.
+void createFolder(const std::wstring& path);
+
 /// Removes a file. 0, or the system's number for what went wrong.
 unsigned long deleteFile(const std::wstring& path);
 

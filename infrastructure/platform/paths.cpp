@@ -1,6 +1,14 @@
 #include "platform/paths.h"
 
+#include <algorithm>
+
 namespace platform {
+
+std::wstring fromBackslashes(std::wstring path)
+{
+    std::replace(path.begin(), path.end(), L'\\', folderSeparator);
+    return path;
+}
 
 bool exists(const std::wstring& path) noexcept
 {

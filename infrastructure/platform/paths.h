@@ -18,6 +18,9 @@ bool exists(const std::wstring& path) noexcept;
 /// What stands between a folder and the names in it.
 extern const wchar_t folderSeparator;
 
+/// A path whose folders end in `\`, with the system's own separator in its place.
+std::wstring fromBackslashes(std::wstring path);
+
 /// The long form of a path that may hold short 8.3 names; elsewhere than on Windows the path itself. Nothing when the
 /// path does not exist, or when the long form does not fit into 260 characters with its end.
 std::optional<std::wstring> longPathName(const std::wstring& path);

@@ -1,0 +1,180 @@
+#include "databaseservice/v10.h"
+
+#include "clientservices/cloudlogger.h"
+#include "databaseservice/datamigrationdb.h"
+#include "databaseservice/keepconnection.h"
+#include "databaseservice/legacycolumns.h"
+#include "databaseservice/recordio.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace DatabaseService::V10 {
+
+namespace {
+
+DataMigrationDB s_migrationDb;
+std::string s_legacyDbPath;            // UTF-8, folders end in a backslash
+sqlite3* s_legacyConnection = nullptr; // the newest; null when it could not be opened
+
+template <class Columns> bool create(std::string_view table)
+{
+    return s_migrationDb.Execute(
+        s_legacyConnection, createTable("CREATE TABLE IF NOT EXISTS " + std::string(table) + " (", Columns::table));
+}
+
+bool PrepareLegacyTables(const std::wstring& path)
+{
+    s_legacyConnection = s_migrationDb.OpenLegacyDatabase(path);
+    if (s_legacyConnection == nullptr) {
+        return false;
+    }
+    keepConnection(s_legacyConnection, path, "the reader of the legacy file leaves its connections open");
+    if (!create<GalleryFileColumns>("GalleryFile")) {
+        // The engine's lines do not tell the file.
+        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, "DatabaseService::V10::PrepareLegacyTables",
+                                                   L"no table could be laid down in the legacy file " + path, true);
+        return false;
+    }
+    create<AlbumLocalVersionColumns>("AlbumLocalVersion");
+    create<AlbumColumns>("Album");
+    create<DownloadTaskColumns>("DownloadTask");
+    create<TransferCompleteCloudTaskColumns>("TransferCompleteCloudTask");
+    create<UploadTaskColumns>("UploadTask");
+    create<UserPropertiesColumns>("UserProperties");
+    create<UserLogColumns>("UserLog");
+    create<UserLogColumns>("UBAUserLog");
+    return true;
+}
+
+bool ReopenLegacyDatabase()
+{
+    return PrepareLegacyTables(platform::toWide(s_legacyDbPath));
+}
+
+/// Rows into records, up to the first that throws. What it threw waits for the end of the transaction.
+template <class Record, class Element> class LegacyRows final : public RowSink {
+public:
+    LegacyRows(const ColumnList<Record>& columns, std::vector<Element>& records)
+        : m_rows(columns, records),
+          m_records(records)
+    {
+    }
+
+    void Row(CellReader& cells) override
+    {
+        if (m_thrown != nullptr) {
+            return;
+        }
+        const std::size_t whole = m_records.size();
+        try {
+            m_rows.Row(cells);
+        } catch (...) {
+            m_thrown = std::current_exception();
+            m_records.resize(whole);
+        }
+    }
+
+    void rethrow() const
+    {
+        if (m_thrown != nullptr) {
+            std::rethrow_exception(m_thrown);
+        }
+    }
+
+private:
+    RecordSink<Record, Element> m_rows;
+    std::vector<Element>& m_records;
+    std::exception_ptr m_thrown;
+};
+
+template <class Record, class Element>
+bool read(const ColumnList<Record>& columns, const std::string& from, std::vector<Element>& records)
+{
+    if (s_legacyDbPath.empty()) {
+        return false;
+    }
+    ReopenLegacyDatabase();
+    if (s_legacyConnection == nullptr) {
+        return false;
+    }
+    LegacyRows<Record, Element> rows(columns, records);
+    const bool committed =
+        s_migrationDb.Execute(s_legacyConnection, nullptr, selectText(columns, from), nullptr, &rows);
+    rows.rethrow();
+    return committed;
+}
+
+const char* whereTaskType(bool isOne)
+{
+    return isOne ? " WHERE TaskType = 1" : " WHERE TaskType != 1";
+}
+
+} // namespace
+
+bool InitDB(std::wstring path)
+{
+    if (path.empty()) {
+        return true;
+    }
+    std::replace(path.begin(), path.end(), L'/', L'\\');
+    s_legacyDbPath = platform::toUtf8(path);
+    // What will be opened is asked for: text that is not Unicode is not the same afterwards.
+    if (!platform::exists(platform::fromBackslashes(platform::toWide(s_legacyDbPath)))) {
+        s_legacyDbPath.clear();
+        return false;
+    }
+    return ReopenLegacyDatabase();
+}
+
+bool GetAllGalleryFile(std::vector<GalleryFile>& records)
+{
+    return read(GalleryFileColumns::selected, "FROM GalleryFile;", records);
+}
+
+bool GetAllAlbumLocalVersion(std::vector<AlbumLocalVersion>& records)
+{
+    return read(AlbumLocalVersionColumns::selected, "FROM AlbumLocalVersion;", records);
+}
+
+bool GetAllAlbum(std::vector<Album>& records)
+{
+    return read(AlbumColumns::selected, "FROM Album;", records);
+}
+
+bool GetAllDownloadTask(std::vector<DownloadTask>& records, bool taskTypeIsOne)
+{
+    return read(DownloadTaskColumns::selected, std::string("FROM DownloadTask") + whereTaskType(taskTypeIsOne),
+                records);
+}
+
+bool GetAllTransferCompleteCloudTask(std::vector<TransferCompleteCloudTask>& records, bool taskTypeIsOne)
+{
+    return read(TransferCompleteCloudTaskColumns::selected,
+                std::string("FROM TransferCompleteCloudTask") + whereTaskType(taskTypeIsOne), records);
+}
+
+bool GetAllUploadTask(std::vector<UploadTask>& records)
+{
+    return read(UploadTaskColumns::selected, "FROM UploadTask;", records);
+}
+
+bool GetAllUserProperties(std::vector<UserProperties>& records)
+{
+    return read(UserPropertiesColumns::selected, "FROM UserProperties;", records);
+}
+
+bool GetAllUserLog(std::vector<UserLog>& records)
+{
+    return read(UserLogColumns::selected, "FROM UserLog;", records);
+}
+
+// The other log table, too: clients get the rows of `UserLog` from both.
+bool GetAllUBAUserLog(std::vector<UBAUserLog>& records)
+{
+    return read(UserLogColumns::selected, "FROM UserLog;", records);
+}
+
+} // namespace DatabaseService::V10

@@ -1,0 +1,501 @@
+// The legacy file: what its readers make of each table, and of files that are not what they should be.
+
+#include "databaseservice/keptconnections.h"
+#include "databaseservice/v10.h"
+#include "support/enginelines.h"
+#include "support/filebytes.h"
+#include "support/storetest.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <map>
+#include <numeric>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+
+using namespace testsupport;
+using namespace DatabaseService::V10;
+using DatabaseService::ListKeptConnections;
+
+namespace {
+
+/// A column's name and the member behind it, as SQL shows it.
+template <class Record> struct Field {
+    template <class Value, class Owner> Field(const char* column, Value Owner::*member) : name(column)
+    {
+        cell = [member](const Record& record) {
+            std::ostringstream text;
+            text << record.*member;
+            return std::is_same_v<Value, std::string> ? textCell(text.str()) : text.str();
+        };
+    }
+
+    std::string name;
+    std::function<std::string(const Record&)> cell;
+};
+
+std::string joined(const std::vector<std::string>& words)
+{
+    return std::accumulate(words.begin(), words.end(), std::string(),
+                           [](auto all, const auto& word) { return all + (all.empty() ? "" : ",") + word; });
+}
+
+struct Table {
+    std::string name;
+    std::string kinds; ///< Text, Moment, Integer of 32 bits, Long one, Real, Double
+    std::vector<std::string> columns;
+    std::function<std::optional<Rows>()> read;
+
+    bool isText(std::size_t at) const { return kinds[at] == 'T' || kinds[at] == 'M'; }
+    bool isFraction(std::size_t at) const { return kinds[at] == 'R' || kinds[at] == 'D'; }
+
+    std::string type(std::size_t at) const
+    {
+        const std::string text = name == "GalleryFile" ? "VARCHAR" : "TEXT";
+        return std::map<char, std::string>{{'T', text},      {'M', "DATETIME"}, {'I', "INTEGER"},
+                                           {'L', "INTEGER"}, {'R', "REAL"},     {'D', "DOUBLE"}}
+            .at(kinds[at]);
+    }
+
+    /// Values that differ from column to column.
+    std::vector<std::string> row() const
+    {
+        std::vector<std::string> values;
+        for (std::size_t at = 0; at < columns.size(); ++at) {
+            const std::string number = std::to_string(at + 100);
+            values.push_back(isText(at)             ? textCell(columns[at] + " \xE5\x90\x8D")
+                                 : isFraction(at)   ? number + ".5"
+                                 : kinds[at] == 'L' ? "5000000" + number
+                                                    : '-' + number);
+        }
+        return values;
+    }
+
+    std::string insert(const std::vector<std::string>& values) const
+    {
+        return "INSERT INTO " + name + " VALUES(" + joined(values) + ");";
+    }
+
+    /// The table anew without constraints, its columns of their own types or of another.
+    std::string createPlain(const char* otherType = nullptr) const
+    {
+        std::vector<std::string> declared;
+        for (std::size_t at = 0; at < columns.size(); ++at) {
+            declared.push_back('"' + columns[at] + "\" " + (otherType != nullptr ? otherType : type(at)));
+        }
+        return "DROP TABLE IF EXISTS " + name + "; CREATE TABLE " + name + '(' + joined(declared) + ");";
+    }
+};
+
+template <class Record, class Read>
+Table table(const char* name, const char* kinds, const std::vector<Field<Record>>& fields, Read reader)
+{
+    const auto read = [=]() -> std::optional<Rows> {
+        std::vector<Record> records;
+        if (!reader(records)) {
+            return std::nullopt;
+        }
+        Rows rows(records.size());
+        for (std::size_t at = 0; at < rows.size(); ++at) {
+            for (const Field<Record>& field : fields) {
+                rows[at].push_back(field.cell(records[at]));
+            }
+        }
+        return rows;
+    };
+    Table table{name, kinds, {}, read};
+    for (const Field<Record>& field : fields) {
+        table.columns.push_back(field.name);
+    }
+    return table;
+}
+
+// clang-format off
+template <class T> std::vector<Field<T>> taskFields()
+{
+    std::vector<Field<T>> fields{
+        {"Id", &T::Id}, {"FileName", &T::FileName}, {"RelativePath", &T::RelativePath}, {"AlbumId", &T::AlbumId},
+        {"FileId", &T::FileId}, {"UniqueId", &T::UniqueId}, {"TotalLength", &T::TotalLength}, {"Speed", &T::Speed},
+        {"OldPosition", &T::OldPosition}, {"Position", &T::Position}, {"LocalPath", &T::LocalPath},
+        {"OriginalFileLocalPath", &T::OriginalFileLocalPath}, {"TaskStatus", &T::TaskStatus},
+        {"TaskType", &T::TaskType}, {"StartTime", &T::StartTime}, {"EndTime", &T::EndTime},
+        {"RealTime", &T::RealTime}, {"IsFastUpload", &T::IsFastUpload}, {"TransferId", &T::TransferId},
+        {"IsLocalFileDownload", &T::IsLocalFileDownload}};
+    if constexpr (std::is_same_v<T, UploadTask>) {
+        fields.emplace_back("ServerPath", &T::ServerPath);
+    }
+    return fields;
+}
+
+template <class T> auto bothHalves(bool (*read)(std::vector<T>&, bool))
+{
+    return [read](std::vector<T>& records) { return read(records, true) && read(records, false); };
+}
+
+using G = GalleryFile;
+using V = AlbumLocalVersion;
+using P = UserProperties;
+using L = UserLog;
+
+// In the order in which they are laid down; nothing reads the second table of logs.
+const Table tables[] = {
+    table<G>("GalleryFile", "TTTTLLTTLTLTTIILTTITLTITITTIITMTTT", {
+        {"UniqueId", &G::UniqueId}, {"FileId", &G::FileId}, {"VideoThumbId", &G::VideoThumbId}, {"Hash", &G::Hash},
+        {"CreateTime", &G::CreateTime}, {"FirstUpdateTime", &G::FirstUpdateTime}, {"ThumbFileId", &G::ThumbFileId},
+        {"LcdFileId", &G::LcdFileId}, {"Size", &G::Size}, {"RecycleAlbumId", &G::RecycleAlbumId},
+        {"RecycleTime", &G::RecycleTime}, {"Guid", &G::Guid}, {"Expand", &G::Expand},
+        {"GalleryState", &G::GalleryState}, {"IsLocalUpload", &G::IsLocalUpload},
+        {"LocalUploadTime", &G::LocalUploadTime}, {"OriginalAlbumId", &G::OriginalAlbumId},
+        {"ServerAlbumId", &G::ServerAlbumId}, {"Offset", &G::Offset}, {"LocalPath", &G::LocalPath},
+        {"OperateTime", &G::OperateTime}, {"CoverUniqueId", &G::CoverUniqueId},
+        {"ContinuousType", &G::ContinuousType}, {"ContinuousName", &G::ContinuousName}, {"IsDeleted", &G::IsDeleted},
+        {"FileName", &G::FileName}, {"AlbumId", &G::AlbumId}, {"IsFavorite", &G::IsFavorite},
+        {"SavedFileType", &G::SavedFileType}, {"CheckSumn", &G::CheckSumn}, {"Sdsmtime", &G::Sdsmtime},
+        {"VideoDownloadLocalPath", &G::VideoDownloadLocalPath}, {"PictureMetadata", &G::PictureMetadata},
+        {"VideoMetadata", &G::VideoMetadata}}, GetAllGalleryFile),
+    table<V>("AlbumLocalVersion", "TTLTLILTTLTTT", {
+        {"AlbumVersion", &V::AlbumVersion}, {"AlbumListVersion", &V::AlbumListVersion},
+        {"LatestVersion", &V::LatestVersion}, {"ClearVersion", &V::ClearVersion}, {"UpdateTime", &V::UpdateTime},
+        {"HasDownAll", &V::HasDownAll}, {"TempVersion", &V::TempVersion}, {"Cursor", &V::Cursor},
+        {"RecyCursor", &V::RecyCursor}, {"BriefingTime", &V::BriefingTime}, {"SyncToken", &V::SyncToken},
+        {"CloudPhotoVersion", &V::CloudPhotoVersion}, {"FileCursor", &V::FileCursor}}, GetAllAlbumLocalVersion),
+    table<Album>("Album", "TTLTTTIT", {
+        {"AlbumId", &Album::AlbumId}, {"AlbumName", &Album::AlbumName}, {"CreateTime", &Album::CreateTime},
+        {"Lpath", &Album::Lpath}, {"AlbumType", &Album::AlbumType}, {"Operation", &Album::Operation},
+        {"IsDelete", &Album::IsDelete}, {"Expand", &Album::Expand}}, GetAllAlbum),
+    table<DownloadTask>("DownloadTask", "ITTTTTLILLTTIILLRITI", taskFields<DownloadTask>(),
+                        bothHalves(GetAllDownloadTask)),
+    table<TransferCompleteCloudTask>("TransferCompleteCloudTask", "ITTTTTLILLTTIILTRITI",
+                                     taskFields<TransferCompleteCloudTask>(),
+                                     bothHalves(GetAllTransferCompleteCloudTask)),
+    table<UploadTask>("UploadTask", "ITTTTTLILLTTIITLRITIT", taskFields<UploadTask>(), GetAllUploadTask),
+    table<P>("UserProperties", "ITT", {{"Id", &P::Id}, {"key", &P::key}, {"Value", &P::Value}}, GetAllUserProperties),
+    table<L>("UserLog", "ITTTTTTTTDDTTTTTLLTTTTDTI", {
+        {"Id", &L::Id}, {"Time", &L::Time}, {"Action", &L::Action}, {"UserId", &L::UserId}, {"DevId", &L::DevId},
+        {"Code", &L::Code}, {"Info", &L::Info}, {"Extend", &L::Extend}, {"TraceId", &L::TraceId},
+        {"UseTime", &L::UseTime}, {"StartTime", &L::StartTime}, {"Model", &L::Model}, {"Romversion", &L::Romversion},
+        {"Appversion", &L::Appversion}, {"Reqsize", &L::Reqsize}, {"Rspsize", &L::Rspsize},
+        {"Logversion", &L::Logversion}, {"TraceEndFlag", &L::TraceEndFlag}, {"CurModule", &L::CurModule},
+        {"Actiontype", &L::Actiontype}, {"NextModule", &L::NextModule}, {"CountryCode", &L::CountryCode},
+        {"ResidenceTime", &L::ResidenceTime}, {"OprType", &L::OprType}, {"IsMaintenanceLog", &L::IsMaintenanceLog}}, GetAllUserLog),
+};
+// clang-format on
+const Table& gallery = tables[0];
+const Table& uploads = tables[5];
+const Table& userLog = tables[7];
+
+class Legacy : public StoreTest {
+protected:
+    Legacy() { writeBytes(m_path, {}); }
+    ~Legacy() override { InitDB(wide(path(L"missing"))); } // the path lasts as long as the process
+
+    static std::wstring wide(const std::filesystem::path& path) { return platform::toWide(platform::toUtf8(path)); }
+
+    /// A path as it is kept.
+    static std::string shown(std::filesystem::path path)
+    {
+        std::string text = platform::toUtf8(path);
+        std::replace(text.begin(), text.end(), '/', '\\');
+        return text;
+    }
+
+    /// Whether each reader returns `expected`.
+    static void expectAll(bool expected)
+    {
+        std::vector<UBAUserLog> records;
+        EXPECT_EQ(GetAllUBAUserLog(records), expected);
+        for (const Table& table : tables) {
+            EXPECT_EQ(table.read().has_value(), expected) << table.name;
+        }
+    }
+
+    const std::filesystem::path m_path = path(L"legacy \xE9.db");
+    const std::wstring m_name = wide(m_path);
+};
+
+} // namespace
+
+TEST_F(Legacy, EachTableIsLaidDownAndReadWhole)
+{
+    EXPECT_TRUE(InitDB(m_name));
+    SqliteFile file(m_path);
+    std::string order;
+    for (const Table& table : tables) {
+        SCOPED_TRACE(table.name);
+        order += table.name + ',';
+        Rows schema;
+        for (std::size_t at = 0; at < table.columns.size(); ++at) {
+            const bool mayBeNull = at != 0 && &table == &gallery;
+            schema.push_back({textCell(table.columns[at]), textCell(table.type(at)), mayBeNull ? "0" : "1", "NULL",
+                              at == 0 ? "1" : "0"});
+        }
+        EXPECT_EQ(file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" + table.name +
+                             "') ORDER BY cid"),
+                  schema);
+        EXPECT_EQ(table.read(), Rows());
+        file.exec(table.insert(table.row()));
+        EXPECT_EQ(table.read(), Rows{table.row()});
+    }
+    const std::string named = "FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite%'";
+    EXPECT_EQ(file.value("SELECT group_concat(name, ',') " + named), textCell(order + "UBAUserLog"));
+    EXPECT_EQ(file.value("SELECT count(*) " + named + " AND sql LIKE '%(Id INTEGER PRIMARY KEY AUTOINCREMENT %'"), "6");
+    EXPECT_EQ(file.value("SELECT count(DISTINCT replace(sql, 'UBAUserLog', 'UserLog')) " + named +
+                         " AND name LIKE '%UserLog'"),
+              "1");
+}
+
+TEST_F(Legacy, RowsAreAppendedAndChosenAsTheReaderSays)
+{
+    EXPECT_TRUE(InitDB(m_name));
+    SqliteFile file(m_path);
+    for (const std::string table : {"DownloadTask", "TransferCompleteCloudTask"}) {
+        for (const char* type : {"1", "0", "-1", "4294967297", "'text'", "1.5"}) {
+            file.exec("INSERT INTO " + table + " VALUES(NULL,'','','','','',0,0,0,0,'','',0," + type +
+                      ",0,0,0,0,'',0)");
+        }
+    }
+    for (const bool isOne : {true, false}) {
+        std::vector<DownloadTask> downloads;
+        std::vector<TransferCompleteCloudTask> transfers;
+        EXPECT_TRUE(GetAllDownloadTask(downloads, isOne) && GetAllTransferCompleteCloudTask(transfers, isOne));
+        ASSERT_EQ(downloads.size(), isOne ? 1U : 5U);
+        ASSERT_EQ(transfers.size(), downloads.size());
+        EXPECT_EQ(downloads[0].Id, isOne ? 1 : 2);
+        EXPECT_EQ(transfers[0].Id, isOne ? 1 : 2);
+    }
+
+    file.exec("INSERT INTO UserProperties([key], Value) VALUES('a','1'),('b','2')");
+    std::vector<UserProperties> settings(1);
+    EXPECT_TRUE(GetAllUserProperties(settings) && GetAllUserProperties(settings));
+    ASSERT_EQ(settings.size(), 5U);
+    EXPECT_EQ(settings[1].key + settings[2].key + settings[3].key + settings[4].Value, "aba2");
+
+    file.exec(userLog.insert(userLog.row()));
+    file.exec("INSERT INTO UBAUserLog SELECT * FROM UserLog; UPDATE UBAUserLog SET Time = 'never read'");
+    std::vector<UBAUserLog> records;
+    EXPECT_TRUE(GetAllUBAUserLog(records));
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(textCell(records[0].Time), userLog.row()[1]);
+    EXPECT_EQ(records[0].ResidenceTime, 122.5);
+}
+
+TEST_F(Legacy, CellsOfTheWrongKindAndNullsAreEmpty)
+{
+    EXPECT_TRUE(InitDB(m_name));
+    SqliteFile file(m_path);
+    for (const Table& table : tables) {
+        SCOPED_TRACE(table.name);
+        file.exec(table.createPlain("")); // values stay as they are given
+        Rows expected;
+        std::vector<std::string> nulls;
+        std::vector<std::string> nothing;
+        for (std::size_t at = 0; at < table.columns.size(); ++at) {
+            const std::string empty = table.isText(at) ? textCell("") : std::string("0");
+            const bool chooses = table.columns[at] == "TaskType";
+            nulls.push_back(chooses ? "2" : "NULL");
+            nothing.push_back(chooses ? "2" : empty);
+            if (table.kinds[at] != 'D') {
+                auto values = table.row();
+                values[at] = table.isText(at) ? "7" : table.isFraction(at) ? "8" : "'7'";
+                file.exec(table.insert(values));
+                values[at] = empty;
+                expected.push_back(values);
+            }
+        }
+        EXPECT_EQ(table.read(), expected) << "the cursor moves on";
+
+        file.exec(table.createPlain() + table.insert(nulls));
+        if (&table == &userLog) {
+            EXPECT_THROW(table.read(), std::invalid_argument);
+        } else {
+            EXPECT_EQ(table.read(), Rows{nothing});
+        }
+    }
+}
+
+TEST_F(Legacy, WhatOddCellsBecome)
+{
+    EXPECT_TRUE(InitDB(m_name));
+    SqliteFile file(m_path);
+    file.exec("INSERT INTO GalleryFile(UniqueId, VideoDownloadLocalPath, PictureMetadata, VideoMetadata) "
+              "VALUES('1','path','picture','video');"
+              "INSERT INTO GalleryFile VALUES('2',x'00','moved',NULL,9223372036854775807,1e300,'t','l',"
+              "-9223372036854775808,'r','5','g','e',4294967301,2147483648,9e15,CAST(x'61006200' AS TEXT),"
+              "CAST(x'61FF62' AS TEXT),0,'',0,'',0,'',0,'','',0,0,'','20240102','v','p','m')");
+    std::vector<GalleryFile> rows;
+    EXPECT_TRUE(GetAllGalleryFile(rows));
+    ASSERT_EQ(rows.size(), 2U);
+    const GalleryFile& first = rows[0]; // a NULL of DATETIME is no cell
+    EXPECT_EQ(first.Sdsmtime + ',' + first.VideoDownloadLocalPath + ',' + first.PictureMetadata, "path,picture,video");
+    EXPECT_EQ(first.VideoMetadata, "");
+    EXPECT_EQ(rows[1].FileId, "moved") << "a blob is no cell";
+    EXPECT_EQ(rows[1].CreateTime, 0) << "too large to be whole, and so a text";
+
+    file.exec("UPDATE GalleryFile SET FileId = 'here' WHERE UniqueId = '2'");
+    rows.clear();
+    EXPECT_TRUE(GetAllGalleryFile(rows));
+    const GalleryFile& second = rows.at(1);
+    EXPECT_EQ(second.CreateTime, std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(second.FirstUpdateTime, 0);
+    EXPECT_EQ(second.Size, std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(second.RecycleTime, 5) << "the column makes the text a number";
+    EXPECT_EQ(second.GalleryState, 5) << "cut to the member";
+    EXPECT_EQ(second.IsLocalUpload, std::numeric_limits<std::int32_t>::min());
+    EXPECT_EQ(second.LocalUploadTime, 9'000'000'000'000'000);
+    EXPECT_EQ(second.OriginalAlbumId, "a");
+    EXPECT_EQ(second.ServerAlbumId,
+              "a\xEF\xBF\xBD"
+              "b");
+    EXPECT_EQ(second.Sdsmtime, "") << "the column makes digits a number";
+    EXPECT_EQ(second.VideoMetadata, "m");
+}
+
+TEST_F(Legacy, TimesAndRealNumbers)
+{
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    const std::string none = "invalid stod argument";
+    const std::string beyond = "stod argument out of range";
+    struct Case {
+        std::string text;
+        double value;
+        std::string thrown{};
+    };
+    // clang-format off
+    const Case cases[]{
+        {"12.5", 12.5}, {" \t\n\v\f\r+7,5", 7}, {"-.5e1x", -5}, {"1e+", 1}, {"1e39", 1e39}, {"5e-324", 5e-324},
+        {"0e999999999999999999999", 0}, {"0x1.8p3", 12}, {"-0X.8", -0.5}, {"0x", 0}, {"0x-1", 0}, {"0xinf", 0},
+        {"Inf", infinite}, {"-infinity and beyond", -infinite}, {"nan(1)x", std::nan("")},
+        {"", 0, none}, {" ", 0, none}, {"abc", 0, none}, {"+-5", 0, none}, {"--5", 0, none}, {".e5", 0, none},
+        {"\xC2\xA0" "5", 0, none}, {"1e999", infinite, beyond}, {"-1e999999999999999999999", -infinite, beyond},
+        {std::string(400, '9'), infinite, beyond}, {"0." + std::string(400, '0') + '1', 0, beyond},
+        {"2e-324", 0, beyond}, {"0x1p1024", infinite, beyond}, {"0x1p-1076", 0, beyond},
+    };
+    // clang-format on
+    const auto same = [](double left, double right) {
+        return left == right || (std::isnan(left) && std::isnan(right));
+    };
+    EXPECT_TRUE(InitDB(m_name));
+    SqliteFile file(m_path);
+    file.exec(userLog.createPlain("TEXT") + uploads.createPlain("TEXT"));
+    file.exec("PRAGMA busy_timeout = 0"); // nothing stays locked
+    for (const auto& [text, value, expected] : cases) {
+        SCOPED_TRACE(text);
+        for (const auto& [column, member] : {std::pair(9, &UserLog::UseTime), std::pair(10, &UserLog::StartTime),
+                                             std::pair(22, &UserLog::ResidenceTime)}) {
+            std::vector<std::string> values = userLog.row();
+            values[static_cast<std::size_t>(column)] = textCell(text);
+            file.exec("DELETE FROM UserLog;" + userLog.insert(userLog.row()) + userLog.insert(values) +
+                      userLog.insert(userLog.row()));
+            std::vector<UserLog> logs;
+            std::string thrown;
+            try {
+                EXPECT_TRUE(GetAllUserLog(logs));
+                EXPECT_TRUE(same(logs.at(1).*member, value)) << logs[1].*member;
+            } catch (const std::logic_error& error) {
+                thrown = error.what();
+                EXPECT_EQ(thrown == none, dynamic_cast<const std::invalid_argument*>(&error) != nullptr);
+                EXPECT_EQ(thrown == beyond, dynamic_cast<const std::out_of_range*>(&error) != nullptr);
+            }
+            EXPECT_EQ(thrown, expected);
+            EXPECT_EQ(logs.size(), expected.empty() ? 3U : 1U) << "rows before a bad one stay";
+        }
+        std::vector<std::string> values = uploads.row();
+        values[16] = textCell(text);
+        file.exec("DELETE FROM UploadTask;" + uploads.insert(values));
+        std::vector<UploadTask> tasks;
+        EXPECT_TRUE(GetAllUploadTask(tasks));
+        EXPECT_TRUE(same(tasks.at(0).RealTime, static_cast<float>(value))) << tasks[0].RealTime;
+    }
+}
+
+TEST_F(Legacy, WithoutAFileTheReadersAreOff)
+{
+    EXPECT_FALSE(InitDB(wide(path(L"missing"))));
+    EXPECT_TRUE(InitDB({}));
+    expectAll(false);
+    EXPECT_TRUE(InitDB(m_name));
+    EXPECT_TRUE(InitDB({})) << "changes nothing";
+    expectAll(true);
+    const std::size_t kept = ListKeptConnections().size();
+    EXPECT_FALSE(InitDB(wide(path(L"missing/legacy.db"))));
+    expectAll(false);
+    EXPECT_EQ(ListKeptConnections().size(), kept);
+    EXPECT_FALSE(std::filesystem::exists(path(L"missing")));
+}
+
+TEST_F(Legacy, EachConnectionIsKeptAndItsPathHasBackslashes)
+{
+    std::filesystem::create_directory(path(L"sub"));
+    writeBytes(path(L"sub/legacy.db"), {});
+    for (const wchar_t* rest : {L"/sub/legacy.db", L"\\sub\\legacy.db", L"/sub\\legacy.db"}) {
+        const std::size_t before = ListKeptConnections().size();
+        EXPECT_TRUE(InitDB(wide(m_folder.path()) + rest));
+        EXPECT_EQ(tables[2].read(), Rows());
+        const auto kept = ListKeptConnections();
+        ASSERT_EQ(kept.size(), before + 2);
+        EXPECT_EQ(platform::toUtf8(kept.back().database), shown(path(L"sub/legacy.db")));
+        EXPECT_EQ(kept.back().reason, "the reader of the legacy file leaves its connections open");
+    }
+    EXPECT_GT(std::filesystem::file_size(path(L"sub/legacy.db")), 0U);
+}
+
+TEST_F(Legacy, FilesThatAreNone)
+{
+    const std::size_t kept = ListKeptConnections().size();
+    const auto file = path(L"sub/legacy.db");
+    std::filesystem::create_directories(file);
+    std::vector<Album> albums;
+    EXPECT_FALSE(InitDB(wide(file))) << "a folder";
+    EXPECT_FALSE(GetAllAlbum(albums));
+    const ExpectedLine open{"DatabaseService::V10::DataMigrationDB::OpenLegacyDatabase",
+                            "the legacy file " + shown(file) + " could not be opened: unable to open database file"};
+    EXPECT_TRUE(m_log.failuresWere({open, open}));
+    EXPECT_EQ(ListKeptConnections().size(), kept) << "a failed open leaves nothing";
+    std::filesystem::remove_all(path(L"sub"));
+    EXPECT_TRUE(GetAllAlbum(albums)) << "file and folder are created";
+    EXPECT_TRUE(std::filesystem::is_regular_file(file));
+    EXPECT_TRUE(m_log.failuresWere({}));
+
+    const std::string foreign = "\x89PNG" + std::string(5000, 'p');
+    writeBytes(m_path, foreign);
+    const ExpectedLine prepare = EngineLines("").prepare;
+    const ExpectedLine unusable{"DatabaseService::V10::PrepareLegacyTables",
+                                "no table could be laid down in the legacy file " + shown(m_path)};
+    EXPECT_FALSE(InitDB(m_name));
+    EXPECT_FALSE(GetAllAlbum(albums));
+    EXPECT_TRUE(m_log.failuresWere({prepare, unusable, prepare, unusable, prepare}));
+    EXPECT_EQ(bytesOf(m_path), foreign);
+
+    // Where only the first table cannot be laid down, the rest can be read.
+    const auto taken = path(L"taken.db");
+    SqliteFile(taken).exec(tables[2].createPlain() + tables[2].insert(tables[2].row()) +
+                           "CREATE INDEX GalleryFile ON Album(AlbumId)");
+    EXPECT_FALSE(InitDB(wide(taken)));
+    EXPECT_EQ(tables[2].read(), Rows{tables[2].row()});
+    EXPECT_EQ(SqliteFile(taken).value("SELECT count(*) FROM sqlite_master"), "2") << "the first failure ends it";
+    m_log.take();
+}
+
+TEST_F(Legacy, AFileCutShort)
+{
+    SqliteFile(m_path).exec(tables[6].createPlain() +
+                            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000) "
+                            "INSERT INTO UserProperties SELECT i, 'key', hex(zeroblob(100)) FROM n");
+    const std::string whole = bytesOf(m_path);
+    for (const std::size_t part : {1U, 2U, 4U, 7U}) {
+        SCOPED_TRACE(part);
+        const std::wstring name = L"cut" + std::to_wstring(part);
+        writeBytes(path(name), whole.substr(0, whole.size() * part / 8));
+        InitDB(wide(path(name)));
+        std::vector<UserProperties> settings;
+        GetAllUserProperties(settings);
+        EXPECT_LT(settings.size(), 5000U);
+        for (const UserProperties& setting : settings) {
+            EXPECT_EQ(setting.key + setting.Value, "key" + std::string(200, '0'));
+        }
+        EXPECT_FALSE(m_log.take().empty());
+    }
+}
