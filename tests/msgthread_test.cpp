@@ -2,6 +2,7 @@
 
 #include "support/logcapture.h"
 #include "support/process.h"
+#include "support/runonthreads.h"
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using TessixDeskClient::ModuleBase;
+using testsupport::runOnThreads;
 
 constexpr int posters = 8;
 
@@ -31,17 +33,6 @@ protected:
 
     testsupport::LogCapture m_log;
 };
-
-template <class Body> void runOnThreads(int count, Body body)
-{
-    std::vector<std::thread> threads;
-    for (int number = 0; number < count; ++number) {
-        threads.emplace_back(body, number);
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}
 
 } // namespace
 

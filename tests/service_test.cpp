@@ -6,6 +6,7 @@
 #include "databaseservice/fastaccessdbprovider.h"
 #include "databaseservice/gallerydbprovider.h"
 #include "databaseservice/maindatabaseprovider.h"
+#include "databaseservice/transdbconn.h"
 #include "support/enginelines.h"
 #include "support/filebytes.h"
 #include "support/storetest.h"
@@ -110,6 +111,8 @@ TEST_F(Service, ARefusedFolderOrNameChangesNothing)
         {[] { ResetDataBase({}, L"a"); }, {}},
         {[&] { ResetDataBase(missing, L"a"); }, {}},
         {[&] { ResetDataBase(m_user, {}); }, {}},
+        {[] { ResetDataBaseChangeUser({}); }, {}},
+        {[&] { ResetDataBaseChangeUser(missing); }, {}},
     };
     for (const auto& [call, lines] : refused) {
         SCOPED_TRACE(&call - &refused[0].call);
@@ -156,6 +159,19 @@ TEST_F(Service, ResetEmptiesTheGalleryAndNothingElse)
     InitDataBase(m_user, L"gallery.dat");
     EXPECT_EQ(counts(), (std::vector{1, 0, 1}));
     GalleryDBProvider::InitGalleryDatabase(L"other.dat");
+    EXPECT_EQ(counts(), (std::vector{1, 1, 1}));
+}
+
+TEST_F(Service, AChangeOfUserEmptiesTheTransfersAndNothingElse)
+{
+    fillAll();
+    TransmissionDB::TransDbConn::DeleteTasksFromTransferTask(0); // lays down the tables
+    m_log.take();
+    g_userDataBaseFolder = L"before";
+    ResetDataBaseChangeUser(m_user);
+    EXPECT_EQ(course(), (std::vector<std::string>{"transmission.dat"}));
+    EXPECT_EQ(g_userDataBaseFolder, L"before");
+    EXPECT_EQ(tablesIn(path(L"transmission.dat")), "'sqlite_sequence'");
     EXPECT_EQ(counts(), (std::vector{1, 1, 1}));
 }
 

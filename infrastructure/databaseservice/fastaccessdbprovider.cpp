@@ -146,6 +146,7 @@ bool GetAllFastAccessData(std::function<void(uint64, int64)> callback)
     std::vector<FastAccessTable> rows;
     store.GetAllFastAccessRows(rows);
     std::vector<std::unique_ptr<FastAccessTable>> records;
+    records.reserve(rows.size());
     for (FastAccessTable& row : rows) {
         records.push_back(std::make_unique<FastAccessTable>(std::move(row)));
     }

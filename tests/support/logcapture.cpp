@@ -13,10 +13,17 @@ std::string describe(int severity, const std::string& function, const std::strin
     return std::to_string(severity) + ' ' + function + ": " + message;
 }
 
+// The transfer module's lines, which are no failures, by the numbers of the printf-style log.
+bool isOfTransferModule(const Logger::LogEntry& entry)
+{
+    return entry.severity == 0x40003 && entry.module == 1 && entry.line > 0 && !entry.flag && entry.tag == "unknow";
+}
+
 std::string describe(const Logger::LogEntry& entry)
 {
     std::string text = describe(entry.severity, entry.function, entry.message);
-    if (entry.module != 0 || entry.line <= 0 || (entry.severity == 5 && !entry.flag)) {
+    const bool isOdd = entry.module != 0 || entry.line <= 0 || (entry.severity == 5 && !entry.flag);
+    if (isOdd && !isOfTransferModule(entry)) {
         text += " (module " + std::to_string(entry.module) + ", line " + std::to_string(entry.line) + ", flag " +
             std::to_string(entry.flag) + ')';
     }
@@ -92,7 +99,8 @@ std::vector<Logger::LogEntry> LogCapture::takeEntries(bool failuresOnly)
     std::vector<Logger::LogEntry> entries = m_sink->Entries();
     m_sink->Clear();
     if (failuresOnly) {
-        std::erase_if(entries, [](const Logger::LogEntry& entry) { return entry.severity < 5; });
+        std::erase_if(entries,
+                      [](const Logger::LogEntry& entry) { return entry.severity < 5 || isOfTransferModule(entry); });
     }
     return entries;
 }

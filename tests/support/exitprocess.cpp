@@ -1,0 +1,60 @@
+// exitprocess FOLDER MADE STOPPED POSTS: makes the modules in the order of MADE, "tf" or "ft", posts to both, stops
+// those in STOPPED in its order, and exits while the others work. Exit code 0 when the log shows no failure until then.
+
+#include "clientservices/globalparamwrapper.h"
+#include "databaseservice/fastaccessdbmodule.h"
+#include "databaseservice/transmissiondbmodule.h"
+#include "platform/programentry.h"
+#include "platform/text.h"
+#include "support/logcapture.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <thread>
+
+using DatabaseService::FastAccessDB::FastAccessDBModule;
+using DatabaseService::TransmissionDB::TransmissionDBModule;
+
+namespace {
+
+// Is destroyed after the static objects of all functions, and gives handlers time to miss them.
+struct LastToGo {
+    LastToGo() = default;
+    LastToGo(const LastToGo&) = delete;
+    LastToGo& operator=(const LastToGo&) = delete;
+    ~LastToGo() { std::this_thread::sleep_for(std::chrono::milliseconds(50)); }
+} lastToGo;
+
+TessixDeskClient::ModuleBase& module(char name)
+{
+    if (name == 't') {
+        return TransmissionDBModule::GetInstance();
+    }
+    return FastAccessDBModule::GetInstance();
+}
+
+} // namespace
+
+int platform::programMain(const std::vector<std::string>& arguments)
+{
+    if (arguments.size() != 4) {
+        return 2;
+    }
+    testsupport::LogCapture log;
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(arguments[0]));
+    for (const char name : arguments[1]) {
+        module(name).OnUserLogin();
+    }
+    static auto& shortcut = *new DatabaseService::FastAccessTable;
+    for (int post = std::stoi(arguments[3]); post > 0; --post) {
+        TransmissionDBModule::GetInstance().ExecuteSQL("INSERT INTO UploadTaskTable(errorCode) VALUES (1)");
+        FastAccessDBModule::GetInstance().InsertFastAccessData(&shortcut, {});
+    }
+    for (const char name : arguments[2]) {
+        module(name).StopWork();
+    }
+    const testing::AssertionResult clean = log.failuresWere({});
+    std::cerr << clean.message();
+    return clean ? EXIT_SUCCESS : EXIT_FAILURE;
+}
