@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/text.h"
+
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +18,13 @@ namespace benchmarks {
 inline bool bindCell(sqlite3_stmt* stmt, int index, const std::string& value)
 {
     return sqlite3_bind_text(stmt, index, value.data(), static_cast<int>(value.size()), SQLITE_STATIC) == SQLITE_OK;
+}
+
+/// Wide text changes into the store's UTF-8 on its way, by the converter that the library uses, too.
+inline bool bindCell(sqlite3_stmt* stmt, int index, const std::wstring& value)
+{
+    const std::string utf8 = platform::toUtf8(value);
+    return sqlite3_bind_text(stmt, index, utf8.data(), static_cast<int>(utf8.size()), SQLITE_TRANSIENT) == SQLITE_OK;
 }
 
 template <std::integral Number> bool bindCell(sqlite3_stmt* stmt, int index, Number value)
@@ -37,6 +46,13 @@ inline void readCell(sqlite3_stmt* stmt, int column, std::string& value)
     } else {
         value.assign(text, static_cast<std::size_t>(sqlite3_column_bytes(stmt, column)));
     }
+}
+
+inline void readCell(sqlite3_stmt* stmt, int column, std::wstring& value)
+{
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(stmt, column));
+    value = text == nullptr ? std::wstring() : platform::toWide({text, size});
 }
 
 inline void readCell(sqlite3_stmt* stmt, int column, std::int64_t& value)
@@ -76,6 +92,12 @@ template <class... Members> bool bindAll(sqlite3_stmt* stmt, const std::tuple<Me
             return (bindCell(stmt, ++index, each) && ...);
         },
         members);
+}
+
+/// Without the key that a store makes itself.
+template <class First, class... Others> auto withoutFirst(const std::tuple<First&, Others&...>& members)
+{
+    return std::apply([](auto& /*first*/, auto&... others) { return std::tie(others...); }, members);
 }
 
 /// The same in the order of the columns.

@@ -1,8 +1,10 @@
 #include "driveworkload.h"
 #include "harness.h"
 #include "listworkload.h"
+#include "moduleworkload.h"
 #include "scratchfolder.h"
 #include "storeworkload.h"
+#include "transferworkload.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -82,6 +84,7 @@ void compare(const Options& options)
     compareStatements<DriveWorkload>();
     compareStatements<ListWorkload>();
     compareStatements<StoreWorkload>();
+    compareStatements<TransferWorkload>();
     const ScratchFolder folder(roomFor(options.rows));
     // A round over a large store is long enough to be steady.
     const int rounds = options.rounds > 0 ? options.rounds : options.rows > 500'000 ? 3 : 7;
@@ -92,19 +95,29 @@ void compare(const Options& options)
     const std::vector<Result> drive = measureAll<DriveWorkload>(options, folder.path(), rounds);
     const std::vector<Result> lists = measureAll<ListWorkload>(options, folder.path(), rounds);
     const std::vector<Result> stores = measureAll<StoreWorkload>(options, folder.path(), rounds);
-    if (drive.empty() && lists.empty() && stores.empty()) {
+    const std::vector<Result> transfers = measureAll<TransferWorkload>(options, folder.path(), rounds);
+    const std::vector<Result> modules = measureAll<ModuleWorkload>(options, folder.path(), rounds);
+    if (drive.empty() && lists.empty() && stores.empty() && transfers.empty() && modules.empty()) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
     printComparison(drive, 1);
     printComparison(drive, 2);
     printComparison(lists, 1);
     printComparison(stores, 1);
+    printComparison(transfers, 1);
+    printComparison(modules, 1);
+    if (options.operation.empty()) {
+        const ModuleWorkload::Posting posting = ModuleWorkload(options.rows, folder.path()).measurePosting();
+        fmt::print("\na call that posts, {} times: median {:.1f} us, 99th percentile {:.1f} us\n", posting.calls,
+                   posting.median * 1e6, posting.percentile99 * 1e6);
+    }
 }
 
 void runForProfiler(const Options& options)
 {
     if (!runOneSide<DriveWorkload>(options) && !runOneSide<ListWorkload>(options) &&
-        !runOneSide<StoreWorkload>(options)) {
+        !runOneSide<StoreWorkload>(options) && !runOneSide<TransferWorkload>(options) &&
+        !runOneSide<ModuleWorkload>(options)) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
 }
@@ -122,7 +135,8 @@ int run(int argc, char** argv)
                        "Only this one: insert, insert-bare, read-all, children, by-id, update, page-name, "
                        "page-size, counts, class, gallery-insert, gallery-read-all, "
                        "gallery-by-id, changes-insert, changes-read-all, changes-insert-each, "
-                       "log-insert, log-check or start");
+                       "log-insert, log-check, start, completed-..., download-..., upload-... or task-..., each "
+                       "with insert, update or read-all, messages or posted-updates");
     app.add_option("--side", options.side, "Run one side of the operation once, for a profiler, and print its rows")
         ->check(CLI::IsMember(sides))
         ->needs(operation);

@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace benchmarks {
 
@@ -30,5 +31,17 @@ private:
 
 constexpr std::string_view idAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
 constexpr std::string_view hexAlphabet = "0123456789abcdef";
+
+/// So many records, each made by `make(random, number)`.
+template <class Make> auto madeUp(std::size_t rows, Make make)
+{
+    Random random;
+    std::vector<decltype(make(random, std::size_t{}))> records;
+    records.reserve(rows);
+    for (std::size_t number = 0; number < rows; ++number) {
+        records.push_back(make(random, number));
+    }
+    return records;
+}
 
 } // namespace benchmarks

@@ -98,17 +98,6 @@ UserLog logRecord(Random& random, std::size_t number)
     return record;
 }
 
-template <class Make> auto madeUp(std::size_t rows, Make make)
-{
-    Random random;
-    std::vector<decltype(make(random, std::size_t{}))> records;
-    records.reserve(rows);
-    for (std::size_t number = 0; number < rows; ++number) {
-        records.push_back(make(random, number));
-    }
-    return records;
-}
-
 } // namespace
 
 TableSubject<GalleryFileTable> galleryFiles(std::size_t rows)
@@ -123,7 +112,8 @@ TableSubject<GalleryFileTable> galleryFiles(std::size_t rows)
     subject.file = "gallery.dat";
     subject.records = madeUp(rows, galleryFile);
     subject.create = [] { GalleryDBProvider::InitGalleryDatabase(L"gallery.dat"); };
-    subject.insert = [](std::vector<GalleryFileTable> records) { GalleryDBProvider::InsertGalleryFileTable(records); };
+    subject.insert = consuming<GalleryFileTable>(
+        [](std::vector<GalleryFileTable> records) { GalleryDBProvider::InsertGalleryFileTable(records); });
     subject.readAll = [reader] { return reader->readAll(); };
     subject.insertText = reader->insertText();
     subject.selectText = reader->selectText();
@@ -142,7 +132,8 @@ TableSubject<T_CloudFileTable> cloudFileChanges(std::size_t rows)
     subject.file = "main.dat";
     subject.records = madeUp(rows, [rows](Random& random, std::size_t number) { return change(random, number, rows); });
     subject.create = [] { MainDatabaseProvider::InitMainDatabase(); };
-    subject.insert = [writer](const std::vector<T_CloudFileTable>& records) { writer->insert(records); };
+    subject.insert = consuming<T_CloudFileTable>(
+        [writer](const std::vector<T_CloudFileTable>& records) { writer->insert(records); });
     subject.readAll = [] { return MainDatabaseProvider::GetAllCloudDriveDataBatch(); };
     subject.insertText = writer->insertText();
     subject.selectText = writer->selectText();
@@ -157,7 +148,8 @@ TableSubject<UserLog> userLogs(std::size_t rows)
     subject.file = "main.dat";
     subject.records = madeUp(rows, logRecord);
     subject.create = [] { MainDatabaseProvider::InitMainDatabase(); };
-    subject.insert = [](std::vector<UserLog> records) { MainDatabaseProvider::InsertUserUserLog(std::move(records)); };
+    subject.insert = consuming<UserLog>(
+        [](std::vector<UserLog> records) { MainDatabaseProvider::InsertUserUserLog(std::move(records)); });
     subject.insertText = insertStatement("INSERT INTO UserLogTable (", logColumns).sql;
     subject.selectText = selectText(logColumns, "FROM UserLogTable;");
     return subject;

@@ -33,12 +33,6 @@ void requireRows(std::size_t rows, std::size_t expected)
     }
 }
 
-// The store gives the id.
-template <class First, class... Members> auto withoutFirst(const std::tuple<First&, Members&...>& members)
-{
-    return std::apply([](const auto& /*first*/, auto&... others) { return std::tie(others...); }, members);
-}
-
 int addCollation(sqlite3* db)
 {
     return sqlite3_create_collation(

@@ -67,4 +67,11 @@ compare changes-insert 1.08
 compare changes-read-all 1.10
 compare log-insert 1.08
 compare start 1.10
+compare completed-insert 1.08
+compare completed-update 1.08
+compare completed-read-all 1.10
+compare download-update 1.08
+compare upload-insert 1.08
+compare task-update 1.08
+compare task-read-all 1.10
 exit $failed
