@@ -129,6 +129,11 @@ run "$program" --folder "$tree_store" shortcuts add --title Best --tip 'The best
 run "$program" --folder "$tree_store" shortcuts remove 2
 run "$program" --folder "$tree_store" shortcuts list
 
+say 'Transfers go into their store through a module with a thread; four threads post some, and every row is looked for.'
+run "$program" --folder "$tree_store" transfers simulate 40
+run "$program" --folder "$tree_store" transfers add download --name sunset.jpg --size 2048000 --path "$album/sunset.jpg"
+run "$program" --folder "$tree_store" transfers list --downloads
+
 collect_pictures
 say 'Pictures become rows of the gallery, an album per folder; a second import reads only what changed.'
 run "$program" --folder "$tree_store" gallery import "$pictures" --gallery gallery.dat

@@ -68,7 +68,8 @@ std::vector<int> numbersOf(const Ran& import)
 
 TEST_F(ToolStores, InitStartsEveryStore)
 {
-    const std::vector<std::string> files{"DriveModuleData.dat", "main.dat", gallery, "FastAccess.dat"};
+    const std::vector<std::string> files{"DriveModuleData.dat", "main.dat", gallery, "FastAccess.dat",
+                                         "transmission.dat"};
     fs::create_directories(store());
     writeFile(file("FastAccess.dat"), "this is no database, but long enough for one");
     EXPECT_NE(onStore({"init", "--gallery", gallery}).err.find("is not a database"), std::string::npos);
@@ -83,7 +84,8 @@ TEST_F(ToolStores, InitStartsEveryStore)
         {"DriveDataTable", "DriveConfTable", "DriveFullTask", "DriveFolderSync"},
         {"T_CloudFileTable", "T_NotepadCard", "T_WaitHandleCardItem", "UBAUserLog", "UserLogTable", "UserProperties"},
         {"Album", "AlbumLocalVersion", "GalleryFile", "DownloadTask", "TransferCompleteCloudTask", "UploadTask"},
-        {"FastAccess"}};
+        {"FastAccess"},
+        {"CompletedTaskTable", "UploadTaskTable", "DownloadTaskTable"}};
     for (std::size_t i = 0; i < files.size(); ++i) {
         EXPECT_EQ(utf8Path(shown[i]["file"]).filename(), utf8Path(files[i]));
         std::set<std::string> found;
@@ -93,13 +95,15 @@ TEST_F(ToolStores, InitStartsEveryStore)
         }
         EXPECT_EQ(found, tables[i]);
     }
-    EXPECT_EQ(rows({"init"}).size(), 3U);
+    EXPECT_EQ(rows({"init"}).size(), 4U);
     EXPECT_NE(onStore({"init"}).out.find("UserProperties           1\n"), std::string::npos);
 }
 
 TEST_F(ToolStores, RefusesWhatCannotBe)
 {
-    writeFile(m_folder.path() / "foreign" / "main.dat", "this is no database, but long enough for one");
+    for (const char* name : {"main.dat", "transmission.dat"}) {
+        writeFile(m_folder.path() / "foreign" / name, "this is no database, but long enough for one");
+    }
     fs::create_directories(m_folder.path() / "foreign" / "FastAccess.dat");
     writeFile(m_folder.path() / "foreign" / "g", "");
     const std::string folder = platform::toUtf8(m_folder.path());
@@ -117,7 +121,10 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
         {"source", {"shortcuts", "remove", "x"}, 2, "ID"},
         {"source", {"gallery", "counts"}, 2, "--gallery"},
         {"source", {"gallery", "import", "--gallery", "g"}, 2, "FOLDER"},
+        {"source", {"transfers", "add", "upload"}, 2, "--name"},
+        {"source", {"transfers", "simulate", "0"}, 2, "N"},
         {"source", {"reset"}, 2, "--all"},
+        {"source", {"reset", "--user", "--gallery", "g"}, 2, "--user"},
         {"source", {"reset", "--all", "--gallery", "g"}, 2, "--all"},
         {"source", {"reset", "--all", "--yes"}, 1, "holds no store files"},
         {"source", {"reset", "--gallery", "g", "--yes"}, 1, "there is no g in"},
@@ -126,10 +133,14 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
         {"source", {"properties", "remove-all", "--yes"}, 1, "there is no main.dat in"},
         {"source", {"shortcuts", "list"}, 1, "there is no FastAccess.dat in"},
         {"source", {"shortcuts", "add", "--title", "x"}, 1, "there is no FastAccess.dat in"},
+        {"source", {"transfers", "list"}, 1, "there is no transmission.dat in"},
+        {"source", {"transfers", "simulate", "1"}, 1, "there is no transmission.dat in"},
+        {"source", {"reset", "--user", "--yes"}, 1, "there is no transmission.dat in"},
         {"source", {"gallery", "counts", "--gallery", "g"}, 1, "there is no g in"},
         {"source", {"gallery", "import", folder + "/nowhere", "--gallery", "g"}, 1, "cannot read the folder"},
         {"foreign", {"properties", "get", "k"}, 1, "is not a database"},
         {"foreign", {"shortcuts", "remove", "1"}, 1, "is not a file"},
+        {"foreign", {"transfers", "simulate", "1"}, 1, "is not a database"},
         {"foreign", {"gallery", "show", "x", "--gallery", "g"}, 1, "is empty"},
         {"foreign", {"reset", "--all", "--yes"}, 1, "is a database that can be read"},
         {"nowhere", {"properties", "list"}, 1, "does not exist"},
@@ -344,6 +355,7 @@ TEST_F(ToolStores, ShowingChangesNoByte)
     for (const Arguments& command : {Arguments{"properties", "list"},
                                      {"properties", "get", "k"},
                                      {"shortcuts", "list"},
+                                     {"transfers", "list"},
                                      {"gallery", "counts", "--gallery", gallery},
                                      {"gallery", "show", "u", "--gallery", gallery}}) {
         for (const Arguments& starter : {Arguments{}, withoutPrivileges()}) {
@@ -372,8 +384,10 @@ TEST_F(ToolStores, ResetAsksAndDropsWhatItSays)
     ASSERT_EQ(import().code, 0);
     ASSERT_EQ(onStore({"properties", "set", "k", "v"}).code, 0);
     const auto before = contents(store());
-    for (const Arguments& command :
-         {Arguments{"reset", "--gallery", gallery}, {"reset", "--all"}, {"properties", "remove-all"}}) {
+    for (const Arguments& command : {Arguments{"reset", "--gallery", gallery},
+                                     {"reset", "--all"},
+                                     {"reset", "--user"},
+                                     {"properties", "remove-all"}}) {
         const Ran ran = onStore(command);
         EXPECT_EQ(ran.code, 2);
         EXPECT_NE(ran.err.find("--yes"), std::string::npos) << ran.err;

@@ -36,7 +36,7 @@ CLIENTSERVICES_EXPORT void WaitForThread(ThreadHandle thread) noexcept;
 class CLIENTSERVICES_EXPORT korvThread {
 public:
     /// The system's WM_QUIT.
-    static constexpr unsigned quitMessage = 18;
+    enum : unsigned { quitMessage = 18 };
 
     korvThread();
     korvThread(const korvThread&) = delete;

@@ -21,7 +21,7 @@ public:
 
     /// The first id that `BindMessage` hands out: WM_APP, above all messages of the system. The rest follow in steps
     /// of one.
-    static constexpr unsigned firstBoundMessage = 0x8000;
+    enum : unsigned { firstBoundMessage = 0x8000 };
 
     /// Gives the id of the messages that `handler` is called for: each object counts its own. There is no unbinding.
     unsigned BindMessage(MessageHandler handler);

@@ -78,7 +78,7 @@ void addCommands(CLI::App& app, Command& chosen)
              Group{"Stores", {addInit, addScan, addReindex, addReset}},
              Group{"Show the drive", {addLs, addView, addRecycle, addStat, addCount, addPending, addConfig}},
              Group{"Change the drive", {addMkdir, addRename, addMv, addRm, addRestore}},
-             Group{"Other stores", {addProperties, addShortcuts, addGallery}},
+             Group{"Other stores", {addProperties, addShortcuts, addGallery, addTransfers}},
          }) {
         for (const auto add : group.commands) {
             add(app, chosen);
@@ -106,6 +106,7 @@ int runCommand(const GlobalOptions& options, const Command& command)
     } catch (const std::exception& error) {
         session.reporter().error(std::string("cannot go on: ") + error.what());
     }
+    session.stopModules(); // what they have yet to do may fail as well
     if (code == 0 && session.libraryFailures() > 0) {
         session.reporter().error("cannot vouch for the result: the store reported " +
                                  counted(session.libraryFailures(), "failure", "failures") +

@@ -1,6 +1,7 @@
 #include "clientservices/globalparamwrapper.h"
 #include "commands.h"
 #include "databaseservice/databaseservice.h"
+#include "databaseservice/transmissiondbmodule.h"
 #include "displaytext.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -31,6 +32,8 @@ void startStores(Session& session, const std::string& gallery)
     } else {
         DatabaseService::InitDataBase(folder, platform::toWide(gallery));
     }
+    session.makeStore(transferFileName);
+    session.module<DatabaseService::TransmissionDB::TransmissionDBModule>().OnUserLogin();
     session.stopIfFailed("start the stores");
 }
 
@@ -61,6 +64,7 @@ int init(Session& session, const std::string& gallery)
         files.push_back(pathFromArgument(gallery));
     }
     files.emplace_back(shortcutFileName);
+    files.emplace_back(transferFileName);
     for (const std::filesystem::path& file : files) {
         session.makeStore(file); // refuses what is no database before anything is written
     }
@@ -79,8 +83,10 @@ void addInit(CLI::App& app, Command& chosen)
     CLI::App* const command =
         app.add_subcommand("init", "Make the stores' files and tables where they are missing, and show them");
     addGalleryName(*command, *gallery);
-    command->footer("Without --gallery the gallery is left out.\n"
-                    "With --json each line is a file with the rows of its tables.");
+    command->footer(
+        "Without --gallery the gallery is left out. The transfer store starts as when a user logs in, without\n"
+        "the table TransferTask, which a client makes when it first needs it.\n"
+        "With --json each line is a file with the rows of its tables.");
     command->callback([&chosen, gallery] { chosen = [gallery](Session& session) { return init(session, *gallery); }; });
 }
 

@@ -30,6 +30,7 @@ namespace {
 struct ResetOptions {
     std::string gallery;
     bool all = false;
+    bool user = false;
     bool yes = false;
 };
 
@@ -99,15 +100,15 @@ void show(const Session& session, const std::vector<Content>& before, const std:
     }
 }
 
-int resetGallery(Session& session, const ResetOptions& options)
+/// `drop` gets the store's folder.
+template <class Drop> int resetOne(Session& session, const fs::path& file, bool yes, Drop drop)
 {
-    const fs::path file = pathFromArgument(options.gallery);
     session.editStore(file);
+    requireWritable(file);
     const Content before = look(file);
-    session.stopIfFailed("look at the gallery");
-    confirm(session, question(session, {before}), options.yes);
-    DatabaseService::ResetDataBase(GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder(),
-                                   platform::toWide(options.gallery));
+    session.stopIfFailed("look at " + platform::toUtf8(file));
+    confirm(session, question(session, {before}), yes);
+    drop(GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder());
     show(session, {before}, {look(file)});
     return 0;
 }
@@ -132,23 +133,37 @@ int resetAll(Session& session, const ResetOptions& options)
     return 0;
 }
 
+int reset(Session& session, const ResetOptions& options)
+{
+    if (options.all) {
+        return resetAll(session, options);
+    }
+    if (options.user) {
+        return resetOne(session, transferFileName, options.yes, DatabaseService::ResetDataBaseChangeUser);
+    }
+    return resetOne(session, pathFromArgument(options.gallery), options.yes, [&](const std::wstring& folder) {
+        DatabaseService::ResetDataBase(folder, platform::toWide(options.gallery));
+    });
+}
+
 } // namespace
 
 void addReset(CLI::App& app, Command& chosen)
 {
     const auto options = std::make_shared<ResetOptions>();
-    CLI::App* const command = app.add_subcommand("reset", "Drop the tables of the gallery, or of all stores");
+    CLI::App* const command =
+        app.add_subcommand("reset", "Drop the tables of the gallery, of the transfers, or of all stores");
     CLI::App* const which = command->add_option_group("Stores");
     addGalleryName(*which, options->gallery);
     which->add_flag("--all", options->all, "Every file of the store's folder that ends in .dat, whatever it holds");
+    which->add_flag("--user", options->user, "The transfers, as for a change of user; other stores stay");
     which->require_option(1);
     addYes(*command, options->yes);
-    command->footer("What was in the tables is lost. The files stay, and `dbservice init` makes their tables again.");
-    command->callback([&chosen, options] {
-        chosen = [options](Session& session) {
-            return options->all ? resetAll(session, *options) : resetGallery(session, *options);
-        };
-    });
+    command->footer(
+        "What was in the tables is lost. The files stay, and `dbservice init` makes their tables again, but "
+        "for\nTransferTask, which a client makes when it first needs it.");
+    command->callback(
+        [&chosen, options] { chosen = [options](Session& session) { return reset(session, *options); }; });
 }
 
 } // namespace dbservice

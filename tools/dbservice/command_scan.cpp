@@ -2,6 +2,7 @@
 #include "displaytext.h"
 #include "drivefields.h"
 #include "platform/paths.h"
+#include "recordfields.h"
 #include "session.h"
 #include "sourcefolder.h"
 #include "table.h"
@@ -10,18 +11,12 @@
 #include <CLI/CLI.hpp>
 
 #include <chrono>
-#include <cmath>
 #include <iostream>
 #include <memory>
 
 namespace dbservice {
 
 namespace {
-
-double toMilliseconds(double seconds)
-{
-    return std::round(seconds * 1000) / 1000;
-}
 
 void printJson(const SourceFolder& source, const TreeSync& sync, double total)
 {

@@ -1,12 +1,13 @@
 #include "clientservices/globalparamwrapper.h"
 #include "commands.h"
-#include "databaseservice/fastaccessdbprovider.h"
+#include "databaseservice/fastaccessdbmodule.h"
 #include "displaytext.h"
 #include "failure.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "recordfields.h"
 #include "session.h"
+#include "storefile.h"
 #include "table.h"
 #include "textarguments.h"
 
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <future>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -22,8 +24,10 @@
 namespace dbservice {
 
 using DatabaseService::FastAccessTable;
+using DatabaseService::int64;
+using DatabaseService::uint64;
+using DatabaseService::FastAccessDB::FastAccessDBModule;
 namespace fs = std::filesystem;
-namespace store = DatabaseService::FastAccessDBProvider;
 
 namespace {
 
@@ -48,24 +52,62 @@ struct RemoveOptions {
     std::string cache;
 };
 
-/// All rows of the store, the highest index first.
-std::vector<FastAccessTable> readAll()
+void requirePosted(bool posted)
 {
+    if (!posted) {
+        throw Failure("cannot reach the shortcuts: their module has stopped");
+    }
+}
+
+/// Posts a request and waits for the answer, which `read` takes from the callback's address on the module's thread.
+/// Throws if the request ends without a callback.
+template <class Post, class Read> auto answerOf(Post post, Read read)
+{
+    using Answer = decltype(read(int64{}));
+    auto promise = std::make_shared<std::promise<Answer>>();
+    std::future<Answer> answer = promise->get_future();
+    requirePosted(post(
+        [promise = std::move(promise), read](uint64 /*code*/, int64 address) { promise->set_value(read(address)); }));
+    return answer.get();
+}
+
+std::vector<FastAccessTable> takeRecords(int64 address)
+{
+    using Records = std::vector<FastAccessTable*>;
+    const std::unique_ptr<Records> records(reinterpret_cast<Records*>(static_cast<std::intptr_t>(address)));
     std::vector<FastAccessTable> rows;
-    store::GetAllFastAccessData([&](DatabaseService::uint64 /*code*/, DatabaseService::int64 address) {
-        using Records = std::vector<FastAccessTable*>;
-        const std::unique_ptr<Records> records(reinterpret_cast<Records*>(static_cast<std::intptr_t>(address)));
-        for (FastAccessTable* const record : *records) {
-            const std::unique_ptr<FastAccessTable> owned(record);
-            rows.push_back(std::move(*owned));
-        }
-    });
+    for (FastAccessTable* const record : *records) {
+        const std::unique_ptr<FastAccessTable> owned(record);
+        rows.push_back(std::move(*owned));
+    }
     return rows;
 }
 
-std::optional<FastAccessTable> find(int id)
+/// All rows of the store, the highest index first.
+std::vector<FastAccessTable> readAll(FastAccessDBModule& module)
 {
-    const std::vector<FastAccessTable> rows = readAll();
+    return answerOf([&](auto callback) { return module.GetAllFastAccessData(std::move(callback)); }, takeRecords);
+}
+
+/// The id that the store gives to the record.
+int insert(FastAccessDBModule& module, FastAccessTable record)
+{
+    return answerOf([&](auto callback) { return module.InsertFastAccessData(&record, std::move(callback)); },
+                    [](int64 address) {
+                        return reinterpret_cast<const FastAccessTable*>(static_cast<std::intptr_t>(address))->Id;
+                    });
+}
+
+FastAccessDBModule& openForWriting(Session& session)
+{
+    session.editStore(shortcutFileName);
+    requireWritable(shortcutFileName);
+    return session.module<FastAccessDBModule>();
+}
+
+std::optional<FastAccessTable> find(FastAccessDBModule& module, int id)
+{
+    const std::vector<FastAccessTable> rows = readAll(module);
     const auto found = std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.Id == id; });
     return found == rows.end() ? std::nullopt : std::optional(*found);
 }
@@ -88,7 +130,7 @@ void show(const Session& session, const std::vector<FastAccessTable>& rows)
 int list(Session& session)
 {
     session.readStore(shortcutFileName, ReadableStore::Copy::Always);
-    const std::vector<FastAccessTable> rows = readAll();
+    const std::vector<FastAccessTable> rows = readAll(session.module<FastAccessDBModule>());
     session.stopIfFailed("read the shortcuts");
     show(session, rows);
     return 0;
@@ -96,15 +138,15 @@ int list(Session& session)
 
 int add(Session& session, FastAccessTable record)
 {
-    session.editStore(shortcutFileName);
+    FastAccessDBModule& module = openForWriting(session);
     record.UpdataTime = GlobalParamWrapper::GetInstance()->GetServerTime();
-    store::InsertFastAccessData(&record, {});
+    record.Id = insert(module, record);
     session.stopIfFailed("add the shortcut");
-    const std::optional<FastAccessTable> stored = find(record.Id);
-    if (!stored || toJson(fields, *stored) != toJson(fields, record)) {
+    const std::optional<FastAccessTable> found = find(module, record.Id);
+    if (!found || toJson(fields, *found) != toJson(fields, record)) {
         throw Failure("cannot find the new shortcut in the store");
     }
-    show(session, {*stored});
+    show(session, {*found});
     return 0;
 }
 
@@ -130,16 +172,16 @@ void checkIcon(const FastAccessTable& row, const std::string& cache)
 
 int remove(Session& session, const RemoveOptions& options)
 {
-    session.editStore(shortcutFileName);
-    const std::optional<FastAccessTable> row = find(options.id);
+    FastAccessDBModule& module = openForWriting(session);
+    const std::optional<FastAccessTable> row = find(module, options.id);
     session.stopIfFailed("read the shortcuts");
     if (!row) {
         throw Failure("cannot find the shortcut " + std::to_string(options.id));
     }
     checkIcon(*row, options.cache);
     GlobalParamWrapper::GetInstance()->SetUserCachePath(platform::toWide(options.cache));
-    store::DeleteFastAccessData(options.id);
-    if (find(options.id)) {
+    requirePosted(module.DeleteFastAccessData(options.id));
+    if (find(module, options.id)) { // posted behind the deletion, so it comes after it
         throw Failure("cannot remove the shortcut " + std::to_string(options.id) + ": it is still there");
     }
     show(session, {*row});

@@ -34,6 +34,7 @@ void addRm(CLI::App& app, Command& chosen);
 void addScan(CLI::App& app, Command& chosen);
 void addShortcuts(CLI::App& app, Command& chosen);
 void addStat(CLI::App& app, Command& chosen);
+void addTransfers(CLI::App& app, Command& chosen);
 void addView(CLI::App& app, Command& chosen);
 
 } // namespace dbservice

@@ -2,6 +2,8 @@
 
 #include "displaytext.h"
 
+#include <cmath>
+
 namespace dbservice {
 
 std::string readable(const std::string& value, Shown /*shown*/)
@@ -23,6 +25,11 @@ std::string readable(std::int64_t value, Shown shown)
         break;
     }
     return std::to_string(value);
+}
+
+double toMilliseconds(double seconds)
+{
+    return std::round(seconds * 1000) / 1000;
 }
 
 std::string toLine(const nlohmann::ordered_json& value)

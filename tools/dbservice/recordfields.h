@@ -1,6 +1,7 @@
 #pragma once
 
 #include "databaseservice/integers.h"
+#include "platform/text.h"
 #include "table.h"
 
 #include <nlohmann/json.hpp>
@@ -24,7 +25,22 @@ template <class... Sources> struct Field {
 };
 
 template <class Record>
-using MemberField = Field<std::string Record::*, DatabaseService::int64 Record::*, std::int32_t Record::*>;
+using MemberField = Field<std::string Record::*, std::wstring Record::*, DatabaseService::int64 Record::*,
+                          std::int32_t Record::*, bool Record::*>;
+
+// A value as its column holds it.
+template <class Value> const Value& stored(const Value& value)
+{
+    return value;
+}
+inline std::string stored(const std::wstring& value)
+{
+    return platform::toUtf8(value);
+}
+inline std::int32_t stored(bool value)
+{
+    return value ? 1 : 0;
+}
 
 /// The value as a person reads it, empty for 0.
 std::string readable(const std::string& value, Shown shown);
@@ -35,7 +51,7 @@ template <class Fields, class Record> nlohmann::ordered_json toJson(const Fields
 {
     nlohmann::ordered_json json;
     for (const auto& field : fields) {
-        std::visit([&](auto source) { json[field.name] = std::invoke(source, record); }, field.source);
+        std::visit([&](auto source) { json[field.name] = stored(std::invoke(source, record)); }, field.source);
     }
     return json;
 }
@@ -45,14 +61,17 @@ template <class Fields, class Record> Table toTable(const Fields& fields, const 
 {
     Table table({{"Field"}, {"Value"}});
     for (const auto& field : fields) {
-        std::string value =
-            std::visit([&](auto source) { return readable(std::invoke(source, record), field.shown); }, field.source);
+        std::string value = std::visit(
+            [&](auto source) { return readable(stored(std::invoke(source, record)), field.shown); }, field.source);
         if (all || !value.empty()) {
             table.add({field.name, std::move(value)});
         }
     }
     return table;
 }
+
+/// Seconds for JSON, cut to what their measuring is worth.
+double toMilliseconds(double seconds);
 
 /// One line of JSON, with anything repaired that is not UTF-8.
 std::string toLine(const nlohmann::ordered_json& value);

@@ -51,12 +51,14 @@ void Reporter::note(std::string_view text)
 
 void Reporter::ask(std::string_view question)
 {
-    endProgress();
+    const std::lock_guard lock(m_mutex);
+    clearBar();
     std::cerr << printable(question) << ' ' << std::flush;
 }
 
 void Reporter::progress(double done, std::string_view text)
 {
+    const std::lock_guard lock(m_mutex);
     const auto now = std::chrono::steady_clock::now();
     if (m_quiet || now - m_lastProgress < std::chrono::milliseconds(m_terminal ? 100 : 2000)) {
         return;
@@ -81,6 +83,12 @@ void Reporter::progress(double done, std::string_view text)
 
 void Reporter::endProgress()
 {
+    const std::lock_guard lock(m_mutex);
+    clearBar();
+}
+
+void Reporter::clearBar()
+{
     if (m_barWidth > 0) {
         std::cerr << '\r' << std::string(static_cast<std::size_t>(m_barWidth), ' ') << '\r' << std::flush;
         m_barWidth = 0;
@@ -89,7 +97,8 @@ void Reporter::endProgress()
 
 void Reporter::line(std::string_view colour, std::string_view head, std::string_view text)
 {
-    endProgress();
+    const std::lock_guard lock(m_mutex);
+    clearBar();
     const bool coloured = m_colour && !colour.empty();
     std::cerr << (coloured ? colour : "") << head << (coloured ? "\x1b[0m" : "") << printable(text) << std::endl;
 }

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <chrono>
+#include <mutex>
 #include <string>
 #include <string_view>
 
 namespace dbservice {
 
 /// What goes to standard error: warnings, errors, notes and progress. Texts are escaped on their way out. On a
-/// terminal progress is a bar that is drawn anew in place; elsewhere it is a plain line every other second.
+/// terminal progress is a bar that is drawn anew in place; elsewhere it is a plain line every other second. Any thread
+/// may tell things, since the library logs from its own.
 class Reporter {
 public:
     Reporter();
@@ -30,7 +32,9 @@ public:
 
 private:
     void line(std::string_view colour, std::string_view head, std::string_view text);
+    void clearBar();
 
+    std::mutex m_mutex;
     const bool m_terminal;
     const bool m_colour;
     bool m_quiet = false;

@@ -3,6 +3,7 @@
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
 #include "clientservices/logsinks.h"
+#include "clientservices/modulebase.h"
 #include "databaseservice/version.h"
 #include "displaytext.h"
 #include "failure.h"
@@ -11,6 +12,9 @@
 #include "platform/terminal.h"
 #include "platform/text.h"
 #include "storelog.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -67,6 +71,7 @@ Session::Session(const GlobalOptions& options)
 
 Session::~Session()
 {
+    stopModules();
     Logger::CloudLogger::GetInstance()->RemoveSink(m_logFile);
     Logger::CloudLogger::GetInstance()->RemoveSink(m_log);
 }
@@ -165,6 +170,20 @@ DatabaseService::DriverDBProvider& Session::mendDrive()
 {
     editStore(driveFileName);
     return m_drive;
+}
+
+void Session::stopModules()
+{
+    for (TessixDeskClient::ModuleBase* const module : std::exchange(m_modules, {})) {
+        module->StopWork();
+    }
+}
+
+void Session::stopLater(TessixDeskClient::ModuleBase& module)
+{
+    if (std::find(m_modules.begin(), m_modules.end(), &module) == m_modules.end()) {
+        m_modules.push_back(&module);
+    }
 }
 
 int Session::libraryFailures() const

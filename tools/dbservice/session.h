@@ -11,9 +11,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Logger {
 class LogSink;
+}
+namespace TessixDeskClient {
+class ModuleBase;
 }
 
 namespace dbservice {
@@ -31,9 +35,10 @@ struct GlobalOptions {
 inline constexpr const char* driveFileName = "DriveModuleData.dat";
 inline constexpr const char* mainFileName = "main.dat";
 inline constexpr const char* shortcutFileName = "FastAccess.dat";
+inline constexpr const char* transferFileName = "transmission.dat";
 
 /// The files by which a folder is known to be a store.
-inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, mainFileName, "transmission.dat",
+inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, mainFileName, transferFileName,
                                                                 shortcutFileName};
 
 /// One run of the tool: the store it works on, what the library logs meanwhile, and where things are told.
@@ -78,12 +83,24 @@ public:
     /// The drive store as it is, for a command that mends it.
     DatabaseService::DriverDBProvider& mendDrive();
 
+    /// One of the library's modules. Its thread runs from here on until `stopModules`, at the latest until the end of
+    /// the command, whichever way that ends.
+    template <class Module> Module& module()
+    {
+        Module& started = Module::GetInstance();
+        stopLater(started);
+        return started;
+    }
+    /// Returns once all that was posted to the modules is done. They do not start again.
+    void stopModules();
+
     /// How many failures the library has logged in this run.
     int libraryFailures() const;
     /// Throws "cannot `what`: ..." if the library has logged any.
     void stopIfFailed(const std::string& what) const;
 
 private:
+    void stopLater(TessixDeskClient::ModuleBase& module);
     void requireStoreFolder() const;
     void useFolder(const std::filesystem::path& folder, const std::filesystem::path& store);
 
@@ -95,6 +112,7 @@ private:
     std::optional<ReadableStore> m_readable;
     DatabaseService::DriverDBProvider m_drive;
     std::optional<DatabaseService::CloudDriverDb> m_lists; // closed before the copy that it reads is removed
+    std::vector<TessixDeskClient::ModuleBase*> m_modules;
 };
 
 /// A path from a command line's argument, with every byte kept where paths are bytes.

@@ -1,5 +1,8 @@
 #include "storefile.h"
 
+#include "clientservices/globalparamwrapper.h"
+#include "databaseservice/commonsqlitedb.h"
+#include "failure.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 
@@ -14,29 +17,52 @@ StoreFile::StoreFile(const std::filesystem::path& fileName)
 
 std::vector<std::string> StoreFile::tables()
 {
-    std::vector<std::string> names;
-    std::list<DatabaseService::DatabaseQueryResult*>* rows = nullptr;
-    Query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite!_%' ESCAPE '!' ORDER BY rowid",
-          rows);
-    for (DatabaseService::DatabaseQueryResult* row : *rows) {
-        names.push_back(row->GetString());
-    }
-    FreeQueryResult(rows);
-    return names;
+    return texts("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite!_%' ESCAPE '!' "
+                 "ORDER BY rowid");
 }
 
 int StoreFile::countRows(const std::string& table)
 {
-    std::string name;
-    for (const char letter : table) {
-        name += letter == '"' ? std::string(2, letter) : std::string(1, letter);
-    }
-    return number("SELECT COUNT(*) FROM \"" + name + '"');
+    return number("SELECT COUNT(*) FROM " + inQuotes(table, '"'));
 }
 
 int StoreFile::number(std::string query)
 {
     return GetCountBySelectSQL(query);
+}
+
+std::vector<std::string> StoreFile::texts(const std::string& query)
+{
+    std::vector<std::string> found;
+    std::list<DatabaseService::DatabaseQueryResult*>* rows = nullptr;
+    Query(query, rows);
+    for (DatabaseService::DatabaseQueryResult* row : *rows) {
+        found.push_back(row->GetString());
+    }
+    FreeQueryResult(rows);
+    return found;
+}
+
+std::string inQuotes(std::string_view text, char mark)
+{
+    std::string result(1, mark);
+    for (const char letter : text) {
+        result.append(letter == mark ? 2 : 1, letter);
+    }
+    return result + mark;
+}
+
+void requireWritable(const std::filesystem::path& fileName)
+{
+    constexpr int milliseconds = 3000;
+    const std::filesystem::path file =
+        platform::toPath(GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder()) / fileName;
+    DatabaseService::CommonSqliteDb database(milliseconds);
+    if (!database.OpenUtf8Path(platform::toUtf8(file).c_str()) || !database.ExcuteSql("BEGIN IMMEDIATE") ||
+        !database.ExcuteSql("ROLLBACK")) {
+        throw Failure("cannot write to the store: no lock on " + platform::toUtf8(file) + " within " +
+                      std::to_string(milliseconds / 1000) + " seconds, see the warning above");
+    }
 }
 
 } // namespace dbservice

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace dbservice {
@@ -17,8 +18,20 @@ public:
     /// The names of the tables, as they were made one after the other, without SQLite's own.
     std::vector<std::string> tables();
     int countRows(const std::string& table);
-    /// The number that a query gives. What comes from a person must not be pasted into it.
+
+    // What comes from a person goes into these only when it is quoted.
+
+    /// The number that a query gives.
     int number(std::string query);
+    /// The first cells of the rows that a query gives.
+    std::vector<std::string> texts(const std::string& query);
 };
+
+/// A text for a statement: between marks, with each mark in it doubled.
+std::string inQuotes(std::string_view text, char mark);
+
+/// Throws a `Failure` when a store's file cannot be written to, or is locked by another program for seconds; the
+/// library itself waits for a locked file without end. Changes nothing.
+void requireWritable(const std::filesystem::path& fileName);
 
 } // namespace dbservice
