@@ -1,0 +1,446 @@
+#include "migration/legacymigration.h"
+
+#include "databaseservice/gallerydbprovider.h"
+#include "databaseservice/maindatabaseprovider.h"
+#include "legacysample/legacysample.h"
+#include "support/faultydisk.h"
+#include "support/filebytes.h"
+#include "support/process.h"
+#include "support/storetest.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+using migration::Report;
+using migration::TableReport;
+using testsupport::FaultyDisk;
+using testsupport::Rows;
+using testsupport::SqliteFile;
+
+namespace {
+
+constexpr int sampleRows = 40;
+
+/// What a report says of a table, in this order.
+const std::vector<int64_t TableReport::*> numbers{
+    &TableReport::inLegacy, &TableReport::read,       &TableReport::written, &TableReport::alreadyThere,
+    &TableReport::kept,     &TableReport::renumbered, &TableReport::failed,  &TableReport::inStore,
+    &TableReport::clamped,  &TableReport::notNumbers, &TableReport::shifted,
+};
+
+using Summary = std::map<std::string, std::vector<int64_t>>;
+
+Summary summaryOf(const Report& report)
+{
+    Summary summary;
+    for (const TableReport& table : report.tables) {
+        for (const auto number : numbers) {
+            summary[std::string(table.table)].push_back(table.*number);
+        }
+    }
+    return summary;
+}
+
+class Migration : public testsupport::StoreTest {
+protected:
+    Migration() : m_disk(std::in_place)
+    {
+        fs::create_directory(m_store);
+        useFolder(m_store);
+        m_plan.legacyFile = sample();
+        m_plan.mainFile = m_store / "main.dat";
+        m_plan.galleryFile = m_store / "gallery.dat";
+    }
+
+    /// One file for all tests of the process, which only read it.
+    static fs::path sample()
+    {
+        static const testsupport::TestFolder folder;
+        static const fs::path file = [] {
+            legacysample::write(folder.path() / "legacy.dat", sampleRows);
+            return folder.path() / "legacy.dat";
+        }();
+        return file;
+    }
+
+    fs::path copyOfSample(const std::string& name) const
+    {
+        fs::copy_file(sample(), m_folder.path() / name);
+        return m_folder.path() / name;
+    }
+
+    Report run() const { return migration::run(m_plan); }
+    Report runAgain()
+    {
+        m_plan.again = true;
+        return run();
+    }
+
+    std::string errorOf(const fs::path& legacy)
+    {
+        m_plan.legacyFile = legacy;
+        try {
+            run();
+        } catch (const migration::Error& error) {
+            return error.what();
+        }
+        return {};
+    }
+
+    Rows inGallery(const std::string& query) const { return SqliteFile(m_plan.galleryFile).query(query); }
+    Rows inMain(const std::string& query) const { return SqliteFile(m_plan.mainFile).query(query); }
+
+    /// Every table of both files with its number of rows.
+    static std::map<std::string, std::string> countsIn(const fs::path& store)
+    {
+        std::map<std::string, std::string> counts;
+        for (const char* const name : {"main.dat", "gallery.dat"}) {
+            SqliteFile file(store / name);
+            for (const auto& row : file.query("SELECT name FROM sqlite_master WHERE type = 'table'")) {
+                const std::string table = row[0].substr(1, row[0].size() - 2);
+                counts[name + ('/' + table)] = file.value("SELECT COUNT(*) FROM " + table);
+            }
+        }
+        return counts;
+    }
+
+    std::optional<FaultyDisk> m_disk; // for its speed
+    const fs::path m_store = m_folder.path() / "store";
+    migration::Plan m_plan;
+};
+
+const std::string untilNoon = "a time that is no number ended the table (invalid stod argument)";
+
+} // namespace
+
+TEST_F(Migration, ReportTellsOfEveryTable)
+{
+    legacysample::putInTheWay(L"gallery.dat");
+    std::vector<double> progress;
+    const Report report = migration::run(m_plan, [&](double done, std::string_view) { progress.push_back(done); });
+
+    const Summary expected{
+        // legacy, read, written, there, kept, renumbered, failed, in store, clamped, not numbers, shifted
+        {"GalleryFile", {51, 51, 49, 0, 0, 0, 2, 49, 0, 0, 2}},
+        {"AlbumLocalVersion", {2, 2, 2, 0, 0, 0, 0, 2, 1, 0, 0}},
+        {"Album", {2, 2, 1, 1, 1, 0, 0, 2, 0, 0, 0}},
+        {"DownloadTask", {4, 4, 4, 0, 0, 2, 0, 5, 1, 0, 0}},
+        {"TransferCompleteCloudTask", {12, 12, 12, 0, 0, 3, 0, 12, 1, 3, 0}},
+        {"UploadTask", {4, 4, 4, 0, 0, 1, 0, 4, 1, 0, 0}},
+        {"UserProperties", {10, 10, 7, 2, 1, 0, 1, 9, 0, 0, 0}}, // with the one that remembers
+        {"UserLogTable", {10, 8, 8, 0, 0, 2, 0, 10, 1, 0, 0}},
+        {"UBAUserLog", {10, 8, 8, 0, 0, 1, 0, 8, 1, 0, 0}},
+    };
+    EXPECT_EQ(summaryOf(report), expected);
+    EXPECT_EQ(report.outOfReach, 3);
+    EXPECT_EQ(report.lost, 2 + 1 + 2 + 2 + 3);
+    EXPECT_TRUE(report.remembered);
+    EXPECT_FALSE(report.isWhole());
+    EXPECT_EQ(report.tables[7].trouble, "a time that is no number ended the table (invalid stod argument)");
+    EXPECT_EQ(report.tables[0].trouble, "2 of its rows have the key of a later row");
+    using Dropped = decltype(report.tables[0].dropped);
+    EXPECT_EQ(
+        report.tables[0].dropped,
+        (Dropped{
+            {"LocalUploadTime", 6}, {"OriginalAlbumId", 6}, {"ServerAlbumId", 40}, {"VideoDownloadLocalPath", 1}}));
+    EXPECT_TRUE(std::ranges::is_sorted(progress));
+    EXPECT_EQ(progress.back(), 1);
+}
+
+// What becomes of each ugly row, and of what stood in the way.
+TEST_F(Migration, UglyRowsComeOverAsFarAsTheyCan)
+{
+    legacysample::putInTheWay(L"gallery.dat");
+    run();
+    struct Case {
+        const char* file;
+        const char* query;
+        Rows rows;
+    };
+    const Case cases[]{
+        {"gallery.dat",
+         "SELECT FileId, CreateTime, Sdsmtime, OperateTime, ContinuousNo, VideoMetadata FROM GalleryFile "
+         "WHERE UniqueId = 'ugly-null'",
+         {{"''", "0", "''", "'0'", "0", "''"}}},
+        {"gallery.dat",
+         "SELECT FileName, Sdsmtime, PictureMetadata, VideoMetadata FROM GalleryFile WHERE UniqueId = "
+         "'ugly-shifted'",
+         {{"'shifted.jpg'", "''", "'{\"picture\":1}'", "'{\"video\":1}'"}}},
+        {"gallery.dat",
+         "SELECT FileId, CreateTime, Size, RecycleTime, GalleryState, FileName, IsDeleted, Sdsmtime FROM "
+         "GalleryFile WHERE UniqueId = '4711'",
+         {{"'42'", "0", "0", "0", "0", "'815'", "0", "''"}}},
+        {"gallery.dat",
+         "SELECT CreateTime, Size, GalleryState, OperateTime, IsFavorite FROM GalleryFile WHERE UniqueId "
+         "= 'ugly-huge'",
+         {{"9223372036854775807", "-9223372036854775808", "2", "'-9223372036854775808'", "-2147483648"}}},
+        {"gallery.dat",
+         "SELECT UniqueId, FileName FROM GalleryFile WHERE UniqueId IN ('ugly-nul', 'ugly-' || "
+         "char(65533), '', 'ugly-blob-key') ORDER BY UniqueId",
+         {{"''", "'no key.jpg'"}, {"'ugly-blob-key'", "''"}, {"'ugly-nul'", "'nul'"}, {"'ugly-\uFFFD'", "'\uFFFD('"}}},
+        {"gallery.dat",
+         "SELECT AlbumName, CreateTime, Lpath, AlbumType, Operation, IsDelete FROM Album ORDER BY AlbumId",
+         {{"'no key'", "0", "'\uFFFD'", "'5'", "'a'", "-1"}, {"'Renamed since'", "0", "''", "''", "''", "0"}}},
+        {"gallery.dat",
+         "SELECT LatestVersion, TempVersion, UpdateTime, BriefingTime FROM AlbumLocalVersion ORDER BY 1",
+         {{"123456", "123457", "1577836800000", "'1577836800000'"},
+          {"2147483647", "-2147483648", "0", "'9223372036854775807'"}}},
+        {"gallery.dat",
+         "SELECT Id, UniqueId, TotalLength, Position FROM DownloadTask ORDER BY Id",
+         {{"1", "'another task'", "0", "0"},
+          {"2", "'unique-2'", "3000000", "1000000"},
+          {"3", "'unique-3'", "3000000", "1000000"},
+          {"4", "'unique-1'", "3000000", "1000000"},
+          {"5", "'ugly-download'", "9223372036854775807", "2147483647"}}},
+        {"gallery.dat",
+         "SELECT Id, Position, TaskStatus, StartTime, EndTime FROM UploadTask WHERE UniqueId = "
+         "'ugly-upload'",
+         {{"4", "-2147483648", "0", "'noon'", "'9223372036854775807'"}}},
+        {"gallery.dat",
+         "SELECT substr(UniqueId, 10), EndTime FROM TransferCompleteCloudTask WHERE FileName = 'end.jpg' "
+         "ORDER BY EndTime, UniqueId",
+         {{"'-5'", "-5"},
+          {"''", "0"},
+          {"'noon'", "0"},
+          {"' 12 '", "12"},
+          {"'12 o'clock'", "12"},
+          {"'2020-01-01 00:00:00'", "2020"},
+          {"'1.5e12'", "1500000000000"},
+          {"'1577836800000.75'", "1577836800000"},
+          {"'99999999999999999999'", "9223372036854775807"}}},
+        {"main.dat",
+         "SELECT Key, Value FROM UserProperties WHERE Key != 'LegacyMigration' ORDER BY Key",
+         {{"''", "'no key'"},
+          {"'Again'", "'1'"},
+          {"'AutoStart'", "'1'"},
+          {"'Language'", "'de-DE'"},
+          {"'SyncCloudFolder'", "'D:\\Cloud'"},
+          {"'Theme'", "'dark'"},
+          {"'Twice'", "'new'"},
+          {"'\uFFFD'", "'a'"}}},
+        {"main.dat",
+         "SELECT id, time, substr(action, 1, 6), useTime, logversion FROM UserLogTable WHERE id NOT BETWEEN 2 "
+         "AND 7 ORDER BY id",
+         {{"1", "''", "'stands'", "0.0", "0"},
+          {"900000000", "''", "'stands'", "0.0", "0"},
+          {"900000001", "'2020-01-01 00:00:01'", "'open'", "1.0", "1"},
+          {"900000002", "'ugly-id'", "'open'", "-1.0", "2147483647"}}},
+        {"main.dat",
+         "SELECT id, startTime, traceEndFlag, residenceTime, isMainteranceLog FROM UBAUserLog WHERE time = "
+         "'ugly-id'",
+         {{"8", "9.22337203685478e+18", "0", "16.0", "2"}}},
+    };
+    for (const auto& [file, query, rows] : cases) {
+        SCOPED_TRACE(query);
+        EXPECT_EQ(SqliteFile(m_store / file).query(query), rows);
+    }
+}
+
+TEST_F(Migration, SecondRunLeavesEverythingAsItWas)
+{
+    legacysample::putInTheWay(L"gallery.dat");
+    const Report first = run();
+    const auto counts = countsIn(m_store);
+    const auto earlier = run().earlierRun;
+    ASSERT_TRUE(earlier);
+    EXPECT_NE(earlier->find(" read=101 written=95 lost=10"), std::string::npos) << *earlier;
+
+    const Report second = runAgain();
+    EXPECT_EQ(countsIn(m_store), counts);
+    EXPECT_EQ(second.lost, first.lost);
+    for (std::size_t i = 0; i < second.tables.size(); ++i) {
+        EXPECT_EQ(second.tables[i].written, 0) << second.tables[i].table;
+        EXPECT_EQ(second.tables[i].alreadyThere, first.tables[i].written + first.tables[i].alreadyThere);
+    }
+
+    // What has changed in the store since stays, unless it is to be replaced.
+    SqliteFile(m_plan.galleryFile)
+        .exec("UPDATE GalleryFile SET FileName = 'changed' WHERE UniqueId = 'ugly-null';"
+              "UPDATE DownloadTask SET Position = 7 WHERE Id = 2");
+    EXPECT_EQ(runAgain().tables[0].kept, 1);
+    EXPECT_EQ(inGallery("SELECT FileName FROM GalleryFile WHERE UniqueId = 'ugly-null'"), Rows{{"'changed'"}});
+    m_plan.replace = true;
+    const Report replacing = runAgain();
+    EXPECT_EQ(replacing.tables[0].replaced, 1);
+    EXPECT_EQ(replacing.tables[3].replaced, 1);
+    EXPECT_EQ(countsIn(m_store), counts);
+    EXPECT_EQ(inGallery("SELECT FileName FROM GalleryFile WHERE UniqueId = 'ugly-null'"), Rows{{"''"}});
+    EXPECT_EQ(inGallery("SELECT Position FROM DownloadTask WHERE Id = 2"), Rows{{"1000000"}});
+    EXPECT_EQ(inMain("SELECT Value FROM UserProperties WHERE Key = 'Theme'"), Rows{{"'light'"}});
+}
+
+TEST_F(Migration, DryRunReportsTheSameAndWritesNothing)
+{
+    legacysample::putInTheWay(L"gallery.dat");
+    const auto bytes = [&] {
+        return testsupport::bytesOf(m_plan.mainFile) + testsupport::bytesOf(m_plan.galleryFile) +
+            testsupport::bytesOf(m_plan.legacyFile);
+    };
+    const std::string before = bytes();
+    m_plan.dryRun = true;
+    Report rehearsal = run();
+    EXPECT_EQ(bytes(), before);
+    EXPECT_FALSE(rehearsal.remembered);
+    m_plan.dryRun = false;
+    const Report report = run();
+    for (std::size_t i = 0; i < report.tables.size(); ++i) {
+        rehearsal.tables[i].inStore = report.tables[i].inStore; // the one number that has to differ
+    }
+    EXPECT_EQ(summaryOf(rehearsal), summaryOf(report));
+    EXPECT_NE(bytes(), before);
+}
+
+TEST_F(Migration, WithoutTheOtherLog)
+{
+    m_plan.skipUba = true;
+    const Report report = run();
+    EXPECT_EQ(report.tables.back().table, "UserLogTable");
+    EXPECT_EQ(report.outOfReach, 0);
+    EXPECT_EQ(inMain("SELECT COUNT(*) FROM UBAUserLog"), Rows{{"0"}});
+}
+
+TEST_F(Migration, RefusesWhatIsNoLegacyFileAndTouchesNoStore)
+{
+    const fs::path folder = m_folder.path();
+    const std::string sampleBytes = testsupport::bytesOf(sample());
+    testsupport::writeBytes(folder / "empty", "");
+    testsupport::writeBytes(folder / "text", std::string(5000, 'x'));
+    testsupport::writeBytes(folder / "cut", sampleBytes.substr(0, sampleBytes.size() / 2));
+    testsupport::writeBytes(folder / "cut at its end", sampleBytes.substr(0, sampleBytes.size() - 10));
+    SqliteFile(folder / "other").exec("CREATE TABLE Something (a)");
+    SqliteFile(folder / "today").exec("CREATE TABLE GalleryFile (UniqueId TEXT PRIMARY KEY, ContinuousNo INTEGER)");
+    const std::string damaged = "it is no database, damaged, cut short or locked";
+    for (const auto& [name, reason] : std::vector<std::pair<std::string, std::string>>{
+             {"missing", "there is no such file"},
+             {"store", "it is not a file"},
+             {"empty", "it has none of the tables of the earlier client generation"},
+             {"text", damaged},
+             {"cut", damaged},
+             {"cut at its end", damaged},
+             {"other", "it has none of the tables of the earlier client generation"},
+             {"today",
+              "its table GalleryFile is of another shape, so it comes from another program or is one of today's "
+              "stores"},
+         }) {
+        SCOPED_TRACE(name);
+        const std::string before = testsupport::bytesOf(folder / name);
+        EXPECT_EQ(errorOf(folder / name), reason);
+        EXPECT_EQ(testsupport::bytesOf(folder / name), before);
+        EXPECT_TRUE(fs::is_empty(m_store));
+    }
+    m_plan.galleryFile = copyOfSample("store/gallery.dat");
+    EXPECT_EQ(errorOf(m_plan.galleryFile), "it is the store's own file gallery.dat");
+    testsupport::writeBytes(m_plan.mainFile, "no database");
+    EXPECT_EQ(errorOf(sample()), "the store's file main.dat cannot be read: it is no database, damaged or locked");
+    m_log.take();
+}
+
+TEST_F(Migration, DamageCostsTheTableItIsIn)
+{
+    m_plan.legacyFile = copyOfSample("damaged.dat");
+    std::string bytes = testsupport::bytesOf(m_plan.legacyFile);
+    const std::size_t page = bytes.rfind("IMG_39.jpg") / 4096 * 4096;
+    bytes.replace(page, 4096, 4096, '\xEE');
+    testsupport::writeBytes(m_plan.legacyFile, bytes);
+    const Report report = run();
+    const TableReport& files = report.tables.front();
+    EXPECT_EQ(files.trouble, "the legacy file is damaged here, or of another shape");
+    EXPECT_EQ(files.inLegacy, 51);
+    EXPECT_GT(files.read, 0);
+    EXPECT_EQ(files.written, files.read);
+    EXPECT_EQ(report.tables[1].written, 2);
+    EXPECT_FALSE(report.isWhole());
+    m_log.take();
+}
+
+TEST_F(Migration, RefusedRowIsCountedAndTheRunNotRemembered)
+{
+    legacysample::putInTheWay(L"gallery.dat");
+    SqliteFile(m_plan.galleryFile)
+        .exec("CREATE TRIGGER refuse BEFORE INSERT ON GalleryFile WHEN NEW.UniqueId = 'ugly-huge' BEGIN SELECT "
+              "RAISE(ABORT, 'no'); END");
+    const Report report = run();
+    EXPECT_EQ(report.tables[0].failed, 3);
+    EXPECT_EQ(report.tables[0].written, 48);
+    EXPECT_EQ(report.tables[1].written, 2);
+    EXPECT_FALSE(report.remembered);
+    m_log.take();
+}
+
+TEST_F(Migration, WaitsForAStoreThatIsLockedOnTheWay)
+{
+    std::thread locker;
+    const Report report = migration::run(m_plan, [&](double, std::string_view table) {
+        if (table == "Album" && !locker.joinable()) {
+            auto file = std::make_shared<SqliteFile>(m_plan.galleryFile);
+            file->exec("BEGIN EXCLUSIVE");
+            locker = std::thread([file] {
+                std::this_thread::sleep_for(std::chrono::milliseconds(150));
+                file->exec("COMMIT");
+            });
+        }
+    });
+    locker.join();
+    EXPECT_TRUE(report.remembered);
+    EXPECT_EQ(report.tables[2].written, 2);
+}
+
+// Wherever the disk fills up: the run says that it lost rows, and once there is room, another one brings all of them.
+TEST_F(Migration, FullDiskOnTheWay)
+{
+    run();
+    const std::int64_t changes = FaultyDisk::changes();
+    const auto counts = countsIn(m_store);
+    for (std::int64_t part = 1; part < 8; ++part) {
+        SCOPED_TRACE(part);
+        fs::remove(m_plan.mainFile);
+        fs::remove(m_plan.galleryFile);
+        m_disk.reset();
+        m_disk.emplace(FaultyDisk::Fault::Full, changes * part / 8);
+        const Report failed = run();
+        EXPECT_FALSE(failed.remembered);
+        EXPECT_FALSE(failed.isWhole());
+        m_log.take();
+        m_disk.reset();
+        m_disk.emplace();
+        EXPECT_TRUE(run().remembered);
+        EXPECT_EQ(countsIn(m_store), counts);
+        m_log.take();
+    }
+}
+
+// A hundred kills, spread over all changes that a run makes to its files.
+TEST_F(Migration, KilledAnywhereASecondRunEndsAsOneUndisturbed)
+{
+    const auto migrate = [&](const fs::path& store, const std::string& killAt) {
+        std::vector<std::string> command{MIGRATION_PROGRAM, platform::toUtf8(sample()), platform::toUtf8(store),
+                                         "gallery.dat"};
+        if (!killAt.empty()) {
+            command.push_back(killAt);
+        }
+        return testsupport::runProgram(command, m_folder.path() / "output", m_folder.path() / "errors");
+    };
+    const fs::path inTheWay = m_folder.path() / "in-the-way";
+    legacysample::putInTheWay(L"gallery.dat");
+    fs::rename(m_store, inTheWay);
+    fs::copy(inTheWay, m_store);
+    ASSERT_EQ(migrate(m_store, {}), 0);
+    const std::int64_t changes = std::stoll(testsupport::bytesOf(m_folder.path() / "output"));
+    const auto counts = countsIn(m_store);
+
+    constexpr int kills = 100;
+    ASSERT_GT(changes, kills);
+    for (int kill = 0; kill < kills; ++kill) {
+        const std::string change = std::to_string(1 + changes * kill / kills);
+        SCOPED_TRACE(change);
+        fs::remove_all(m_store);
+        fs::copy(inTheWay, m_store);
+        ASSERT_EQ(migrate(m_store, change), FaultyDisk::killedCode);
+        ASSERT_EQ(migrate(m_store, {}), 0);
+        EXPECT_EQ(countsIn(m_store), counts);
+    }
+}
