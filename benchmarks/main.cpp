@@ -1,6 +1,7 @@
 #include "driveworkload.h"
 #include "harness.h"
 #include "listworkload.h"
+#include "migrationworkload.h"
 #include "moduleworkload.h"
 #include "scratchfolder.h"
 #include "storeworkload.h"
@@ -97,7 +98,9 @@ void compare(const Options& options)
     const std::vector<Result> stores = measureAll<StoreWorkload>(options, folder.path(), rounds);
     const std::vector<Result> transfers = measureAll<TransferWorkload>(options, folder.path(), rounds);
     const std::vector<Result> modules = measureAll<ModuleWorkload>(options, folder.path(), rounds);
-    if (drive.empty() && lists.empty() && stores.empty() && transfers.empty() && modules.empty()) {
+    const std::vector<Result> migrations = measureAll<MigrationWorkload>(options, folder.path(), rounds);
+    if (drive.empty() && lists.empty() && stores.empty() && transfers.empty() && modules.empty() &&
+        migrations.empty()) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
     printComparison(drive, 1);
@@ -106,6 +109,8 @@ void compare(const Options& options)
     printComparison(stores, 1);
     printComparison(transfers, 1);
     printComparison(modules, 1);
+    printComparison(migrations, 1);
+    printComparison(migrations, 2);
     if (options.operation.empty()) {
         const ModuleWorkload::Posting posting = ModuleWorkload(options.rows, folder.path()).measurePosting();
         fmt::print("\na call that posts, {} times: median {:.1f} us, 99th percentile {:.1f} us\n", posting.calls,
@@ -117,7 +122,7 @@ void runForProfiler(const Options& options)
 {
     if (!runOneSide<DriveWorkload>(options) && !runOneSide<ListWorkload>(options) &&
         !runOneSide<StoreWorkload>(options) && !runOneSide<TransferWorkload>(options) &&
-        !runOneSide<ModuleWorkload>(options)) {
+        !runOneSide<ModuleWorkload>(options) && !runOneSide<MigrationWorkload>(options)) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
 }
@@ -136,7 +141,7 @@ int run(int argc, char** argv)
                        "page-size, counts, class, gallery-insert, gallery-read-all, "
                        "gallery-by-id, changes-insert, changes-read-all, changes-insert-each, "
                        "log-insert, log-check, start, completed-..., download-..., upload-... or task-..., each "
-                       "with insert, update or read-all, messages or posted-updates");
+                       "with insert, update or read-all, messages, posted-updates or migrate");
     app.add_option("--side", options.side, "Run one side of the operation once, for a profiler, and print its rows")
         ->check(CLI::IsMember(sides))
         ->needs(operation);
