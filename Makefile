@@ -3,6 +3,8 @@
 # The folder that `make demo` looks at.
 FOLDER ?= /usr/share
 export FOLDER
+# How many pictures and videos `make legacy-sample` makes up.
+ROWS ?= 10000
 # How many tests and checks run at a time.
 JOBS ?= $(shell nproc)
 
@@ -17,8 +19,13 @@ help:
 
 .PHONY: demo
 demo: build/release/build.ninja ## put a real folder into a store, change it, bring the store up to date (FOLDER=/usr/share)
-	cmake --build --preset release --target dbservice
+	cmake --build --preset release --target dbservice legacysample
 	scripts/demo.sh build/release/bin/dbservice "$$FOLDER"
+
+.PHONY: legacy-sample
+legacy-sample: build/release/build.ninja ## make up build/legacy/legacy-sample.dat, to try `dbservice migrate` on (ROWS=10000)
+	cmake --build --preset release --target legacysample
+	build/release/bin/legacysample build/legacy/legacy-sample.dat $(ROWS)
 
 .PHONY: test
 test: build/release/build.ninja ## build everything and run all tests

@@ -141,3 +141,14 @@ run "$program" --folder "$tree_store" gallery import "$pictures" --gallery galle
 run "$program" --folder "$tree_store" gallery counts --gallery gallery.dat
 say 'And its tables go again.'
 run "$program" --folder "$tree_store" reset --gallery gallery.dat --yes
+
+say 'A made-up file of the earlier client generation, ugly rows and all, and a store in which some keys are taken:'
+run "$(dirname -- "$program")/legacysample" "$demo/legacy.dat" 5000 "$demo/migrated" gallery.dat
+say 'What would come over, and what would be lost; then the migration itself. Exit code 1 says that rows were lost.'
+run "$program" --folder "$demo/migrated" migrate "$demo/legacy.dat" --gallery gallery.dat --dry-run || echo "Exit code $?"
+run "$program" --folder "$demo/migrated" migrate "$demo/legacy.dat" --gallery gallery.dat || echo "Exit code $?"
+run "$program" --folder "$demo/migrated" properties list
+say 'Done twice, nothing comes twice.'
+run "$program" --folder "$demo/migrated" migrate "$demo/legacy.dat" --gallery gallery.dat
+run "$program" --folder "$demo/migrated" migrate "$demo/legacy.dat" --gallery gallery.dat --again --quiet ||
+    echo "Exit code $?"

@@ -64,7 +64,7 @@ TEST_F(ToolDrive, ListsShowWhatIsPending)
     EXPECT_EQ(names({"ls", "/a"}), (Names{"b", "new 10", "it's", "one"}));
     const json made = row("/a/new 10");
     EXPECT_NE(made["newBatchId"], 0);
-    EXPECT_EQ(made["mimeType"], DatabaseService::DriveDataTable::folderMimeType);
+    EXPECT_EQ(made["mimeType"], std::string(DatabaseService::DriveDataTable::folderMimeType));
 
     expectDone({"rename", "/a/b", "new 9"}, "rename");
     EXPECT_EQ(names({"ls", "/a"}), (Names{"new 9", "new 10", "it's", "one"}));

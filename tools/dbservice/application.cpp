@@ -78,7 +78,7 @@ void addCommands(CLI::App& app, Command& chosen)
              Group{"Stores", {addInit, addScan, addReindex, addReset}},
              Group{"Show the drive", {addLs, addView, addRecycle, addStat, addCount, addPending, addConfig}},
              Group{"Change the drive", {addMkdir, addRename, addMv, addRm, addRestore}},
-             Group{"Other stores", {addProperties, addShortcuts, addGallery, addTransfers}},
+             Group{"Other stores", {addProperties, addShortcuts, addGallery, addTransfers, addMigrate}},
          }) {
         for (const auto add : group.commands) {
             add(app, chosen);

@@ -21,6 +21,7 @@ void addCount(CLI::App& app, Command& chosen);
 void addGallery(CLI::App& app, Command& chosen);
 void addInit(CLI::App& app, Command& chosen);
 void addLs(CLI::App& app, Command& chosen);
+void addMigrate(CLI::App& app, Command& chosen);
 void addMkdir(CLI::App& app, Command& chosen);
 void addMv(CLI::App& app, Command& chosen);
 void addPending(CLI::App& app, Command& chosen);

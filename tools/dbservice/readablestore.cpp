@@ -138,8 +138,14 @@ ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName, C
 ReadableStore::~ReadableStore()
 {
     if (!m_copy.empty()) {
-        std::error_code ignored;
-        fs::remove_all(m_copy, ignored);
+        std::error_code error;
+        fs::remove_all(m_copy, error);
+        // Where files cannot be removed while a connection is open, they shall at least take no room.
+        for (auto entry = fs::directory_iterator(m_copy, error); !error && entry != fs::directory_iterator();
+             entry.increment(error)) {
+            std::error_code ignored;
+            fs::resize_file(entry->path(), 0, ignored);
+        }
     }
 }
 

@@ -121,6 +121,11 @@ void Session::editAllStores(const std::string& name)
     useFolder(m_folder, name);
 }
 
+void Session::nameInWarnings(const std::string& name)
+{
+    m_log->setStore(name);
+}
+
 DatabaseService::DriverDBProvider& Session::readDrive()
 {
     if (!m_readable) {

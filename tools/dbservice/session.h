@@ -70,6 +70,8 @@ public:
     void makeStore(const std::filesystem::path& fileName);
     /// All the files in the folder, under a name for all. Throws unless one of them is a store's.
     void editAllStores(const std::string& name);
+    /// What warnings of the library's failures begin with, in place of the file's name.
+    void nameInWarnings(const std::string& name);
 
     /// The drive store for a command that only shows: no byte of the store changes.
     DatabaseService::DriverDBProvider& readDrive();

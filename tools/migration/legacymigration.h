@@ -55,7 +55,7 @@ struct TableReport {
 
     int64 clamped = 0;    ///< rows read with a number beyond what the store's record holds
     int64 notNumbers = 0; ///< rows read with a text in place of a number
-    int64 shifted = 0;    ///< rows read whose texts were put back where they belong
+    int64 mended = 0;     ///< rows read whose `Sdsmtime` the reader cannot give, and that were set right
     /// Columns that the store does not have, and how many of the rows read hold something there.
     std::vector<std::pair<std::string_view, int64>> dropped;
 

@@ -110,7 +110,7 @@ private:
             trouble("the legacy file is damaged here, or of another shape");
         }
         if constexpr (requires { Table::mend(m_rows, m_legacy); }) {
-            m_report.shifted = Table::mend(m_rows, m_legacy);
+            m_report.mended = Table::mend(m_rows, m_legacy);
         }
         m_steps.done(m_report.inLegacy, Table::table);
     }

@@ -78,8 +78,9 @@ struct GalleryFiles {
     static bool read(std::vector<Legacy>& rows) { return V10::GetAllGalleryFile(rows); }
     static bool write(std::vector<Current>& rows, bool) { return gallery::InsertGalleryFileTable(rows); }
 
-    /// A NULL in `Sdsmtime` gives the reader no cell, and the three texts behind it have moved one member to the front.
-    /// Puts them back, and tells in how many rows.
+    /// The column `Sdsmtime` is of a type that the engine does not know. A NULL in it gives the reader no cell, and the
+    /// three texts behind have moved one member to the front; a number in it, which SQLite makes of digits, is passed
+    /// over. Sets both right, and tells in how many rows.
     static int64 mend(std::vector<Legacy>& rows, FileLook& legacy);
 };
 

@@ -1,0 +1,182 @@
+#include "legacysample/legacysample.h"
+#include "platform/paths.h"
+#include "support/process.h"
+#include "support/sqlitefile.h"
+#include "support/tooltest.h"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+using nlohmann::json;
+using testsupport::contents;
+using testsupport::Ran;
+using testsupport::SqliteFile;
+
+namespace {
+
+/// One that holds no pages: rolling it back removes it and changes nothing else.
+std::string hotJournalOf(const fs::path& file)
+{
+    std::string journal("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8);
+    for (const auto number : {std::uintmax_t{0}, std::uintmax_t{0}, fs::file_size(file) / 4096, std::uintmax_t{512},
+                              std::uintmax_t{4096}}) {
+        for (const int shift : {24, 16, 8, 0}) {
+            journal += static_cast<char>(number >> shift & 0xFF);
+        }
+    }
+    journal.resize(512);
+    return journal;
+}
+
+class ToolMigrate : public testsupport::ToolTest {
+protected:
+    ToolMigrate()
+    {
+        fs::create_directory(temporary());
+        legacysample::write(legacy(), 20);
+    }
+
+    fs::path legacy() const { return source() / "legacy.dat"; }
+    fs::path temporary() const { return m_folder.path() / "temporary"; }
+
+    Ran migrate(const Arguments& options = {}) const
+    {
+        Arguments arguments{"migrate", platform::toUtf8(legacy()), "--gallery", "gallery.dat"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const testsupport::EnvironmentVariable copies("TMPDIR", platform::toUtf8(temporary()));
+        return onStore(arguments);
+    }
+
+    /// Only what a client would have written.
+    void tidyLegacy() const
+    {
+        SqliteFile(legacy()).exec("DELETE FROM GalleryFile WHERE length(UniqueId) != 32; DELETE FROM Album WHERE "
+                                  "AlbumId = ''; DELETE FROM AlbumLocalVersion WHERE AlbumVersion = ''; DELETE FROM "
+                                  "DownloadTask WHERE Id > 100; DELETE FROM UploadTask WHERE Id > 100; DELETE FROM "
+                                  "TransferCompleteCloudTask WHERE Id > 100; DELETE FROM UserProperties WHERE Id > 4; "
+                                  "DELETE FROM UserLog WHERE Id > 100");
+    }
+};
+
+} // namespace
+
+TEST_F(ToolMigrate, DryRunChangesNoByteWhateverTheFilesAreLike)
+{
+    ASSERT_EQ(onStore({"init", "--gallery", "gallery.dat"}).code, 0);
+    // A journal that SQLite would roll back at the first look, a table that the reader would lay down, no permission.
+    testsupport::writeFile(store() / "main.dat-journal", hotJournalOf(store() / "main.dat"));
+    testsupport::writeFile(source() / "legacy.dat-journal", hotJournalOf(legacy()));
+    for (const char* const step : {"journals", "complete", "incomplete", "read-only"}) {
+        SCOPED_TRACE(step);
+        if (step == std::string("complete")) {
+            fs::remove(store() / "main.dat-journal");
+            fs::remove(source() / "legacy.dat-journal");
+        } else if (step == std::string("incomplete")) {
+            SqliteFile(legacy()).exec("DROP TABLE UBAUserLog");
+        } else if (step == std::string("read-only")) {
+            fs::permissions(legacy(), fs::perms::owner_read);
+        }
+        const auto stored = contents(store());
+        const auto read = contents(source());
+        const Ran ran = migrate({"--dry-run"});
+        EXPECT_EQ(ran.code, 1);
+        EXPECT_NE(ran.out.find("GalleryFile                  31           29              0        0       2"),
+                  std::string::npos)
+            << ran.out << ran.err;
+        EXPECT_EQ(contents(store()), stored);
+        EXPECT_EQ(contents(source()), read);
+        EXPECT_TRUE(!testsupport::onPosix || fs::is_empty(temporary()));
+    }
+    fs::permissions(legacy(), fs::perms::owner_all);
+    fs::remove_all(store());
+    EXPECT_EQ(migrate({"--dry-run"}).code, 1);
+    EXPECT_FALSE(fs::exists(store()));
+}
+
+TEST_F(ToolMigrate, TellsWhatCameOverAndWhatWasLost)
+{
+    const auto read = contents(source());
+    const Ran ran = migrate();
+    EXPECT_EQ(ran.code, 1);
+    for (const char* const text :
+         {"UserLogTable                  6        6              0        1       2             6\n",
+          "DownloadTask: no place any more for RelativePath (3 rows), TaskStatus (3 rows), ",
+          "UBAUserLog: gets the rows of the legacy UserLog"}) {
+        EXPECT_NE(ran.out.find(text), std::string::npos) << text << '\n' << ran.out;
+    }
+    for (const char* const text :
+         {"warning: UserLogTable: a time that is no number ended the table (invalid stod argument)\n",
+          "warning: UBAUserLog: 3 rows of the legacy table of this name stay behind",
+          "dbservice: cannot migrate everything: 10 rows lost, see the warnings above\n"}) {
+        EXPECT_NE(ran.err.find(text), std::string::npos) << text << '\n' << ran.err;
+    }
+    EXPECT_EQ(contents(source()), read);
+
+    const auto stored = contents(store());
+    const Ran second = migrate();
+    EXPECT_EQ(second.code, 0);
+    EXPECT_EQ(second.out.find("The store has been migrated to before (time="), 0U) << second.out;
+    const Ran again = migrate({"--again", "--json"});
+    EXPECT_EQ(again.code, 1);
+    const json document = json::parse(again.out);
+    EXPECT_EQ(document["lost"], 10);
+    EXPECT_EQ(document["outOfReach"], 3);
+    const json& files = document["tables"][0];
+    EXPECT_EQ(files["written"], 0);
+    EXPECT_EQ(files["alreadyThere"], 29);
+    EXPECT_EQ(files["failed"], 2);
+    EXPECT_EQ(files["inStore"], 29);
+    EXPECT_EQ(files["dropped"]["ServerAlbumId"], 20);
+    auto changed = contents(store());
+    changed["main.dat"] = stored.at("main.dat"); // remembers the later run
+    EXPECT_EQ(changed, stored);
+}
+
+TEST_F(ToolMigrate, ExitCodeTellsWhetherAnythingIsMissing)
+{
+    tidyLegacy();
+    EXPECT_EQ(migrate().code, 1);
+    const Ran whole = migrate({"--again", "--skip-uba"});
+    EXPECT_EQ(whole.code, 0) << whole.err;
+    EXPECT_EQ(whole.err, "");
+    EXPECT_EQ(whole.out.find("UBAUserLog"), std::string::npos);
+
+    SqliteFile(store() / "main.dat").exec("UPDATE UserProperties SET Value = 'dark' WHERE Key = 'Theme'");
+    EXPECT_NE(migrate({"--again", "--skip-uba"}).out.find("1 row already there with other values, which stay"),
+              std::string::npos);
+    EXPECT_NE(migrate({"--again", "--skip-uba", "--replace"}).out.find("UserProperties: 1 row replaced"),
+              std::string::npos);
+    EXPECT_EQ(SqliteFile(store() / "main.dat").value("SELECT Value FROM UserProperties WHERE Key = 'Theme'"),
+              "'light'");
+}
+
+TEST_F(ToolMigrate, RefusesWithTheReasonAndMakesNothing)
+{
+    const std::string bytes = testsupport::readFile(legacy());
+    for (const auto& [content, reason] : std::vector<std::pair<std::string, std::string>>{
+             {"", " is empty"},
+             {"no database at all", " is not a database"},
+             {bytes.substr(0, 20'000),
+              "cannot migrate " + platform::toUtf8(legacy()) + ": it is no database, damaged, "},
+             {bytes.substr(0, bytes.size() - 1), ": it is no database, damaged, cut short or locked"},
+             {"folder", " is not a file"},
+             {"missing", "there is no legacy.dat in "},
+         }) {
+        SCOPED_TRACE(reason);
+        fs::remove_all(legacy());
+        if (content == "folder") {
+            fs::create_directory(legacy());
+        } else if (content != "missing") {
+            testsupport::writeFile(legacy(), content);
+        }
+        const Ran ran = migrate();
+        EXPECT_EQ(ran.code, 1);
+        EXPECT_NE(ran.err.find(reason), std::string::npos) << ran.err;
+        EXPECT_FALSE(fs::exists(store()));
+    }
+    EXPECT_EQ(onStore({"migrate", platform::toUtf8(legacy())}).code, 2);
+}
