@@ -73,6 +73,14 @@ protected:
         return m_folder.path() / name;
     }
 
+    /// Overwrites the page with the last of the ordinary pictures.
+    static void damageFiles(const fs::path& file)
+    {
+        std::string bytes = testsupport::bytesOf(file);
+        bytes.replace(bytes.rfind("IMG_39.jpg") / 4096 * 4096, 4096, 4096, '\xEE');
+        testsupport::writeBytes(file, bytes);
+    }
+
     Report run() const { return migration::run(m_plan); }
     Report runAgain()
     {
@@ -339,13 +347,10 @@ TEST_F(Migration, RefusesWhatIsNoLegacyFileAndTouchesNoStore)
     m_log.take();
 }
 
-TEST_F(Migration, DamageCostsTheTableItIsIn)
+TEST_F(Migration, DamageInTheLegacyFileCostsTheTableItIsIn)
 {
     m_plan.legacyFile = copyOfSample("damaged.dat");
-    std::string bytes = testsupport::bytesOf(m_plan.legacyFile);
-    const std::size_t page = bytes.rfind("IMG_39.jpg") / 4096 * 4096;
-    bytes.replace(page, 4096, 4096, '\xEE');
-    testsupport::writeBytes(m_plan.legacyFile, bytes);
+    damageFiles(m_plan.legacyFile);
     const Report report = run();
     const TableReport& files = report.tables.front();
     EXPECT_EQ(files.trouble, "the legacy file is damaged here, or of another shape");
@@ -354,6 +359,21 @@ TEST_F(Migration, DamageCostsTheTableItIsIn)
     EXPECT_EQ(files.written, files.read);
     EXPECT_EQ(report.tables[1].written, 2);
     EXPECT_FALSE(report.isWhole());
+    m_log.take();
+}
+
+// Rows that are in the store must not be taken for missing because they cannot be read.
+TEST_F(Migration, DamageInTheStoreEndsTheRun)
+{
+    run();
+    damageFiles(m_plan.galleryFile);
+    const Report report = runAgain();
+    EXPECT_EQ(report.stopped,
+              "the table GalleryFile cannot be read in the store: it is damaged, of another shape or locked");
+    for (const TableReport& table : report.tables) {
+        EXPECT_EQ(table.written, 0);
+    }
+    EXPECT_EQ(report.lost, 51 + 2 + 2 + 4 + 12 + 4 + 10 + 10 + 10 + 3);
     m_log.take();
 }
 
