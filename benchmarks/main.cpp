@@ -118,11 +118,29 @@ void compare(const Options& options)
     }
 }
 
+// A workload makes up its records first, which takes long under a profiler: so only the one that may have the
+// operation.
+bool runOneSideOfAny(const Options& options)
+{
+    const std::string kind = options.operation.substr(0, options.operation.find('-'));
+    if (kind == "gallery" || kind == "changes" || kind == "log" || kind == "start") {
+        return runOneSide<StoreWorkload>(options);
+    }
+    if (kind == "completed" || kind == "download" || kind == "upload" || kind == "task") {
+        return runOneSide<TransferWorkload>(options);
+    }
+    if (kind == "messages" || kind == "posted") {
+        return runOneSide<ModuleWorkload>(options);
+    }
+    if (kind == "migrate") {
+        return runOneSide<MigrationWorkload>(options);
+    }
+    return runOneSide<DriveWorkload>(options) || runOneSide<ListWorkload>(options);
+}
+
 void runForProfiler(const Options& options)
 {
-    if (!runOneSide<DriveWorkload>(options) && !runOneSide<ListWorkload>(options) &&
-        !runOneSide<StoreWorkload>(options) && !runOneSide<TransferWorkload>(options) &&
-        !runOneSide<ModuleWorkload>(options) && !runOneSide<MigrationWorkload>(options)) {
+    if (!runOneSideOfAny(options)) {
         throw std::invalid_argument("no operation is called " + options.operation);
     }
 }
