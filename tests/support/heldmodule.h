@@ -2,10 +2,35 @@
 
 #include "clientservices/korvthread.h"
 
-#include <semaphore>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 
 namespace testsupport {
+
+/// Lets one thread through for each `open`. Not the standard library's semaphore: a test that waited on one hung under
+/// Wine.
+class Gate {
+public:
+    void open()
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_open;
+        m_changed.notify_one();
+    }
+
+    void pass()
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_open > 0; });
+        --m_open;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_open = 0;
+};
 
 /// A module of a test's own, whose thread can be held in a handler.
 template <class Module> class HeldModule : public Module {
@@ -14,8 +39,8 @@ public:
     {
         m_msgHold = this->BindMessage([this](auto, auto) {
             thread = std::this_thread::get_id();
-            m_holding.release();
-            m_goOn.acquire();
+            m_holding.open();
+            m_goOn.pass();
         });
     }
 
@@ -25,9 +50,9 @@ public:
     void hold()
     {
         this->TryPostThreadMessage(m_msgHold, 0, 0);
-        m_holding.acquire();
+        m_holding.pass();
     }
-    void goOn() { m_goOn.release(); }
+    void goOn() { m_goOn.open(); }
 
     /// Ends the thread past the module's own stop.
     void end()
@@ -40,8 +65,8 @@ public:
 
 private:
     unsigned m_msgHold = 0;
-    std::binary_semaphore m_holding{0};
-    std::binary_semaphore m_goOn{0};
+    Gate m_holding;
+    Gate m_goOn;
 };
 
 } // namespace testsupport
