@@ -1,5 +1,6 @@
 #include "expertconnection.h"
 
+#include "platform/namecompare.h"
 #include "platform/paths.h"
 
 #include <chrono>
@@ -16,7 +17,18 @@ int wait(void* /*data*/, int /*count*/)
     return 1;
 }
 
+int compare(void* /*user*/, int leftSize, const void* left, int rightSize, const void* right)
+{
+    return platform::compareNames({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
+                                  {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
+}
+
 } // namespace
+
+int addNameCompare(sqlite3* db)
+{
+    return sqlite3_create_collation(db, "NameCompare", SQLITE_UTF8, nullptr, compare);
+}
 
 ExpertConnection::ExpertConnection(Kind kind, AfterOpen afterOpen) : m_kind(kind), m_afterOpen(afterOpen) { }
 

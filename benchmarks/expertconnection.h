@@ -8,6 +8,9 @@
 
 namespace benchmarks {
 
+/// Registers the library's own comparison of names on a connection. SQLite's code.
+int addNameCompare(sqlite3* db);
+
 /// A store's file under somebody who knows the C interface of SQLite well: the same opens, transactions and commits as
 /// the library, statements prepared with the legacy `sqlite3_prepare`, too. What he leaves out is what the library
 /// promises beyond that: other storage classes than the declared ones, ill-formed text, lines in a log.

@@ -1,7 +1,6 @@
 #include "expertdrive.h"
 
 #include "expertcells.h"
-#include "platform/namecompare.h"
 #include "platform/paths.h"
 
 #include <algorithm>
@@ -105,20 +104,9 @@ void readMembers(sqlite3_stmt* stmt, DriveDataTable& record, std::index_sequence
     (readCell(stmt, static_cast<int>(I), record.*std::get<First + I>(allMembers)), ...);
 }
 
-int compare(void* /*user*/, int leftSize, const void* left, int rightSize, const void* right)
-{
-    return platform::compareNames({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
-                                  {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
-}
-
-int addCollation(sqlite3* db)
-{
-    return sqlite3_create_collation(db, "NameCompare", SQLITE_UTF8, nullptr, compare);
-}
-
 } // namespace
 
-ExpertDrive::ExpertDrive(ExpertConnection::Kind connection) : m_connection(connection, addCollation)
+ExpertDrive::ExpertDrive(ExpertConnection::Kind connection) : m_connection(connection, addNameCompare)
 {
     const std::string select = fmt::format("SELECT {} FROM DriveDataTable", allColumns);
     m_texts[Insert] = fmt::format("INSERT INTO DriveDataTable ({}) VALUES ({});", allColumns, each(allColumns, ":{}"));

@@ -195,11 +195,7 @@ Operation ModuleWorkload::updatingRowByRow()
                          [this] {
                              m_run = nullptr;
                              const auto rows = m_downloads.readAll();
-                             const auto same = [](const auto& one, const auto& other) {
-                                 return membersOf(one) == membersOf(other);
-                             };
-                             if (!std::equal(rows.begin(), rows.end(), m_downloads.changed.begin(),
-                                             m_downloads.changed.end(), same)) {
+                             if (!sameRecords(rows, m_downloads.changed)) {
                                  throw std::runtime_error("the rows are not those that were posted");
                              }
                              return rows.size();

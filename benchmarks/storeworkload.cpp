@@ -8,7 +8,6 @@
 #include "databaseservice/maincolumns.h"
 #include "databaseservice/maindatabaseprovider.h"
 #include "expertcells.h"
-#include "platform/namecompare.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 
@@ -33,16 +32,6 @@ void requireRows(std::size_t rows, std::size_t expected)
     }
 }
 
-int addCollation(sqlite3* db)
-{
-    return sqlite3_create_collation(
-        db, "NameCompare", SQLITE_UTF8, nullptr,
-        [](void* /*user*/, int leftSize, const void* left, int rightSize, const void* right) {
-            return platform::compareNames({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
-                                          {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
-        });
-}
-
 } // namespace
 
 StoreWorkload::StoreWorkload(std::size_t rows, const std::filesystem::path& folder)
@@ -52,7 +41,7 @@ StoreWorkload::StoreWorkload(std::size_t rows, const std::filesystem::path& fold
       m_log(userLogs(rows), folder),
       m_files(galleryFiles(std::min<std::size_t>(2000, rows)).records),
       m_fewChanges(cloudFileChanges(std::min<std::size_t>(2000, rows)).records),
-      m_keptExpertDrive(ExpertConnection::Kind::Kept, addCollation)
+      m_keptExpertDrive(ExpertConnection::Kind::Kept, addNameCompare)
 {
 }
 

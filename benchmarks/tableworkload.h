@@ -17,6 +17,13 @@
 
 namespace benchmarks {
 
+/// Whether all members of all records are equal.
+template <class Record> bool sameRecords(const std::vector<Record>& left, const std::vector<Record>& right)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](const Record& one, const Record& other) { return membersOf(one) == membersOf(other); });
+}
+
 /// What a contender runs: it frees the records that it was made with.
 using Run = std::function<void()>;
 
@@ -203,8 +210,7 @@ private:
 
     std::size_t requireEqual(const Records& result, const Records& expected)
     {
-        const auto same = [](const Record& one, const Record& other) { return membersOf(one) == membersOf(other); };
-        if (!std::equal(result.begin(), result.end(), expected.begin(), expected.end(), same)) {
+        if (!sameRecords(result, expected)) {
             throw std::runtime_error(m_subject.title + ": the rows are not those that were written");
         }
         return result.size();
