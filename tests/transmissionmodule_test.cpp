@@ -1,6 +1,7 @@
 // The transfer store's module: from a post to its rows, its lines in the log, and its end.
 
 #include "databaseservice/transdbconn.h"
+#include "databaseservice/transdbconnthread.h"
 #include "databaseservice/transmissiondbmodule.h"
 #include "support/filebytes.h"
 #include "support/heldmodule.h"
@@ -236,8 +237,8 @@ TEST_F(TransmissionModule, InsertsAndReadsDoNotWaitForTheThread)
                                  opened,
                                  line("NotifyInsertCompleted", "insert Database op size[1] excute [base:1]"),
                                  opened,
-                                 line("NotifyInsertDownload", "insert Database op size[3] excute [base:3]"),
-                                 {"TransDbConnThread::InsertDownloadTasks", leftOut},
+                                 {"TransmissionDBModule::NotifyInsertDownload", leftOut},
+                                 line("NotifyInsertDownload", "insert Database op size[2] excute [base:3]"),
                                  opened,
                                  line("NotifyInsertDownload", "insert Database op size[1] excute [base:1]"),
                                  opened}));
@@ -246,6 +247,18 @@ TEST_F(TransmissionModule, InsertsAndReadsDoNotWaitForTheThread)
     module.goOn();
     module.StopWork();
     EXPECT_EQ(names("CompletedTaskTable"), "NULL") << "posted before, written after";
+}
+
+TEST_F(TransmissionModule, WritesToTheFileThatTheOtherWayInReads)
+{
+    TransDbConnThread& store = *TransDbConnThread::GetInstance();
+    store.SetDatabasePath(L"other.dat");
+    Module module;
+    module.OnUserLogin();
+    module.InsertCompletedTask(row<C>(9, "a"));
+    EXPECT_EQ(store.GetCompletedTasksLastRowId(), 1);
+    EXPECT_FALSE(std::filesystem::exists(m_path));
+    store.SetDatabasePath(L"transmission.dat");
 }
 
 TEST_F(TransmissionModule, AStoppedModuleTakesNothing)

@@ -8,7 +8,8 @@ TransDbConnThread::TransDbConnThread() : DatabaseOperationBase(L"transmission.da
 
 TransDbConnThread* TransDbConnThread::GetInstance()
 {
-    static TransDbConnThread instance;
+    // Never destroyed: the module's thread may still write while the process exits.
+    static auto& instance = *new TransDbConnThread;
     return &instance;
 }
 

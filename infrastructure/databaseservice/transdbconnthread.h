@@ -17,8 +17,10 @@ namespace DatabaseService::TransmissionDB {
 /// thread, despite its name.
 ///
 /// Threads: any; it holds the file's name and nothing else, and each call opens its own connection. Callbacks run on
-/// the calling thread, after the connection is closed.
-/// Ownership: what a call returns belongs to the caller; vectors are appended to.
+/// the calling thread, after the connection is closed. `TransDbConn` and `TransmissionDBModule` write through the one
+/// object, so another file name is given while neither is at work.
+/// Ownership: the object lives as long as the process; what a call returns belongs to the caller; vectors are appended
+/// to.
 /// Failure: lines in the log. A result of true says nothing unless its comment says otherwise; in a batch a row that
 /// fails is lost, the others land, and an empty batch runs an empty transaction. Readers give what an empty table
 /// would give.

@@ -2,7 +2,6 @@
 
 #include "clientservices/korvwritelog.h"
 #include "databaseservice/modulemessages.h"
-#include "databaseservice/neverdestroyed.h"
 #include "databaseservice/nullrecords.h"
 #include "databaseservice/transdbconnthread.h"
 
@@ -39,11 +38,9 @@ unsigned placeOf(const void* value)
     return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(value));
 }
 
-// A copy that outlives the instance of `GetInstance`: handlers may still run while the process exits.
 TransDbConnThread& store()
 {
-    static auto& instance = neverDestroyed(*TransDbConnThread::GetInstance());
-    return instance;
+    return *TransDbConnThread::GetInstance();
 }
 
 // `value` is what the lines tell.
@@ -79,10 +76,14 @@ template <class Record, class Element>
 std::vector<Record> takeBatch(std::unique_ptr<std::list<Element>>& list, int line, const char* function)
 {
     std::vector<Record> batch;
-    if constexpr (std::is_same_v<Record, Element>) {
-        batch.assign(list->begin(), list->end());
-    } else {
+    if constexpr (!std::is_same_v<Record, Element>) {
         batch = copiesOf(*list, function);
+    } else {
+        batch.assign(list->begin(), list->end());
+        if constexpr (!std::is_same_v<Record, int>) {
+            reportNullRecords(batch, function);
+            std::erase(batch, nullptr);
+        }
     }
     // One text for all operations, deletes and updates too; the log's readers search for it.
     log(line, function, "insert Database op size[%u] excute [base:%u]", static_cast<unsigned>(batch.size()),
@@ -104,7 +105,6 @@ TransmissionDBModule::TransmissionDBModule()
 {
     log(__LINE__, "TransmissionDBModule::TransmissionDBModule", "database Module this=0x%p",
         static_cast<const void*>(this));
-    store(); // the copy is made before a handler asks for it
 
     using Module = TransmissionDBModule;
     // The order gives the ids, and it is not the members'.
