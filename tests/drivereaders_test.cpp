@@ -228,6 +228,11 @@ TEST_F(DriveReaders, LoopsOverIdsKeepPlaceAndStatement)
     EXPECT_TRUE(m_drive.CheckWhetherFileIdExistsInDriveData(L"plan", stmt));
     EXPECT_FALSE(m_drive.CheckWhetherFileIdExistsInDriveData(L"unknown", stmt));
     EXPECT_TRUE(m_drive.FinalizeStatment(stmt));
+    for (const auto& [text, exists] : {std::pair{"'07'", true}, {"'none'", false}, {"0.9", false}, {"NULL", false}}) {
+        stmt = m_drive.PrepareSql(db, std::string("SELECT ") + text + " WHERE :fileId = 'plan'");
+        EXPECT_EQ(m_drive.CheckWhetherFileIdExistsInDriveData(L"plan", stmt), exists) << text;
+        EXPECT_TRUE(m_drive.FinalizeStatment(stmt));
+    }
     EXPECT_TRUE(m_drive.CloseDatabase(db));
 
     // Without a table the statement cannot be prepared, without a folder nothing opens.

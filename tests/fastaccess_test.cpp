@@ -149,6 +149,9 @@ TEST_F(FastAccess, NothingCrashesWithoutRecordOrCallback)
     FastAccessTable record;
     EXPECT_TRUE(InsertFastAccessData(&record, {}));
     EXPECT_EQ(record.Id, 1);
+    SqliteFile(m_path).exec("DROP TABLE FastAccess; CREATE TABLE FastAccess(Id TEXT DEFAULT '07', [Index], DataType, "
+                            "IconPath, Title, Tip, UpdataTime, FilePath, FileId, ParentId, Rotate)");
+    EXPECT_EQ(add(record), 7) << "a foreign table, whose ids are text";
     EXPECT_TRUE(GetAllFastAccessData({}));
     EXPECT_TRUE(
         m_log.failuresWere({{function + "GetAllFastAccessData", "nothing was read: there is no callback to take it"}}));

@@ -120,7 +120,7 @@ protected:
     template <class Record, class Element>
     bool ReadRecords(const std::string& sql, ElementSource* elements, const ColumnList<Record>& columns,
                      std::vector<Element>& records);
-    /// The first cell of the first row if it is a number, otherwise 0.
+    /// The first cell of the first row as a number; 0 without one.
     int64 ReadNumber(const std::string& sql, ElementSource* elements = nullptr);
 
 private:

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "databaseservice/cellreader.h"
+#include "databaseservice/leadinginteger.h"
 #include "databaseservice/rowsink.h"
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace DatabaseService {
@@ -24,8 +26,8 @@ public:
     }
 
     bool isText() const { return m_kind == CellReader::Kind::Text; }
-    /// 0 if the cell is no number, or there is none.
-    int64 number() const { return m_number; }
+    /// Of text the number at its front; 0 without a cell.
+    int64 number() const { return isText() ? leadingInteger(std::string_view(m_text)) : m_number; }
     /// Empty if the cell is no text, or there is none.
     const std::string& text() const { return m_text; }
 
