@@ -1,6 +1,7 @@
 #pragma once
 
 #include "databaseservice/drivedatatable.h"
+#include "databaseservice/userproperties.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +10,8 @@
 #include <string_view>
 
 /// Constants that the client's parts share: what a file's name tells about the file, the paths of icons, albums and
-/// requests, and the names of settings. The library itself reads the name of one setting and nothing else. Everything
-/// here is constant from before the first to after the last line of the program, and may be used from any thread.
+/// requests, and the names of settings. The library itself reads none of them. Everything here is constant from before
+/// the first to after the last line of the program, and may be used from any thread.
 namespace DatabaseService::ClientConstants {
 
 // --- Mime types that no extension stands for ----------------------------------------------------------------------
@@ -820,8 +821,7 @@ inline constexpr std::string_view usageLogPath = "/usage/logs";
 // --- Settings -----------------------------------------------------------------------------------------------------
 // Keys of `UserProperties`. Values are text: flags "0" or "1", numbers in digits.
 
-/// The path of the synchronised folder; `GetAllUserProperties` gives its long form.
-inline constexpr const wchar_t* syncCloudFolderKey = L"SyncCloudFolder";
+inline constexpr const wchar_t* syncCloudFolderKey = UserProperties::syncCloudFolderKey;
 /// The folder that downloads go to.
 inline constexpr const wchar_t* downloadFolderKey = L"DownloadFolder";
 /// Flags: start with the system; bring new pictures to the gallery; tell the user when a transfer is complete.

@@ -1,4 +1,3 @@
-#include "databaseservice/clientconstants.h"
 #include "databaseservice/firstcell.h"
 #include "databaseservice/maincolumns.h"
 #include "databaseservice/maindatabaseproviderbase.h"
@@ -34,7 +33,7 @@ std::vector<UserProperties> MainDatabaseProviderBase::GetAllUserProperties()
 {
     std::vector<UserProperties> properties;
     ReadRecords("SELECT \"Key\",\n       Value\n  FROM UserProperties;\n", nullptr, allColumns, properties);
-    const auto syncFolder = std::ranges::find(properties, ClientConstants::syncCloudFolderKey, &UserProperties::key);
+    const auto syncFolder = std::ranges::find(properties, UserProperties::syncCloudFolderKey, &UserProperties::key);
     if (syncFolder != properties.end()) {
         if (auto longName = platform::longPathName(syncFolder->value)) {
             syncFolder->value = std::move(*longName);
