@@ -27,6 +27,14 @@ template <class Value> DatabaseQueryResult rowOf(const Value& value)
     return row;
 }
 
+template <class Value>
+concept Bindable = requires(DatabaseBindParameter bind, const Value& value)
+{
+    bind.Bind(value, ":a");
+};
+static_assert(Bindable<std::string> && Bindable<std::wstring> && Bindable<int> && Bindable<bool>);
+static_assert(!Bindable<char[5]> && !Bindable<wchar_t[5]> && !Bindable<const char*> && !Bindable<int*>);
+
 } // namespace
 
 TEST(BindParameter, KeepsValuesAndNamesInOrder)

@@ -24,6 +24,8 @@ public:
     void Bind(const int64& value, const std::string& name);
     /// 0 or 1.
     void Bind(const bool& value, const std::string& name);
+    /// A literal, as any pointer, would silently become a `bool`.
+    template <class Pointee> void Bind(const Pointee* value, const std::string& name) = delete;
     void Bind(const std::pair<std::wstring, std::string>& valueAndName);
     void Bind(const std::pair<int64, std::string>& valueAndName);
 };
