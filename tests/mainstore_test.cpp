@@ -256,5 +256,11 @@ TEST_F(MainStore, CacheFilesGoAndTheFoldersAboveStay)
     EXPECT_TRUE(there(L"cache/keep.txt"));
     remove(L"cache", L"*", L"cache");
     EXPECT_TRUE(std::filesystem::is_empty(path(L"cache")));
+    if (sizeof(std::filesystem::path::value_type) == 1) { // where a name need not be text
+        std::ofstream(path(L"cache") / "\xFF.tmp") << "content";
+        remove(L"cache", L"*.tmp", L"cache");
+        EXPECT_TRUE(m_log.failuresWere(
+            {{"DatabaseService::removeCacheFiles", "left alone, as its name is no Unicode: \uFFFD.tmp"}}));
+    }
     EXPECT_TRUE(there(L"x.tmp") && there(L"main.dat")) << "beside the folder";
 }

@@ -5,7 +5,7 @@
 namespace DatabaseService {
 
 /// Removes from `folder`, with all that is below it, every name that `pattern` finds. Nothing is removed when
-/// `folder` does not exist.
+/// `folder` does not exist. What wide text cannot name stays, with a line in the log.
 void removeCacheFiles(const std::wstring& pattern, const std::wstring& folder);
 
 } // namespace DatabaseService

@@ -3,8 +3,11 @@
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/recordio.h"
+#include "databaseservice/unnamedfiles.h"
 #include "platform/files.h"
 #include "platform/text.h"
+
+#include <utility>
 
 namespace DatabaseService {
 
@@ -21,18 +24,26 @@ bool DropAllTables::InitDatabase()
 
 void DropAllTables::SearchAllDatFile()
 {
+    constexpr const char* function = "DatabaseService::DropAllTables::SearchAllDatFile";
     const std::wstring folder = GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder();
     if (folder.empty()) {
         // The pattern would mean the root of the file system.
-        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, "DatabaseService::DropAllTables::SearchAllDatFile",
+        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, function,
                                                    "nothing was dropped: there is no user's database folder", true);
         return;
     }
     std::vector<std::string> names;
     for (const platform::FoundFile& file : platform::findFiles(folder + L"/*.dat")) {
         // Some systems find names in capitals, and longer endings, as well.
-        if (!file.isFolder && file.name.ends_with(L".dat")) {
-            names.push_back(platform::toUtf8(file.name));
+        if (file.isFolder || !file.name.ends_with(L".dat")) {
+            continue;
+        }
+        // A store is opened by UTF-8, so that has to name the file, too.
+        std::string name = platform::toUtf8(file.name);
+        if (file.isNamed && platform::toWide(name) == file.name) {
+            names.push_back(std::move(name));
+        } else {
+            reportUnnamed(file.name, function);
         }
     }
     if (!names.empty()) {

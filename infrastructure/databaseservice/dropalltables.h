@@ -13,8 +13,8 @@ namespace DatabaseService {
 /// Threads: one at a time, since the name of the file at hand is kept without a lock. Others may use the stores
 /// meanwhile and see tables vanish between two statements.
 /// Ownership: the instance belongs to the process.
-/// Failure: lines in the log. A file that is no store is left as it is and the next one taken; a table whose name SQL
-/// takes only in quotes stays.
+/// Failure: lines in the log. A file that is no store, or whose name is no Unicode, is left as it is and the next one
+/// taken; a table whose name SQL takes only in quotes stays.
 class DATABASESERVICE_EXPORT DropAllTables : public DatabaseOperationBase {
 public:
     static DropAllTables* GetInstance();

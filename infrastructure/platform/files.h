@@ -8,6 +8,7 @@ namespace platform {
 struct FoundFile {
     std::wstring name; ///< without its folder
     bool isFolder = false;
+    bool isNamed = true; ///< false if wide text cannot name it: `name` then shows it, and may name another file
 };
 
 /// What the last part of `pattern` matches in the folder before it, `*` for any text and `?` for any one character, in

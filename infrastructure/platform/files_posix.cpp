@@ -49,10 +49,11 @@ std::vector<FoundFile> findFiles(const std::wstring& pattern)
     std::error_code error;
     for (std::filesystem::directory_iterator entry(toPath(folder), error), end; !error && entry != end;
          entry.increment(error)) {
-        const std::wstring name = toWide(toUtf8(entry->path().filename()));
+        const std::string bytes = entry->path().filename().native();
+        const std::wstring name = toWide(bytes);
         if (matches(names, name)) {
             std::error_code ignored;
-            found.push_back({name, entry->is_directory(ignored)});
+            found.push_back({name, entry->is_directory(ignored), isUtf8(bytes)});
         }
     }
     return found;

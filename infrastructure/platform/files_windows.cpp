@@ -16,7 +16,7 @@ std::vector<FoundFile> findFiles(const std::wstring& pattern)
     do {
         const std::wstring name = entry.name;
         if (name != L"." && name != L"..") {
-            found.push_back({name, (entry.attrib & _A_SUBDIR) != 0});
+            found.push_back({name, (entry.attrib & _A_SUBDIR) != 0, true});
         }
     } while (_wfindnext64(search, &entry) == 0);
     _findclose(search);
