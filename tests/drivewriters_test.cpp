@@ -191,8 +191,13 @@ TEST_F(DriveWriters, UpdateByNamesPatchesEighteenMembers)
     const std::vector<std::string> unpatched = row("id");
     EXPECT_TRUE(m_drive.UpdateDriveData("id", {}));
     EXPECT_EQ(row("id"), unpatched);
+    const DriveDataTable withoutId = filledRecord("", 2);
+    m_drive.InsertDriveData(withoutId);
     EXPECT_TRUE(m_drive.UpdateDriveData("unknown", {{"name", "new"}}));
-    EXPECT_EQ(ids(), "'id'");
+    EXPECT_EQ(ids(), "',id'");
+    EXPECT_EQ(row(""), cellsOf(withoutId));
+    EXPECT_TRUE(m_drive.UpdateDriveData("", {{"name", "new"}}));
+    EXPECT_EQ(m_drive.GetDriveDataById("").GetName(), "new");
 }
 
 TEST_F(DriveWriters, OnlyTheDisplayFlagReportsTheEngine)

@@ -104,13 +104,17 @@ bool DriverDBProviderBase::UpdateDriveData(const std::vector<std::shared_ptr<Dri
 bool DriverDBProviderBase::UpdateDriveData(const std::string& fileId,
                                            const std::unordered_map<std::string, std::string>& values)
 {
+    // The same update without a value for its key, which matches no row; the empty record's own key might.
+    static const auto& updateNothing =
+        neverDestroyed(Statement<DriveDataTable>{fullUpdate().sql, parametersOf(fullUpdateColumns)});
     DriveDataTable record = GetDriveDataById(fileId);
+    const bool isThere = record.GetFileid() == fileId;
     for (const Column<DriveDataTable>* column : patchableColumns) {
         if (const auto found = values.find(std::string(column->name)); found != values.end()) {
             column->assign(record, found->second);
         }
     }
-    UpdateDriveData(record);
+    WriteRecords(isThere ? fullUpdate() : updateNothing, std::vector{&record});
     return true;
 }
 
