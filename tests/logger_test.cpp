@@ -2,6 +2,7 @@
 #include "clientservices/globalparamwrapper.h"
 #include "clientservices/korvwritelog.h"
 #include "clientservices/logsinks.h"
+#include "databaseservice/korvlog.h"
 #include "platform/paths.h"
 #include "support/testfolder.h"
 
@@ -22,6 +23,11 @@ using CommonAbility::KorvWriteLog;
 using Logger::CloudLogger;
 using Logger::LogEntry;
 using Lines = std::vector<std::string>;
+
+using DatabaseService::formatFits;
+static_assert(formatFits<>("100 %%") && formatFits<const char*, int>("%s[%d]") && formatFits<unsigned>("%%%u"));
+static_assert(!formatFits<>("%d") && !formatFits<int>("") && !formatFits<int>("%u") && !formatFits<unsigned>("%d%u"));
+static_assert(!formatFits<int>("%") && !formatFits<long>("%d") && !formatFits<const char*, int>("%d%s"));
 
 CloudLogger& logger()
 {

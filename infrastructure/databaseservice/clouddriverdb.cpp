@@ -1,10 +1,10 @@
 #include "databaseservice/clouddriverdb.h"
 
 #include "clientservices/globalparamwrapper.h"
-#include "clientservices/korvwritelog.h"
 #include "databaseservice/addresses.h"
 #include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/korvlog.h"
 
 #include <array>
 #include <cinttypes>
@@ -17,6 +17,8 @@ namespace DatabaseService {
 namespace {
 
 using Drive = DriveDataColumns;
+
+constexpr KorvLog log{31, 0x40001, "clouddriverdb"};
 
 // The fragments of the statements, to the character.
 constexpr const char* selectList =
@@ -107,8 +109,7 @@ CloudDriverDb::CloudDriverDb() : CommonSqliteDb(30000)
 void CloudDriverDb::OpenAfter(sqlite3* db)
 {
     if (std::string error; !DriverDBProviderBase::BindNameCompare(db, error)) {
-        CommonAbility::KorvWriteLog(31, 0x40001, "unknow", __LINE__, "clouddriverdb", "CloudDriverDb::OpenAfter",
-                                    "bindname[%s]", error.c_str());
+        log(__LINE__, "CloudDriverDb::OpenAfter", "bindname[%s]", error.c_str());
     }
 }
 

@@ -1,8 +1,8 @@
 #include "databaseservice/commonsqlitedb.h"
 
-#include "clientservices/korvwritelog.h"
 #include "databaseservice/addresses.h"
 #include "databaseservice/keepconnection.h"
+#include "databaseservice/korvlog.h"
 #include "platform/text.h"
 
 #include <sqlite3.h>
@@ -13,10 +13,7 @@ namespace {
 
 constexpr int defaultTimeout = 30000;
 
-template <class... Values> void log(int line, const char* function, const char* format, Values... values)
-{
-    CommonAbility::KorvWriteLog(31, 0x40001, "unknow", line, "commonsqlitedb", function, format, values...);
-}
+constexpr KorvLog log{31, 0x40001, "commonsqlitedb"};
 
 struct FreeText {
     void operator()(char* text) const { sqlite3_free(text); }

@@ -1,6 +1,6 @@
 #include "databaseservice/transmissiondbmodule.h"
 
-#include "clientservices/korvwritelog.h"
+#include "databaseservice/korvlog.h"
 #include "databaseservice/modulemessages.h"
 #include "databaseservice/nullrecords.h"
 #include "databaseservice/transdbconnthread.h"
@@ -17,20 +17,17 @@ using DownloadList = std::list<std::shared_ptr<DownloadTaskProperty>>;
 using UploadList = std::list<std::shared_ptr<UploadTaskProperty>>;
 using TaskList = std::list<std::shared_ptr<DbTransferTask>>;
 
-struct PostLines {
-    const char* success;
-    const char* failure;
+template <class Value> struct PostLines {
+    LogFormat<Value> success;
+    LogFormat<Value> failure;
 };
 
-constexpr PostLines deleteLines{"delete op size[%u] success", "delete op size[%u] failed"};
-constexpr PostLines updateLines{"update op size[%u] success", "update op size[%u] failed"};
-constexpr PostLines uploadLines{"update base size[%u] success", "update base size[%u] failed"};
-constexpr PostLines sqlLines{"m_msgExecuteSQL base [%s] success", "m_msgExecuteSQL base [%s] failed"};
+constexpr PostLines<unsigned> deleteLines{"delete op size[%u] success", "delete op size[%u] failed"};
+constexpr PostLines<unsigned> updateLines{"update op size[%u] success", "update op size[%u] failed"};
+constexpr PostLines<unsigned> uploadLines{"update base size[%u] success", "update base size[%u] failed"};
+constexpr PostLines<const char*> sqlLines{"m_msgExecuteSQL base [%s] success", "m_msgExecuteSQL base [%s] failed"};
 
-template <class... Values> void log(int line, const char* function, const char* format, Values... values)
-{
-    CommonAbility::KorvWriteLog(1, 262147, "unknow", line, "transmissiondbmodule", function, format, values...);
-}
+constexpr KorvLog log{1, 262147, "transmissiondbmodule"};
 
 // Some lines tell where the value lay and not the value; this much of an address is what their formats have room for.
 unsigned placeOf(const void* value)
@@ -46,7 +43,7 @@ TransDbConnThread& store()
 // `value` is what the lines tell.
 template <class Payload, class Value>
 bool post(TransmissionDBModule& module, unsigned message, std::unique_ptr<Payload> payload, int line,
-          const char* function, const PostLines& lines, Value value)
+          const char* function, const PostLines<Value>& lines, Value value)
 {
     if (postPayload(module, message, 0, payload)) {
         log(line, function, lines.success, value);
@@ -65,7 +62,7 @@ template <class Element> std::unique_ptr<std::list<Element>> movedOut(std::list<
 
 template <class Element>
 void postList(TransmissionDBModule& module, unsigned message, std::list<Element>& list, int line, const char* function,
-              const PostLines& lines)
+              const PostLines<unsigned>& lines)
 {
     const auto size = static_cast<unsigned>(list.size());
     post(module, message, movedOut(list), line, function, lines, size);
