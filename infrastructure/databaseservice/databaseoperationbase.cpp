@@ -12,7 +12,9 @@
 #include "platform/paths.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <sqlite3.h>
 #include <thread>
@@ -139,8 +141,11 @@ bool DatabaseOperationBase::CloseDatabase(sqlite3* db)
 
 sqlite3_stmt* DatabaseOperationBase::PrepareSql(sqlite3* db, std::string sql)
 {
+    // What is longer than SQLite's own limit is refused by SQLite, whatever the length says beyond it.
+    constexpr std::size_t longest = std::numeric_limits<int>::max();
+    const int length = static_cast<int>(std::min(sql.size(), longest));
     sqlite3_stmt* stmt = nullptr;
-    if (sqlite3_prepare(db, sql.data(), static_cast<int>(sql.size()), &stmt, nullptr) != SQLITE_OK) {
+    if (sqlite3_prepare(db, sql.data(), length, &stmt, nullptr) != SQLITE_OK) {
         logFailure(__LINE__, "DatabaseOperationBase::PrepareSql",
                    L"sqlite3_prepare failed, and database name is " + m_databaseName);
     }
