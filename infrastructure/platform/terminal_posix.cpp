@@ -3,6 +3,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <string_view>
+
 namespace platform {
 
 namespace {
@@ -25,6 +28,12 @@ int descriptor(Stream stream)
 bool isTerminal(Stream stream) noexcept
 {
     return ::isatty(descriptor(stream)) != 0;
+}
+
+bool showsColours(Stream stream) noexcept
+{
+    const char* const kind = std::getenv("TERM");
+    return isTerminal(stream) && kind != nullptr && std::string_view(kind) != "dumb";
 }
 
 int terminalWidth(Stream stream) noexcept

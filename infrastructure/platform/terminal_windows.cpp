@@ -27,6 +27,13 @@ bool isTerminal(Stream stream) noexcept
     return GetConsoleMode(handle(stream), &mode) != 0;
 }
 
+bool showsColours(Stream stream) noexcept
+{
+    DWORD mode = 0;
+    return GetConsoleMode(handle(stream), &mode) != 0 &&
+        SetConsoleMode(handle(stream), mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
 int terminalWidth(Stream stream) noexcept
 {
     CONSOLE_SCREEN_BUFFER_INFO info{};

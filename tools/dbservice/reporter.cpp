@@ -11,18 +11,17 @@ namespace dbservice {
 
 namespace {
 
-bool colourWanted(bool terminal)
+bool colourWanted()
 {
     const char* const refused = std::getenv("NO_COLOR");
-    const char* const kind = std::getenv("TERM");
-    return terminal && (refused == nullptr || *refused == '\0') && kind != nullptr && std::string_view(kind) != "dumb";
+    return (refused == nullptr || *refused == '\0') && platform::showsColours(platform::Stream::Error);
 }
 
 } // namespace
 
 Reporter::Reporter()
     : m_terminal(platform::isTerminal(platform::Stream::Error)),
-      m_colour(colourWanted(m_terminal)),
+      m_colour(colourWanted()),
       m_lastProgress(std::chrono::steady_clock::now())
 {
 }
