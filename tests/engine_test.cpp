@@ -4,6 +4,7 @@
 #include "databaseservice/keptconnections.h"
 #include "databaseservice/recordio.h"
 #include "support/enginelines.h"
+#include "support/faultydisk.h"
 #include "support/observed.h"
 #include "support/storetest.h"
 
@@ -13,9 +14,11 @@
 
 using namespace testsupport;
 using DatabaseService::CellReader;
+using DatabaseService::CloseKeptConnections;
 using DatabaseService::DatabaseBindParameter;
 using DatabaseService::DatabaseQueryResult;
 using DatabaseService::ListKeptConnections;
+using DatabaseService::OpenTransactions;
 using DatabaseService::RowFunction;
 using DatabaseService::statementOf;
 
@@ -292,6 +295,18 @@ TEST_F(Engine, AFailedCommitKeepsItsConnection)
     // The kept connection still holds the lock of its transaction.
     sqlite3_busy_timeout(m_file.handle(), 0);
     EXPECT_THROW(m_file.exec("BEGIN IMMEDIATE"), std::runtime_error);
+    {
+        PlainStore other(L"full.dat");
+        other.Execute("CREATE TABLE t(id)");
+        const FaultyDisk disk(FaultyDisk::Fault::Full, 1);
+        EXPECT_FALSE(other.Execute("INSERT INTO t VALUES(1)"));
+        m_log.take();
+        EXPECT_EQ(CloseKeptConnections(), 1U) << "SQLite has rolled this one back";
+    }
+    EXPECT_THROW(m_file.exec("BEGIN IMMEDIATE"), std::runtime_error);
+    EXPECT_EQ(CloseKeptConnections(OpenTransactions::RollBack), 1U);
+    EXPECT_TRUE(ListKeptConnections().empty());
+    m_file.exec("BEGIN IMMEDIATE");
 }
 
 TEST_F(Engine, AFailedCloseIsALineAndTheConnectionIsKept)
@@ -309,9 +324,9 @@ TEST_F(Engine, AFailedCloseIsALineAndTheConnectionIsKept)
     EXPECT_TRUE(m_store.Execute("INSERT INTO t(id) VALUES(2)")) << "the call's answer is the commit's";
     EXPECT_TRUE(m_log.failuresWere({line}));
     EXPECT_EQ(ListKeptConnections().size(), kept + 1);
-    db = sqlite3_db_handle(stmt);
+    EXPECT_EQ(CloseKeptConnections(OpenTransactions::RollBack), 0U) << "the statement may still be used";
     sqlite3_finalize(stmt);
-    EXPECT_EQ(sqlite3_close(db), SQLITE_OK);
+    EXPECT_EQ(CloseKeptConnections(), 1U);
 }
 
 TEST_F(Engine, ExceptionsLeaveNoOwnConnectionOrStatement)

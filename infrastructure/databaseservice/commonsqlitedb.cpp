@@ -61,7 +61,7 @@ struct CommonSqliteDb::Connection {
     ~Connection()
     {
         if (handle != nullptr) {
-            keepConnection(handle, platform::toWide(path), "was left open by its last owner");
+            keepConnection(handle, path, "was left open by its last owner");
         }
     }
 

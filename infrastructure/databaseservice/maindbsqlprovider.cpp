@@ -3,7 +3,6 @@
 #include "clientservices/cloudlogger.h"
 #include "databaseservice/keepconnection.h"
 #include "databaseservice/maincolumns.h"
-#include "platform/text.h"
 
 #include <algorithm>
 #include <array>
@@ -30,6 +29,11 @@ void logFailure(int line, const char* function, const char* what, int code, cons
         Logger::CloudLogger::GetInstance()->Output(0, 5, line, function, message, true);
     } catch (...) {
     }
+}
+
+int execute(sqlite3* db, const char* sql)
+{
+    return sqlite3_exec(db, sql, nullptr, nullptr, nullptr);
 }
 
 int waitWhileBusy(void* /*db*/, int count)
@@ -95,11 +99,12 @@ bool MainDBSQLProvider::ExecuteMulitNoQuerySQL(const std::vector<std::string>& s
 {
     // After a failed open the statements run on the handle that it left: SQLite refuses each, a line in the log for
     // each.
+    // From here to the close nothing throws, not even for want of memory: the file would stay locked.
     ConnectDb();
     BeginTransaction();
     bool result = true;
     for (const std::string& sql : statements) {
-        if (const int code = ExecuteNoQuerySqlCmd(sql); code != SQLITE_OK) {
+        if (const int code = execute(m_db, sql.c_str()); code != SQLITE_OK) {
             const char* const reason = sqlite3_errmsg(m_db);
             const bool isThereAlready =
                 code == SQLITE_CONSTRAINT && std::string_view(reason).find("UNIQUE") != std::string_view::npos;
@@ -130,7 +135,7 @@ bool MainDBSQLProvider::ConnectDb()
 // Not logged when it fails: the statements and the commit tell.
 bool MainDBSQLProvider::BeginTransaction()
 {
-    return m_db != nullptr && ExecuteNoQuerySqlCmd("begin transaction;") == SQLITE_OK;
+    return m_db != nullptr && execute(m_db, "begin transaction;") == SQLITE_OK;
 }
 
 bool MainDBSQLProvider::CommitTransaction()
@@ -138,7 +143,7 @@ bool MainDBSQLProvider::CommitTransaction()
     if (m_db == nullptr) {
         return false;
     }
-    const int code = ExecuteNoQuerySqlCmd("commit transaction;");
+    const int code = execute(m_db, "commit transaction;");
     if (code != SQLITE_OK) {
         logFailure(__LINE__, "MainDBSQLProvider::CommitTransaction", "Commit transaction failed", code,
                    sqlite3_errmsg(m_db));
@@ -156,17 +161,18 @@ bool MainDBSQLProvider::CloseDb()
     const int code = sqlite3_close_v2(db);
     if (code != SQLITE_OK) {
         logFailure(__LINE__, "MainDBSQLProvider::CloseDb", "Close database failed", code, nullptr);
-        keepConnection(db, platform::toWide(m_path), "could not be closed");
+        keepConnection(db, m_path, "could not be closed");
     }
     return code == SQLITE_OK;
 }
 
+// Nobody calls these two; they are part of what the library exports.
+
 int MainDBSQLProvider::ExecuteNoQuerySqlCmd(const std::string& sql)
 {
-    return sqlite3_exec(m_db, sql.c_str(), nullptr, nullptr, nullptr);
+    return execute(m_db, sql.c_str());
 }
 
-// Nobody calls it; it is part of what the library exports.
 std::wstring MainDBSQLProvider::GetDBPath(const std::string& /*path*/)
 {
     return {};

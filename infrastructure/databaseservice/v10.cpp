@@ -5,11 +5,13 @@
 #include "databaseservice/keepconnection.h"
 #include "databaseservice/legacycolumns.h"
 #include "databaseservice/recordio.h"
+#include "databaseservice/scopeexit.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace DatabaseService::V10 {
 
@@ -17,7 +19,7 @@ namespace {
 
 DataMigrationDB s_migrationDb;
 std::string s_legacyDbPath;            // UTF-8, folders end in a backslash
-sqlite3* s_legacyConnection = nullptr; // the newest; null when it could not be opened
+sqlite3* s_legacyConnection = nullptr; // of the call at hand; null when it could not be opened
 
 template <class Columns> bool create(std::string_view table)
 {
@@ -31,7 +33,6 @@ bool PrepareLegacyTables(const std::wstring& path)
     if (s_legacyConnection == nullptr) {
         return false;
     }
-    keepConnection(s_legacyConnection, path, "the reader of the legacy file leaves its connections open");
     if (!create<GalleryFileColumns>("GalleryFile")) {
         // The engine's lines do not tell the file.
         Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, "DatabaseService::V10::PrepareLegacyTables",
@@ -52,6 +53,14 @@ bool PrepareLegacyTables(const std::wstring& path)
 bool ReopenLegacyDatabase()
 {
     return PrepareLegacyTables(platform::toWide(s_legacyDbPath));
+}
+
+/// At the end of each call that opened it: from there on the connection may be closed by others.
+void keepLegacyConnection()
+{
+    if (sqlite3* const done = std::exchange(s_legacyConnection, nullptr); done != nullptr) {
+        keepConnection(done, s_legacyDbPath, "the reader of the legacy file leaves its connections open");
+    }
 }
 
 /// Rows into records, up to the first that throws. What it threw waits for the end of the transaction.
@@ -96,6 +105,7 @@ bool read(const ColumnList<Record>& columns, const std::string& from, std::vecto
     if (s_legacyDbPath.empty()) {
         return false;
     }
+    const ScopeExit keep(keepLegacyConnection);
     ReopenLegacyDatabase();
     if (s_legacyConnection == nullptr) {
         return false;
@@ -126,6 +136,7 @@ bool InitDB(std::wstring path)
         s_legacyDbPath.clear();
         return false;
     }
+    const ScopeExit keep(keepLegacyConnection);
     return ReopenLegacyDatabase();
 }
 

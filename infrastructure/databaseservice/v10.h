@@ -11,15 +11,16 @@
 ///
 /// Threads: one at a time.
 /// Ownership: what a reader appends belongs to the caller. Every call that reaches the file opens a connection and
-/// leaves it open for the life of the process: see `ListKeptConnections`.
+/// leaves it open: see `ListKeptConnections`, and `CloseKeptConnections` for when all is read.
 /// Failure: false and lines in the log. A row that cannot be read ends the table where it stands. Two readers throw,
 /// as told there.
 namespace DatabaseService::V10 {
 
 /// Names the file, with its whole path, and lays down what it lacks. An empty path changes nothing and returns true.
 /// False when there is no such file: the readers are then off, as they are before the first call. False also when
-/// the file cannot be opened or its first table not be laid down; the readers then try once more each. That is so for
-/// a file that may not be written, which can be read all the same.
+/// the file cannot be opened or its first table not be laid down; the readers then try once more each. A file that may
+/// only be read is no failure, even if it lacks tables: each of them leaves lines in the log, and its reader gives
+/// false.
 ///
 /// `/` and `\` both end a folder, on every system. The path is kept with `\` and opened with what the system takes, so
 /// where a name may itself hold a `\`, such a name cannot be reached.
