@@ -1,11 +1,11 @@
 #include "application.h"
 
-#include "commands.h"
+#include "commands/commands.h"
 #include "databaseservice/version.h"
-#include "displaytext.h"
-#include "failure.h"
 #include "platform/environment.h"
-#include "session.h"
+#include "stores/session.h"
+#include "terminal/displaytext.h"
+#include "terminal/failure.h"
 
 #include <CLI/CLI.hpp>
 

@@ -2,7 +2,7 @@
 
 #include "platform/namecompare.h"
 #include "platform/text.h"
-#include "session.h"
+#include "stores/session.h"
 
 #include <CLI/CLI.hpp>
 

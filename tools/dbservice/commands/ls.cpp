@@ -1,0 +1,49 @@
+#include "commands/commands.h"
+#include "drive/drivetree.h"
+#include "drive/listpage.h"
+#include "stores/session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace dbservice {
+
+namespace {
+
+struct LsOptions {
+    std::string path = "/";
+    PageOptions page;
+};
+
+int ls(Session& session, const LsOptions& options)
+{
+    const DriveTree::Place place = DriveTree(session.readDrive()).place(options.path);
+    if (!place.isFolder()) {
+        showRows(session, {place.row}, TimeColumn::Modified);
+        return 0;
+    }
+    const std::string id = idForLists(place.id);
+    DatabaseService::CloudDriverDb& lists = session.readLists();
+    const Page page = childPage(lists, id, lists.GetSubFolderNumber(id), lists.GetSubFileNumber(id), options.page);
+    showPage(session, page, options.page, TimeColumn::Modified);
+    return 0;
+}
+
+} // namespace
+
+void addLs(CLI::App& app, Command& chosen)
+{
+    const auto options = std::make_shared<LsOptions>();
+    CLI::App* const command = app.add_subcommand("ls", "List a folder of the drive tree, page by page");
+    command->add_option("PATH", options->path, "Such as /Photos/2024 or id:ID; / is the root")->capture_default_str();
+    addPageOptions(*command, options->page);
+    command->footer(
+        "Folders come ahead of files, each in the order asked for. Rows are left out that the client's lists "
+        "hide:\nin the bin, on their way there or to another folder, or not to be displayed.\n"
+        "Times are UTC, sizes in units of 1024 bytes.\nWith --json each line is a row with its stored "
+        "columns: sizes in bytes, times in seconds since 1970 UTC.");
+    command->callback([&chosen, options] { chosen = [options](Session& session) { return ls(session, *options); }; });
+}
+
+} // namespace dbservice

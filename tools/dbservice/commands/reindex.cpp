@@ -1,0 +1,56 @@
+#include "commands/commands.h"
+#include "databaseservice/version.h"
+#include "drive/drivefields.h"
+#include "stores/nameindex.h"
+#include "stores/session.h"
+#include "terminal/displaytext.h"
+#include "terminal/failure.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+namespace dbservice {
+
+namespace {
+
+int reindex(Session& session)
+{
+    DatabaseService::DriverDBProvider& drive = session.mendDrive();
+    const NameIndex before = examineNameIndex(drive);
+    session.stopIfFailed("look at the index of names");
+    if (before == NameIndex::Absent) {
+        throw Failure("cannot rebuild the index of names: the store has none; `dbservice init` makes it");
+    }
+    rebuildNameIndex(drive);
+    session.stopIfFailed("rebuild the index of names");
+    if (examineNameIndex(drive) != NameIndex::Agrees) {
+        throw Failure("cannot rebuild the index of names: it is still in another order");
+    }
+    const bool agreed = before == NameIndex::Agrees;
+    const int rows = drive.CountDriverData();
+    if (session.json()) {
+        std::cout << toLine({{"index", "nameIndex"},
+                             {"rows", rows},
+                             {"order", DatabaseService::NameOrderVersion()},
+                             {"agreedBefore", agreed}})
+                  << '\n';
+    } else {
+        std::cout << "nameIndex: rebuilt with " << counted(rows, "row", "rows") << " in the order "
+                  << DatabaseService::NameOrderVersion()
+                  << (agreed ? ", in which it was before" : "; it was in another order before") << '\n';
+    }
+    return 0;
+}
+
+} // namespace
+
+void addReindex(CLI::App& app, Command& chosen)
+{
+    app.add_subcommand("reindex", "Bring the stored index of names into this build's order")
+        ->footer("For a store that was written on another system, or by a build with another order of names. From then "
+                 "on\nthe builds with that order must not write to it any more.")
+        ->callback([&chosen] { chosen = reindex; });
+}
+
+} // namespace dbservice

@@ -1,0 +1,117 @@
+#include "commands/commands.h"
+#include "drive/drivefields.h"
+#include "platform/paths.h"
+#include "scan/sourcefolder.h"
+#include "scan/treesync.h"
+#include "stores/session.h"
+#include "terminal/displaytext.h"
+#include "terminal/recordfields.h"
+#include "terminal/table.h"
+
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <iostream>
+#include <memory>
+
+namespace dbservice {
+
+namespace {
+
+void printJson(const SourceFolder& source, const TreeSync& sync, double total)
+{
+    const TreeSync::Counts& counts = sync.counts();
+    nlohmann::ordered_json json{
+        {"source", platform::toUtf8(source.absolute({}))},
+        {"folders", counts.folders},
+        {"files", counts.files},
+        {"added", counts.added},
+        {"changed", counts.changed},
+        {"unchanged", counts.unchanged},
+        {"removed", counts.removed},
+        {"leftAlone", counts.leftAlone},
+        {"rows", counts.rows},
+        {"odd", source.odd()},
+        {"lost", source.lost()},
+    };
+    for (std::size_t i = 0; i < TreeSync::stepNames.size(); ++i) {
+        json["seconds"][TreeSync::stepNames[i]] = toMilliseconds(sync.seconds()[i]);
+    }
+    json["seconds"]["total"] = toMilliseconds(total);
+    std::cout << toLine(json) << '\n';
+}
+
+void printTable(const SourceFolder& source, const TreeSync& sync, double total)
+{
+    const TreeSync::Counts& counts = sync.counts();
+    std::cout << "Scanned " << printable(platform::toUtf8(source.absolute({}))) << ": "
+              << counted(counts.folders, "folder", "folders") << ", " << counted(counts.files, "file", "files") << '\n';
+    const int width = Session::outputWidth();
+    Table rows({{"Rows"}, {"", Table::Align::Right}});
+    rows.add({"added", grouped(counts.added)});
+    rows.add({"changed", grouped(counts.changed)});
+    rows.add({"removed", grouped(counts.removed)});
+    rows.add({"unchanged", grouped(counts.unchanged)});
+    if (counts.leftAlone > 0) {
+        rows.add({"left alone", grouped(counts.leftAlone)});
+    }
+    rows.add({"in the store", grouped(counts.rows)});
+    rows.print(std::cout, width);
+
+    Table steps({{"Step"}, {"Seconds", Table::Align::Right}});
+    for (std::size_t i = 0; i < TreeSync::stepNames.size(); ++i) {
+        steps.add({TreeSync::stepNames[i], twoDecimals(sync.seconds()[i])});
+    }
+    steps.add({"all", twoDecimals(total)});
+    steps.print(std::cout, width);
+}
+
+int scan(Session& session, const std::string& folder)
+{
+    const auto start = std::chrono::steady_clock::now();
+    SourceFolder source(pathFromArgument(folder), session.storeFolder(), session.reporter());
+    session.makeStoreFolder();
+    TreeSync sync(session, session.writeDrive(), source);
+    sync.run();
+    const double total = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    if (session.json()) {
+        printJson(source, sync, total);
+    } else {
+        printTable(source, sync, total);
+    }
+    if (source.odd() > 0) {
+        session.reporter().warning(counted(source.odd(), "odd entry was", "odd entries were") + " recorded");
+    }
+    if (source.lost() > 0) {
+        session.reporter().error(
+            "cannot record everything: " + counted(source.lost(), "entry or folder was", "entries or folders were") +
+            " lost, see the warnings above");
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace
+
+void addScan(CLI::App& app, Command& chosen)
+{
+    const auto folder = std::make_shared<std::string>();
+    CLI::App* const command =
+        app.add_subcommand("scan", "Record a real folder as the drive tree, or bring the tree up to date with it");
+    command->add_option("SOURCE", *folder, "The folder to record")->required();
+    command->footer(
+        "Makes the store where it is missing. The first scan fills an empty store; later ones of the same SOURCE\n"
+        "write what was added, changed or removed since. A store that holds anything else is refused.\n"
+        "Links are recorded and not followed. Rows in the bin are left alone. So are rows with a pending operation "
+        "that\n"
+        "are no longer on disk, such as folders that `mkdir` made; those on disk keep what is pending, and a row that\n"
+        "`rename` has given another name keeps that.\n"
+        "Warnings tell of links that lead nowhere, to themselves or to a folder above them, and of names that are\n"
+        "not UTF-8: these are recorded, and the exit code stays 0. Folders that cannot be read and files that vanish\n"
+        "during the walk are lost: the exit code is 1.\n"
+        "Times are stored in seconds since 1970 UTC, contentVersion is the modification time in nanoseconds.\n"
+        "Steps: walk the folder, read the store, mark, write and sweep rows.");
+    command->callback([&chosen, folder] { chosen = [folder](Session& session) { return scan(session, *folder); }; });
+}
+
+} // namespace dbservice

@@ -1,0 +1,58 @@
+#include "commands/commands.h"
+#include "drive/drivefields.h"
+#include "drive/drivetree.h"
+#include "stores/session.h"
+#include "terminal/displaytext.h"
+#include "terminal/failure.h"
+#include "terminal/table.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+
+namespace dbservice {
+
+namespace {
+
+struct StatOptions {
+    std::string path;
+    bool all = false;
+};
+
+int stat(Session& session, const StatOptions& options)
+{
+    DatabaseService::DriverDBProvider& drive = session.readDrive();
+    DriveTree tree(drive);
+    const DatabaseService::DriveDataTable row = tree.find(options.path);
+    const std::string id = row.GetFileid();
+    if (tree.isItsOwnAncestor(id)) {
+        throw Failure("cannot count what is below " + id + ": the row is its own ancestor");
+    }
+    const int subtree = drive.GetFilesChildNodeCount(id);
+    if (session.json()) {
+        nlohmann::ordered_json json = toJson(row);
+        json["subtree"] = subtree;
+        std::cout << toLine(json) << '\n';
+        return 0;
+    }
+    Table table = toTable(row, options.all);
+    table.add({"subtree", counted(subtree, "row", "rows")});
+    table.print(std::cout, Session::outputWidth());
+    return 0;
+}
+
+} // namespace
+
+void addStat(CLI::App& app, Command& chosen)
+{
+    const auto options = std::make_shared<StatOptions>();
+    CLI::App* const command = app.add_subcommand("stat", "Show one row of the drive tree and the size of its subtree");
+    command->add_option("PATH", options->path, "Such as /Photos/2024 or id:ID; / is the root")->required();
+    command->add_flag("--all", options->all, "Show the fields that are empty or 0 too");
+    command->footer("The subtree counts the row itself and everything below it that is not in the bin.\n"
+                    "With --json the keys are the stored columns, and subtree.");
+    command->callback([&chosen, options] { chosen = [options](Session& session) { return stat(session, *options); }; });
+}
+
+} // namespace dbservice

@@ -1,0 +1,114 @@
+#include "drive/listpage.h"
+
+#include "drive/drivefields.h"
+#include "stores/session.h"
+#include "terminal/displaytext.h"
+#include "terminal/failure.h"
+#include "terminal/table.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <string_view>
+
+namespace dbservice {
+
+using namespace DatabaseService;
+
+namespace {
+
+const std::map<std::string, CLOUD_DB_SORT_TYPE> sorts{
+    {"name", CLOUD_DB_SORT_NAME_ASC},         {"-name", CLOUD_DB_SORT_NAME_DESC},
+    {"size", CLOUD_DB_SORT_SIZE_ASC},         {"-size", CLOUD_DB_SORT_SIZE_DESC},
+    {"modified", CLOUD_DB_SORT_MODIFIED_ASC}, {"-modified", CLOUD_DB_SORT_MODIFIED_DESC},
+    {"ext", CLOUD_DB_SORT_EXT_ASC},           {"-ext", CLOUD_DB_SORT_EXT_DESC},
+};
+
+} // namespace
+
+CLI::Option* addPageOptions(CLI::App& command, PageOptions& options)
+{
+    command.add_option("--offset", options.offset, "How many rows to leave out first")->capture_default_str();
+    command.add_option("--count", options.count, "How many rows to show")->capture_default_str();
+    return command
+        .add_option_function<std::string>(
+            "--sort", [&options](const std::string& sort) { options.sort = sorts.at(sort); },
+            "name, size, modified or ext (like kinds together), -name and so on for the reverse; "
+            "equal rows come by name")
+        ->check(CLI::IsMember(sorts))
+        ->type_name("ORDER")
+        ->default_str("name");
+}
+
+Page childPage(CloudDriverDb& lists, const std::string& parentId, std::int64_t folders, std::int64_t files,
+               const PageOptions& options)
+{
+    Page page{{}, folders + files, counted(folders, "folder", "folders") + ", " + counted(files, "file", "files")};
+    // The library takes the numbers' bits as unsigned ones.
+    if (options.offset < folders) {
+        lists.QueryChildFolder(parentId, static_cast<int>(options.offset), static_cast<int>(options.count),
+                               options.sort, page.rows);
+    }
+    if (page.rows.size() < options.count) {
+        const std::int64_t offset = std::max<std::int64_t>(0, options.offset - folders);
+        lists.QueryChildFile(parentId, static_cast<int>(offset),
+                             static_cast<int>(options.count - static_cast<unsigned>(page.rows.size())), options.sort,
+                             page.rows);
+    }
+    return page;
+}
+
+void showRows(const Session& session, const std::vector<DriveDataTable>& rows, TimeColumn time)
+{
+    if (session.json()) {
+        for (const DriveDataTable& row : rows) {
+            std::cout << toLine(toJson(row)) << '\n';
+        }
+        return;
+    }
+    const bool modified = time == TimeColumn::Modified;
+    Table table({{"Size", Table::Align::Right}, {modified ? "Modified (UTC)" : "Recycled (UTC)"}, {"Name"}});
+    for (const DriveDataTable& row : rows) {
+        table.add({row.IsFolder() ? "-" : humanSize(row.GetSize()),
+                   humanTime(modified ? row.GetModifiedTime() : row.GetRecycledTime()),
+                   row.GetName() + (row.IsFolder() ? "/" : "")});
+    }
+    table.print(std::cout, Session::outputWidth());
+}
+
+void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time)
+{
+    const auto shown = static_cast<std::int64_t>(page.rows.size());
+    const std::int64_t following = std::max<std::int64_t>(0, page.total - options.offset);
+    if (shown != std::min<std::int64_t>(following, options.count)) {
+        throw Failure("cannot list everything: " + counted(shown, "row", "rows") + " came in place of " +
+                      grouped(std::min<std::int64_t>(following, options.count)) +
+                      "; the store is being written, or cannot be read to its end");
+    }
+    showRows(session, page.rows, time);
+    if (!session.json()) {
+        const std::string first = shown > 0 ? grouped(options.offset + std::int64_t{1}) + "-" : "";
+        const std::string last = shown > 0 ? grouped(options.offset + shown) : "none";
+        std::cout << first << last << " of " << grouped(page.total) << ": " << page.summary << '\n';
+    }
+    if (shown > 0 && shown < following) {
+        session.reporter().note("more follows with --offset " + std::to_string(options.offset + shown));
+    }
+}
+
+std::string idForLists(const std::string& id)
+{
+    constexpr std::string_view unfit{"'\0", 2};
+    if (id.empty()) {
+        throw Failure("cannot list a folder with an empty id");
+    }
+    if (id.find_first_of(unfit) != std::string::npos) {
+        throw Failure("cannot list the folder id:" + id +
+                      ": the id holds a quote or a zero byte, which the store's lists cannot ask for");
+    }
+    return id;
+}
+
+} // namespace dbservice

@@ -1,0 +1,196 @@
+#include "scan/sourcefolder.h"
+
+#include "platform/paths.h"
+#include "platform/text.h"
+#include "scan/digest.h"
+#include "stores/session.h"
+#include "terminal/failure.h"
+#include "terminal/reporter.h"
+
+#include <algorithm>
+
+namespace fs = std::filesystem;
+namespace constants = DatabaseService::ClientConstants;
+
+namespace dbservice {
+
+namespace {
+
+NativeText join(const NativeText& folder, const NativeText& name)
+{
+    return folder.empty() ? name : folder + NativeText(1, '/') + name;
+}
+
+bool isAbsent(const std::error_code& error)
+{
+    return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+}
+
+std::string_view specialMimeType(const fs::path& path)
+{
+    std::error_code ignored;
+    switch (fs::symlink_status(path, ignored).type()) {
+    case fs::file_type::fifo:
+        return constants::fifoMimeType;
+    case fs::file_type::socket:
+        return constants::socketMimeType;
+    case fs::file_type::block:
+        return constants::blockDeviceMimeType;
+    case fs::file_type::character:
+        return constants::characterDeviceMimeType;
+    default:
+        return constants::unknownMimeType;
+    }
+}
+
+bool isAtOrAbove(const fs::path& above, const fs::path& below)
+{
+    return std::mismatch(above.begin(), above.end(), below.begin(), below.end()).first == above.end();
+}
+
+} // namespace
+
+std::int64_t wholeSeconds(std::int64_t nanoseconds)
+{
+    constexpr std::int64_t second = 1'000'000'000;
+    return nanoseconds / second - (nanoseconds % second < 0 ? 1 : 0);
+}
+
+SourceFolder::SourceFolder(const fs::path& source, const fs::path& storeFolder, Reporter& reporter, Wanted wanted)
+    : m_reporter(reporter),
+      m_wanted(std::move(wanted))
+{
+    std::error_code error;
+    m_source = fs::canonical(source, error);
+    if (!error) {
+        fs::directory_iterator(m_source, error);
+    }
+    if (error) {
+        throw Failure("cannot read the folder " + platform::toUtf8(source) + ": " + error.message());
+    }
+    m_storeFolder = fs::weakly_canonical(storeFolder, error);
+}
+
+DiskEntry SourceFolder::self() const
+{
+    DiskEntry entry;
+    entry.name = m_source.has_filename() ? m_source.filename().native() : m_source.native();
+    entry.shownName = platform::toUtf8(fs::path(entry.name));
+    entry.id = idOf({});
+    std::error_code error;
+    entry.status = platform::readStatus(m_source, error);
+    if (error) {
+        throw Failure("cannot read the folder " + platform::toUtf8(m_source) + ": " + error.message());
+    }
+    entry.mimeType = constants::folderMimeType;
+    return entry;
+}
+
+std::optional<std::vector<DiskEntry>> SourceFolder::list(const NativeText& folder)
+{
+    std::vector<DiskEntry> entries;
+    const fs::path path = absolute(folder);
+    std::error_code error;
+    for (fs::directory_iterator file(path, error); !error && file != fs::directory_iterator(); file.increment(error)) {
+        if (std::optional<DiskEntry> entry = examine(folder, *file)) {
+            entries.push_back(std::move(*entry));
+        }
+    }
+    if (error) {
+        warnLost(path, "cannot read this folder (" + error.message() + "); what the store holds of it stays");
+        return std::nullopt;
+    }
+    return entries;
+}
+
+fs::path SourceFolder::absolute(const NativeText& below) const
+{
+    return below.empty() ? m_source : m_source / fs::path(below).make_preferred();
+}
+
+std::optional<DiskEntry> SourceFolder::examine(const NativeText& folder, const fs::directory_entry& file)
+{
+    const fs::path& path = file.path();
+    if (isStoreFile(path)) {
+        return std::nullopt;
+    }
+    DiskEntry entry;
+    entry.name = path.filename().native();
+    entry.shownName = platform::toUtf8(path.filename());
+    entry.id = idOf(join(folder, entry.name));
+    std::error_code error;
+    entry.status = platform::readStatus(path, error);
+    if (error) {
+        if (isAbsent(error)) {
+            warnLost(path, "vanished during the walk");
+            return std::nullopt;
+        }
+        warnLost(path, "cannot look at this entry (" + error.message() + "); what the store holds of it stays");
+        entry.examined = false;
+        return entry;
+    }
+    switch (entry.status.kind) {
+    case platform::FileKind::Folder:
+        entry.mimeType = constants::folderMimeType;
+        break;
+    case platform::FileKind::Regular:
+        entry.mimeType = constants::mimeTypeOf(entry.shownName);
+        entry.group = constants::groupOf(entry.shownName);
+        break;
+    case platform::FileKind::Link:
+        entry.mimeType = constants::linkMimeType;
+        break;
+    case platform::FileKind::Other:
+        entry.mimeType = specialMimeType(path);
+        break;
+    }
+    if (!entry.isFolder() && m_wanted && !m_wanted(entry)) {
+        return std::nullopt;
+    }
+    if (!isUnicode(path.filename())) {
+        warnOdd(path, "the name is not UTF-8, recorded with what is wrong replaced");
+    }
+    if (entry.status.kind == platform::FileKind::Link) {
+        checkLink(path);
+    }
+    return entry;
+}
+
+void SourceFolder::checkLink(const fs::path& link)
+{
+    std::error_code error;
+    const fs::path target = fs::canonical(link, error);
+    if (isAbsent(error)) {
+        warnOdd(link, "the link leads nowhere");
+    } else if (error == std::errc::too_many_symbolic_link_levels) {
+        warnOdd(link, "the link leads back to itself");
+    } else if (!error && isAtOrAbove(target, link.parent_path())) {
+        warnOdd(link, "the link leads to a folder above it");
+    }
+}
+
+bool SourceFolder::isStoreFile(const fs::path& file) const
+{
+    if (file.parent_path() != m_storeFolder) {
+        return false;
+    }
+    const std::string name = platform::toUtf8(file.filename());
+    return std::any_of(storeFileNames.begin(), storeFileNames.end(), [&](std::string_view store) {
+        const std::string_view rest = std::string_view(name).substr(std::min(store.size(), name.size()));
+        return name.starts_with(store) && (rest.empty() || rest == "-journal" || rest == "-wal" || rest == "-shm");
+    });
+}
+
+void SourceFolder::warnOdd(const fs::path& path, const std::string& what)
+{
+    ++m_odd;
+    m_reporter.warning(platform::toUtf8(path) + ": " + what);
+}
+
+void SourceFolder::warnLost(const fs::path& path, const std::string& what)
+{
+    ++m_lost;
+    m_reporter.warning(platform::toUtf8(path) + ": " + what);
+}
+
+} // namespace dbservice

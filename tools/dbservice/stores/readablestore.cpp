@@ -1,0 +1,188 @@
+#include "stores/readablestore.h"
+
+#include "platform/filestatus.h"
+#include "platform/paths.h"
+#include "terminal/failure.h"
+
+#include <array>
+#include <fstream>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace fs = std::filesystem;
+
+namespace dbservice {
+
+namespace {
+
+/// The part of the database header that tells what the file is: a magic text, and from byte 18 on the version
+/// numbers for writing and reading, which are 2 for a write-ahead log.
+using Header = std::array<char, 20>;
+
+constexpr std::string_view magic{"SQLite format 3\0", 16};
+
+/// Without the first bytes for an empty file. Throws for what is no database.
+bool readHeader(const fs::path& file, Header& header)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (!fs::is_regular_file(status)) {
+        throw Failure("cannot read the store: " + platform::toUtf8(file) + " is not a file");
+    }
+    std::ifstream stream(file, std::ios::binary);
+    header.fill('\0');
+    stream.read(header.data(), static_cast<std::streamsize>(header.size()));
+    if (!stream.is_open() || stream.bad()) {
+        throw Failure("cannot read the store: " + platform::toUtf8(file) + " cannot be opened for reading");
+    }
+    if (stream.gcount() == 0) {
+        return false;
+    }
+    if (std::string_view(header.data(), magic.size()) != magic) {
+        throw Failure("cannot read the store: " + platform::toUtf8(file) +
+                      " is not a database (it is damaged, encrypted or something else)");
+    }
+    return true;
+}
+
+bool isThere(const fs::path& path)
+{
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(path, ignored));
+}
+
+fs::path withSuffix(fs::path path, const char* suffix)
+{
+    path += suffix;
+    return path;
+}
+
+/// The file itself, without links on the way: a journal lies beside the file and not beside a link. Throws unless it
+/// is a database.
+fs::path locateStoreFile(const fs::path& folder, const fs::path& fileName, Header& header)
+{
+    if (!isThere(folder / fileName)) {
+        throw Failure("cannot read the store: there is no " + platform::toUtf8(fileName) + " in " +
+                      platform::toUtf8(folder));
+    }
+    std::error_code error;
+    fs::path file = fs::canonical(folder / fileName, error);
+    if (error) {
+        throw Failure("cannot read the store: " + platform::toUtf8(folder / fileName) + ": " + error.message());
+    }
+    if (!readHeader(file, header)) {
+        throw Failure("cannot read the store: " + platform::toUtf8(file) + " is empty");
+    }
+    return file;
+}
+
+fs::path makeTemporaryFolder()
+{
+    std::random_device random;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const fs::path path = fs::temp_directory_path() / ("dbservice-" + std::to_string(random()));
+        if (fs::create_directory(path)) {
+            fs::permissions(path, fs::perms::owner_all);
+            return path;
+        }
+    }
+    throw Failure("cannot make a temporary folder in " + platform::toUtf8(fs::temp_directory_path()));
+}
+
+} // namespace
+
+bool isDatabase(const fs::path& file)
+{
+    try {
+        Header header;
+        readHeader(file, header);
+        return true;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+void requireDatabaseOrNothing(const fs::path& file)
+{
+    Header header;
+    if (isThere(file)) {
+        readHeader(file, header);
+    }
+}
+
+void requireStoreFile(const fs::path& folder, const fs::path& fileName)
+{
+    Header header;
+    locateStoreFile(folder, fileName, header);
+}
+
+ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName, Copy copied) : m_folder(folder)
+{
+    Header header;
+    const fs::path file = locateStoreFile(folder, fileName, header);
+    const bool writeAheadLog = header[18] == 2 || header[19] == 2;
+    if (copied == Copy::Always || writeAheadLog || isThere(withSuffix(file, "-journal")) ||
+        isThere(withSuffix(file, "-wal"))) {
+        try {
+            m_copy = makeTemporaryFolder();
+            makeCopy(file, fileName);
+        } catch (...) {
+            std::error_code ignored;
+            fs::remove_all(m_copy, ignored);
+            throw;
+        }
+    }
+}
+
+ReadableStore::~ReadableStore()
+{
+    if (!m_copy.empty()) {
+        std::error_code error;
+        fs::remove_all(m_copy, error);
+        // Where files cannot be removed while a connection is open, they shall at least take no room.
+        for (auto entry = fs::directory_iterator(m_copy, error); !error && entry != fs::directory_iterator();
+             entry.increment(error)) {
+            std::error_code ignored;
+            fs::resize_file(entry->path(), 0, ignored);
+        }
+    }
+}
+
+void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName)
+{
+    const std::array<fs::path, 3> sources{file, withSuffix(file, "-journal"), withSuffix(file, "-wal")};
+    const fs::path copied = m_copy / fileName;
+    const std::array<fs::path, 3> targets{copied, withSuffix(copied, "-journal"), withSuffix(copied, "-wal")};
+    // The file goes first: a journal that is still there afterwards undoes whatever a writer did meanwhile. If
+    // anything changed on the way, file and journal may not belong together, so the copy is made again.
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        std::array<platform::FileStatus, 3> before;
+        std::error_code error;
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            before[i] = platform::readStatus(sources[i], error);
+        }
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            fs::remove(targets[i]);
+            error.clear();
+            if (isThere(sources[i]) && fs::copy_file(sources[i], targets[i], error)) {
+                fs::permissions(targets[i], fs::perms::owner_read | fs::perms::owner_write);
+            } else if (error && error != std::errc::no_such_file_or_directory) {
+                throw Failure("cannot copy " + platform::toUtf8(sources[i]) + " to " + platform::toUtf8(m_copy) + ": " +
+                              error.message());
+            }
+        }
+        bool same = true;
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            const platform::FileStatus after = platform::readStatus(sources[i], error);
+            same = same && after.kind == before[i].kind && after.size == before[i].size &&
+                after.modifiedNanoseconds == before[i].modifiedNanoseconds;
+        }
+        if (same) {
+            return;
+        }
+    }
+    throw Failure("cannot read the store: " + platform::toUtf8(file) + " is being written all the time");
+}
+
+} // namespace dbservice

@@ -1,0 +1,233 @@
+#include "stores/session.h"
+
+#include "clientservices/cloudlogger.h"
+#include "clientservices/globalparamwrapper.h"
+#include "clientservices/logsinks.h"
+#include "clientservices/modulebase.h"
+#include "databaseservice/version.h"
+#include "platform/paths.h"
+#include "platform/terminal.h"
+#include "platform/text.h"
+#include "stores/nameindex.h"
+#include "stores/storelog.h"
+#include "terminal/displaytext.h"
+#include "terminal/failure.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace dbservice {
+
+namespace {
+
+bool holdsStoreFiles(const fs::path& folder)
+{
+    for (const std::string_view name : storeFileNames) {
+        std::error_code ignored;
+        if (fs::exists(folder / name, ignored)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+fs::path chooseFolder(const std::string& folder)
+{
+    if (folder.empty() && !holdsStoreFiles(fs::current_path())) {
+        throw Failure("cannot tell which store is meant: the current folder holds no store files; "
+                      "name the store's folder with --folder STORE or in DBSERVICE_FOLDER");
+    }
+    const fs::path path = fs::absolute(pathFromArgument(folder.empty() ? "." : folder)).lexically_normal();
+    if (!isUnicode(path)) {
+        throw Failure("cannot use the store folder " + platform::toUtf8(path) + ": its name is not UTF-8");
+    }
+    return path.has_filename() ? path : path.parent_path();
+}
+
+} // namespace
+
+Session::Session(const GlobalOptions& options)
+    : m_options(options),
+      m_log(std::make_shared<StoreLog>(m_reporter)),
+      m_folder(chooseFolder(options.folder))
+{
+    if (options.quiet) {
+        m_reporter.beQuiet();
+    }
+    if (!options.logFile.empty()) {
+        constexpr std::size_t maxBytes = 10 << 20;
+        constexpr std::size_t maxFiles = 3;
+        try {
+            m_logFile = Logger::MakeRotatingFileSink(pathFromArgument(options.logFile), maxBytes, maxFiles);
+        } catch (const std::exception& error) {
+            throw Failure("cannot write the log file " + options.logFile + ": " + error.what());
+        }
+    }
+    Logger::CloudLogger::GetInstance()->AddSink(m_log);
+    Logger::CloudLogger::GetInstance()->AddSink(m_logFile);
+}
+
+Session::~Session()
+{
+    stopModules();
+    Logger::CloudLogger::GetInstance()->RemoveSink(m_logFile);
+    Logger::CloudLogger::GetInstance()->RemoveSink(m_log);
+}
+
+int Session::outputWidth()
+{
+    return platform::terminalWidth(platform::Stream::Output);
+}
+
+void Session::makeStoreFolder()
+{
+    std::error_code error;
+    if (fs::create_directories(m_folder, error)) {
+        m_reporter.note("made the folder " + platform::toUtf8(m_folder));
+    } else if (error) {
+        throw Failure("cannot make the store folder " + platform::toUtf8(m_folder) + ": " + error.message());
+    }
+}
+
+void Session::readStore(const fs::path& fileName, ReadableStore::Copy copied)
+{
+    requireStoreFolder();
+    m_readable.emplace(m_folder, fileName, copied);
+    useFolder(m_readable->folder(), fileName);
+}
+
+void Session::editStore(const fs::path& fileName)
+{
+    requireStoreFolder();
+    requireStoreFile(m_folder, fileName);
+    useFolder(m_folder, fileName);
+}
+
+void Session::makeStore(const fs::path& fileName)
+{
+    requireStoreFolder();
+    requireDatabaseOrNothing(m_folder / fileName);
+    useFolder(m_folder, fileName);
+}
+
+void Session::editAllStores(const std::string& name)
+{
+    requireStoreFolder();
+    if (!holdsStoreFiles(m_folder)) {
+        throw Failure("cannot open the stores: " + platform::toUtf8(m_folder) + " holds no store files");
+    }
+    useFolder(m_folder, name);
+}
+
+void Session::nameInWarnings(const std::string& name)
+{
+    m_log->setStore(name);
+}
+
+DatabaseService::DriverDBProvider& Session::readDrive()
+{
+    if (!m_readable) {
+        readStore(driveFileName, ReadableStore::Copy::WhereNeeded);
+    }
+    return m_drive;
+}
+
+DatabaseService::CloudDriverDb& Session::readLists()
+{
+    readDrive();
+    if (!m_lists) {
+        const fs::path file = m_readable->folder() / driveFileName;
+        DatabaseService::CloudDriverDb::InitDatabasePath(platform::toWide(platform::toUtf8(file)));
+        m_lists.emplace();
+        stopIfFailed("open the lists of the drive store");
+    }
+    return *m_lists;
+}
+
+DatabaseService::DriverDBProvider& Session::writeDrive()
+{
+    makeStore(driveFileName);
+    std::error_code ignored;
+    if (fs::exists(m_folder / driveFileName, ignored)) {
+        const NameIndex index = examineNameIndex(m_drive);
+        stopIfFailed("look at the order of names in the drive store");
+        if (index == NameIndex::Disagrees) {
+            throw Failure("cannot write to the store: its index of names is in another order than this build's (" +
+                          DatabaseService::NameOrderVersion() +
+                          "), so that rows would be lost from lists; nothing has been written; "
+                          "`dbservice reindex` brings the index into this order");
+        }
+    }
+    m_drive.InitDatabase();
+    stopIfFailed("lay down the drive store");
+    return m_drive;
+}
+
+DatabaseService::DriverDBProvider& Session::editDrive()
+{
+    editStore(driveFileName);
+    return writeDrive();
+}
+
+DatabaseService::DriverDBProvider& Session::mendDrive()
+{
+    editStore(driveFileName);
+    return m_drive;
+}
+
+void Session::stopModules()
+{
+    for (TessixDeskClient::ModuleBase* const module : std::exchange(m_modules, {})) {
+        module->StopWork();
+    }
+}
+
+void Session::stopLater(TessixDeskClient::ModuleBase& module)
+{
+    if (std::find(m_modules.begin(), m_modules.end(), &module) == m_modules.end()) {
+        m_modules.push_back(&module);
+    }
+}
+
+int Session::libraryFailures() const
+{
+    return m_log->failures();
+}
+
+void Session::stopIfFailed(const std::string& what) const
+{
+    if (libraryFailures() > 0) {
+        throw Failure("cannot " + what + ": the store reported " + counted(libraryFailures(), "failure", "failures") +
+                      ", see the warnings above");
+    }
+}
+
+void Session::requireStoreFolder() const
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(m_folder, error);
+    if (!fs::is_directory(status)) {
+        throw Failure("cannot open the store: " + platform::toUtf8(m_folder) +
+                      (fs::exists(status) ? " is not a folder" : " does not exist"));
+    }
+}
+
+void Session::useFolder(const fs::path& folder, const fs::path& store)
+{
+    m_log->setStore(platform::toUtf8(store));
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(platform::toUtf8(folder)));
+}
+
+fs::path pathFromArgument(std::string_view argument)
+{
+    return fs::path(std::u8string(argument.begin(), argument.end()));
+}
+
+bool isUnicode(const fs::path& path)
+{
+    return pathFromArgument(platform::toUtf8(path)) == path;
+}
+
+} // namespace dbservice

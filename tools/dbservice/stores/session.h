@@ -1,0 +1,126 @@
+#pragma once
+
+#include "databaseservice/clouddriverdb.h"
+#include "databaseservice/driverdbprovider.h"
+#include "stores/readablestore.h"
+#include "terminal/reporter.h"
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Logger {
+class LogSink;
+}
+namespace TessixDeskClient {
+class ModuleBase;
+}
+
+namespace dbservice {
+
+class StoreLog;
+
+/// What the command line says for every command.
+struct GlobalOptions {
+    std::string folder;  ///< empty: the current folder, if it holds store files
+    std::string logFile; ///< empty: none
+    bool json = false;
+    bool quiet = false;
+};
+
+inline constexpr const char* driveFileName = "DriveModuleData.dat";
+inline constexpr const char* mainFileName = "main.dat";
+inline constexpr const char* shortcutFileName = "FastAccess.dat";
+inline constexpr const char* transferFileName = "transmission.dat";
+
+/// The files by which a folder is known to be a store.
+inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, mainFileName, transferFileName,
+                                                                shortcutFileName};
+
+/// One run of the tool: the store it works on, what the library logs meanwhile, and where things are told.
+/// Throws a `Failure` where the store or the log file cannot be used.
+class Session {
+public:
+    explicit Session(const GlobalOptions& options);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    bool json() const { return m_options.json; }
+    Reporter& reporter() { return m_reporter; }
+    /// The width to which tables on standard output are cut, 0 for no limit.
+    static int outputWidth();
+
+    const std::filesystem::path& storeFolder() const { return m_folder; }
+    /// Makes the folder if it is missing, and says so.
+    void makeStoreFolder();
+
+    // Each of these has the library open its files in the right place from here on, and names the file in warnings.
+
+    /// A store's file for a command that only shows: no byte of it changes. `Always` where the library lays down tables
+    /// before it reads.
+    void readStore(const std::filesystem::path& fileName, ReadableStore::Copy copied);
+    /// A store's file for a command that changes what is in it; it has to be there.
+    void editStore(const std::filesystem::path& fileName);
+    /// A store's file for a command that lays it down where it is missing.
+    void makeStore(const std::filesystem::path& fileName);
+    /// All the files in the folder, under a name for all. Throws unless one of them is a store's.
+    void editAllStores(const std::string& name);
+    /// What warnings of the library's failures begin with, in place of the file's name.
+    void nameInWarnings(const std::string& name);
+
+    /// The drive store for a command that only shows: no byte of the store changes.
+    DatabaseService::DriverDBProvider& readDrive();
+    /// The lists of the same store, likewise; on one connection, which stays open.
+    DatabaseService::CloudDriverDb& readLists();
+    /// The drive store for writing, with its tables laid down. Throws before it writes anything if names are stored in
+    /// another order than this build's.
+    DatabaseService::DriverDBProvider& writeDrive();
+    /// The same for a command that changes what is in a store, which has to be there.
+    DatabaseService::DriverDBProvider& editDrive();
+    /// The drive store as it is, for a command that mends it.
+    DatabaseService::DriverDBProvider& mendDrive();
+
+    /// One of the library's modules. Its thread runs from here on until `stopModules`, at the latest until the end of
+    /// the command, whichever way that ends.
+    template <class Module> Module& module()
+    {
+        Module& started = Module::GetInstance();
+        stopLater(started);
+        return started;
+    }
+    /// Returns once all that was posted to the modules is done. They do not start again.
+    void stopModules();
+
+    /// How many failures the library has logged in this run.
+    int libraryFailures() const;
+    /// Throws "cannot `what`: ..." if the library has logged any.
+    void stopIfFailed(const std::string& what) const;
+
+private:
+    void stopLater(TessixDeskClient::ModuleBase& module);
+    void requireStoreFolder() const;
+    void useFolder(const std::filesystem::path& folder, const std::filesystem::path& store);
+
+    GlobalOptions m_options;
+    Reporter m_reporter;
+    std::shared_ptr<StoreLog> m_log;
+    std::shared_ptr<Logger::LogSink> m_logFile;
+    std::filesystem::path m_folder;
+    std::optional<ReadableStore> m_readable;
+    DatabaseService::DriverDBProvider m_drive;
+    std::optional<DatabaseService::CloudDriverDb> m_lists; // closed before the copy that it reads is removed
+    std::vector<TessixDeskClient::ModuleBase*> m_modules;
+};
+
+/// A path from a command line's argument, with every byte kept where paths are bytes.
+std::filesystem::path pathFromArgument(std::string_view argument);
+
+/// Whether the path loses nothing when it is written as UTF-8.
+bool isUnicode(const std::filesystem::path& path);
+
+} // namespace dbservice
