@@ -6,8 +6,11 @@
 #include "support/tooltest.h"
 
 #include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <cstdint>
+#include <iterator>
+#include <sstream>
 #include <string_view>
 
 namespace fs = std::filesystem;
@@ -35,7 +38,7 @@ TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
     const Case cases[]{
         {{}, 2, "no command"},
         {{"frobnicate"}, 2, "frobnicate"},
-        {{"ls", "--frobnicate"}, 2, "--frobnicate"},
+        {{"ls", "--frobnicate"}, 2, "--frobnicate\nTry `dbservice ls --help`."},
         {{"ls", "--count", "-1"}, 2, "--count"},
         {{"ls", "--offset", "99999999999999"}, 2, "--offset"},
         {{"stat"}, 2, "PATH"},
@@ -80,6 +83,36 @@ TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
         EXPECT_EQ(ran.code, 0);
         EXPECT_NE(ran.out.find(option == "--help" ? "Exit code" : "SQLite 3."), std::string::npos) << ran.out;
     }
+}
+
+// Each command is listed in a help, and its own help ends with an example that it understands.
+TEST_F(Tool, HelpEndsWithAnExampleThatIsUnderstood)
+{
+    int examples = 0;
+    std::vector<Arguments> commands{{}};
+    while (!commands.empty()) {
+        const Arguments command = commands.back();
+        commands.pop_back();
+        SCOPED_TRACE(testing::PrintToString(command));
+        Arguments asked = command;
+        asked.push_back("--help");
+        std::istringstream help(run(asked).out);
+        std::string line;
+        while (std::getline(help, line) && line != "Example:") {
+            if (line.starts_with("  ") && std::islower(line[2]) != 0) {
+                commands.push_back(command);
+                commands.back().push_back(line.substr(2, line.find(' ', 2) - 2));
+            }
+        }
+        if (std::getline(help, line)) {
+            std::istringstream words(line.substr(line.find("dbservice ") + 10));
+            EXPECT_NE(onStore({std::istream_iterator<std::string>(words), {}}).code, 2) << line;
+            ++examples;
+        } else {
+            EXPECT_EQ(command, Arguments{});
+        }
+    }
+    EXPECT_GT(examples, 30);
 }
 
 TEST_F(Tool, FindsTheStoreByOptionEnvironmentOrCurrentFolder)

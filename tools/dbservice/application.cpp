@@ -1,13 +1,13 @@
 #include "application.h"
 
+#include "command.h"
+#include "commandline.h"
 #include "commands/commands.h"
 #include "databaseservice/version.h"
 #include "platform/environment.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
-
-#include <CLI/CLI.hpp>
 
 #include <iostream>
 
@@ -21,77 +21,30 @@ std::string versions()
         "\norder of names " + DatabaseService::NameOrderVersion();
 }
 
-void addGlobalOptions(CLI::App& app, GlobalOptions& options)
+Command describeProgram(GlobalOptions& options)
 {
-    app.add_option("--folder", options.folder,
-                   "The user's database folder, also from DBSERVICE_FOLDER; without either the current folder, if it "
-                   "holds store files")
-        ->type_name("STORE");
-    app.add_option("--log", options.logFile, "Write everything that the library logs to FILE, rotated at 10 MiB")
-        ->type_name("FILE");
-    app.add_flag("--json", options.json, "Print results as JSON with the stored names as keys");
-    app.add_flag("--quiet", options.quiet, "No progress and no notes; warnings and errors stay");
-    app.set_version_flag("--version", versions, "Show the versions of library, SQLite and order of names");
-    app.footer("Results go to standard output, everything else to standard error.\n"
-               "Exit code: 0 done, 1 something failed or was lost, 2 wrong usage.\n"
-               "Help on a command: dbservice COMMAND --help");
-}
-
-// CLI11 reads "[a,b]" and "{}" as lists where several values may come, and has no switch for it. A last byte that no
-// argument can hold hides their ends.
-constexpr char plainEnd = '\0';
-
-std::vector<std::string> withPlainEnds(const std::vector<std::string>& arguments)
-{
-    std::vector<std::string> marked = arguments;
-    for (std::string& argument : marked) {
-        if (argument.starts_with('[') || argument.starts_with('{')) {
-            argument += plainEnd;
-        }
-    }
-    return marked;
-}
-
-void dropPlainEnds(CLI::App& command)
-{
-    for (CLI::Option* const option : command.get_options()) {
-        option->transform([](std::string argument) {
-            if (argument.ends_with(plainEnd)) {
-                argument.pop_back();
-            }
-            return argument;
-        });
-    }
-    for (CLI::App* const part : command.get_subcommands({})) {
-        dropPlainEnds(*part);
-    }
-}
-
-/// In the order of the help.
-void addCommands(CLI::App& app, Command& chosen)
-{
-    struct Group {
-        const char* title;
-        std::vector<void (*)(CLI::App&, Command&)> commands;
+    return {
+        .name = "dbservice",
+        .summary = "Works on the database stores of a user's folder.",
+        .arguments =
+            {
+                argument<&GlobalOptions::folder>(
+                    "--folder",
+                    "The user's database folder, also from DBSERVICE_FOLDER; without either the current folder, if it "
+                    "holds store files",
+                    {.type = "STORE"}),
+                argument<&GlobalOptions::logFile>(
+                    "--log", "Write everything that the library logs to FILE, rotated at 10 MiB", {.type = "FILE"}),
+                argument<&GlobalOptions::json>("--json", "Print results as JSON with the stored names as keys"),
+                argument<&GlobalOptions::quiet>("--quiet", "No progress and no notes; warnings and errors stay"),
+                shows<GlobalOptions>("--version", versions, "Show the versions of library, SQLite and order of names"),
+            },
+        .details = "Results go to standard output, everything else to standard error.\n"
+                   "Exit code: 0 done, 1 something failed or was lost, 2 wrong usage.\n"
+                   "Help on a command: dbservice COMMAND --help",
+        .parts = allCommands(),
+        .run = Action::fills(options),
     };
-    for (const Group& group : {
-             Group{"Stores", {addInit, addScan, addReindex, addReset}},
-             Group{"Show the drive", {addLs, addView, addRecycle, addStat, addCount, addPending, addConfig}},
-             Group{"Change the drive", {addMkdir, addRename, addMv, addRm, addRestore}},
-             Group{"Other stores", {addProperties, addShortcuts, addGallery, addTransfers, addMigrate}},
-         }) {
-        for (const auto add : group.commands) {
-            add(app, chosen);
-            app.get_subcommands({}).back()->group(group.title);
-        }
-    }
-    dropPlainEnds(app);
-}
-
-int misused(const char* what)
-{
-    std::cerr << "dbservice: " << printable(what) << "\nTry `dbservice --help`." << std::endl;
-    return wrongUsage;
 }
 
 int runCommand(const GlobalOptions& options, const Command& command)
@@ -126,22 +79,9 @@ int run(const std::vector<std::string>& arguments)
 {
     GlobalOptions options;
     options.folder = platform::environmentVariable("DBSERVICE_FOLDER");
-    Command command;
-    CLI::App app("Works on the database stores of a user's folder.", "dbservice");
-    app.fallthrough();
-    app.allow_windows_style_options(false); // "/Photos" is a path
-    app.require_subcommand(0, 1);           // none is told apart below, with a better text
-    app.get_formatter()->column_width(28);
-    addGlobalOptions(app, options);
-    addCommands(app, command);
     try {
-        const std::vector<std::string> marked = withPlainEnds(arguments);
-        app.parse(std::vector<std::string>(marked.rbegin(), marked.rend()));
-        return command ? runCommand(options, command) : misused("no command is given");
-    } catch (const CLI::Success& asked) {
-        return app.exit(asked);
-    } catch (const CLI::ParseError& error) {
-        return misused(error.what());
+        return runCommandLine(describeProgram(options), arguments,
+                              [&options](const Command& command) { return runCommand(options, command); });
     } catch (const std::exception& error) { // the session could not begin
         std::cerr << "dbservice: " << printable(error.what()) << std::endl;
         return failed;

@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/driveconftable.h"
 #include "databaseservice/drivefulltask.h"
 #include "stores/session.h"
@@ -6,11 +6,8 @@
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
 
-#include <CLI/CLI.hpp>
-
 #include <array>
 #include <iostream>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -107,16 +104,19 @@ int config(Session& session, bool all)
 
 } // namespace
 
-void addConfig(CLI::App& app, Command& chosen)
+Command configCommand()
 {
-    const auto all = std::make_shared<bool>(false);
-    CLI::App* const command =
-        app.add_subcommand("config", "Show the drive's synchronisation: its configuration and its full tasks");
-    command->add_flag("--all", *all, "Show the fields that are empty or 0 too");
-    command->footer("Cursors, intervals, times and states are the client's own, in its units.\n"
-                    "With --json the keys are the tables, and in them the stored columns; DriveConfTable is null where "
-                    "there is none.");
-    command->callback([&chosen, all] { chosen = [all](Session& session) { return config(session, *all); }; });
+    return {
+        .name = "config",
+        .group = group::showDrive,
+        .summary = "Show the drive's synchronisation: its configuration and its full tasks",
+        .arguments = {argument<bool>("--all", "Show the fields that are empty or 0 too")},
+        .details = "Cursors, intervals, times and states are the client's own, in its units.\n"
+                   "With --json the keys are the tables, and in them the stored columns; DriveConfTable is null where "
+                   "there is none.",
+        .example = "dbservice config --all",
+        .run = config,
+    };
 }
 
 } // namespace dbservice

@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/drivefields.h"
 #include "drive/drivetree.h"
 #include "drive/fileclass.h"
@@ -8,10 +8,7 @@
 #include "terminal/failure.h"
 #include "terminal/table.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
-#include <memory>
 
 namespace dbservice {
 
@@ -102,14 +99,19 @@ int count(Session& session, const std::string& path)
 
 } // namespace
 
-void addCount(CLI::App& app, Command& chosen)
+Command countCommand()
 {
-    const auto path = std::make_shared<std::string>();
-    CLI::App* const command = app.add_subcommand("count", "Show how many rows the drive store or one folder holds");
-    command->add_option("PATH", *path, "Count what is directly in this folder, such as /Photos/2024 or id:ID");
-    command->footer("Outside the bin are rows that are neither in it nor on their way there. Classes count files that "
-                    "lists show:\n2 pictures, 4 videos, 8 audio, 16 documents, 32 everything else.");
-    command->callback([&chosen, path] { chosen = [path](Session& session) { return count(session, *path); }; });
+    return {
+        .name = "count",
+        .group = group::showDrive,
+        .summary = "Show how many rows the drive store or one folder holds",
+        .arguments = {argument<std::string>("PATH",
+                                            "Count what is directly in this folder, such as /Photos/2024 or id:ID")},
+        .details = "Outside the bin are rows that are neither in it nor on their way there. Classes count files that "
+                   "lists show:\n2 pictures, 4 videos, 8 audio, 16 documents, 32 everything else.",
+        .example = "dbservice count /Photos/2024",
+        .run = count,
+    };
 }
 
 } // namespace dbservice

@@ -1,6 +1,7 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/gallerydbprovider.h"
 #include "gallery/galleryimport.h"
+#include "gallery/galleryname.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "stores/session.h"
@@ -8,14 +9,10 @@
 #include "terminal/failure.h"
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
-#include "textarguments.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
 #include <iostream>
-#include <memory>
 
 namespace dbservice {
 
@@ -189,36 +186,54 @@ int import(Session& session, const GalleryOptions& options)
 
 } // namespace
 
-void addGallery(CLI::App& app, Command& chosen)
+Command galleryCommand()
 {
-    const auto options = std::make_shared<GalleryOptions>();
-    CLI::App* const command =
-        app.add_subcommand("gallery", "Show the gallery, and fill it with the pictures and videos of a real folder");
-    command->require_subcommand(1);
-    const auto add = [&](const char* name, const char* description, int (*run)(Session&, const GalleryOptions&)) {
-        CLI::App* const action = command->add_subcommand(name, description);
-        addGalleryName(*action, options->name)->required();
-        action->callback(
-            [&chosen, options, run] { chosen = [options, run](Session& session) { return run(session, *options); }; });
-        return action;
+    const Argument name = argument<&GalleryOptions::name>(galleryName(true));
+    return {
+        .name = "gallery",
+        .group = group::otherStores,
+        .summary = "Show the gallery, and fill it with the pictures and videos of a real folder",
+        .example = "dbservice gallery counts --gallery gallery.dat",
+        .parts =
+            {
+                {
+                    .name = "counts",
+                    .summary = "Show how many rows each table holds",
+                    .arguments = {name},
+                    .example = "dbservice gallery counts --gallery gallery.dat",
+                    .run = counts,
+                },
+                {
+                    .name = "show",
+                    .summary = "Show the row of one picture or video",
+                    .arguments = {name, text<&GalleryOptions::id>("ID", "Its UniqueId", {.required = true}),
+                                  argument<&GalleryOptions::all>("--all", "Show the fields that are empty or 0 too")},
+                    .details = "Times are read as seconds since 1970 UTC, as an import stores them.\n"
+                               "With --json the keys are the stored columns.",
+                    .example = "dbservice gallery show 5fd9a04c --gallery gallery.dat",
+                    .run = show,
+                },
+                {
+                    .name = "import",
+                    .summary = "Record the pictures and videos of a real folder",
+                    .arguments = {name,
+                                  argument<&GalleryOptions::folder>("FOLDER", "The folder to read",
+                                                                    {.required = true})},
+                    .details =
+                        "Makes the store where it is missing. Each folder that holds pictures or videos becomes an "
+                        "album. A file is\n"
+                        "known by its path: another import of it changes its row, and rows of files that are gone "
+                        "stay. Files are\n"
+                        "read to hash them, unless size and time are those of the last import. Links are not "
+                        "followed.\n"
+                        "Hash is the file's 128 bits of XXH3, times are in seconds since 1970 UTC, Sdsmtime is the "
+                        "modification time\n"
+                        "in nanoseconds. Files that cannot be read and rows that do not land make the exit code 1.",
+                    .example = "dbservice gallery import ~/Pictures --gallery gallery.dat",
+                    .run = import,
+                },
+            },
     };
-
-    add("counts", "Show how many rows each table holds", counts);
-
-    CLI::App* const showing = add("show", "Show the row of one picture or video", show);
-    addText(*showing, "ID", options->id, "Its UniqueId")->required();
-    showing->add_flag("--all", options->all, "Show the fields that are empty or 0 too");
-    showing->footer("Times are read as seconds since 1970 UTC, as an import stores them.\n"
-                    "With --json the keys are the stored columns.");
-
-    CLI::App* const importing = add("import", "Record the pictures and videos of a real folder", import);
-    importing->add_option("FOLDER", options->folder, "The folder to read")->required();
-    importing->footer(
-        "Makes the store where it is missing. Each folder that holds pictures or videos becomes an album. A file is\n"
-        "known by its path: another import of it changes its row, and rows of files that are gone stay. Files are\n"
-        "read to hash them, unless size and time are those of the last import. Links are not followed.\n"
-        "Hash is the file's 128 bits of XXH3, times are in seconds since 1970 UTC, Sdsmtime is the modification time\n"
-        "in nanoseconds. Files that cannot be read and rows that do not land make the exit code 1.");
 }
 
 } // namespace dbservice

@@ -1,7 +1,8 @@
 #include "clientservices/globalparamwrapper.h"
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/databaseservice.h"
 #include "databaseservice/transmissiondbmodule.h"
+#include "gallery/galleryname.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "stores/session.h"
@@ -9,13 +10,9 @@
 #include "terminal/displaytext.h"
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
-#include "textarguments.h"
-
-#include <CLI/CLI.hpp>
 
 #include <filesystem>
 #include <iostream>
-#include <memory>
 #include <vector>
 
 namespace dbservice {
@@ -77,17 +74,20 @@ int init(Session& session, const std::string& gallery)
 
 } // namespace
 
-void addInit(CLI::App& app, Command& chosen)
+Command initCommand()
 {
-    const auto gallery = std::make_shared<std::string>();
-    CLI::App* const command =
-        app.add_subcommand("init", "Make the stores' files and tables where they are missing, and show them");
-    addGalleryName(*command, *gallery);
-    command->footer(
-        "Without --gallery the gallery is left out. The transfer store starts as when a user logs in, without\n"
-        "the table TransferTask, which a client makes when it first needs it.\n"
-        "With --json each line is a file with the rows of its tables.");
-    command->callback([&chosen, gallery] { chosen = [gallery](Session& session) { return init(session, *gallery); }; });
+    return {
+        .name = "init",
+        .group = group::stores,
+        .summary = "Make the stores' files and tables where they are missing, and show them",
+        .arguments = {argument<std::string>(galleryName(false))},
+        .details =
+            "Without --gallery the gallery is left out. The transfer store starts as when a user logs in, without\n"
+            "the table TransferTask, which a client makes when it first needs it.\n"
+            "With --json each line is a file with the rows of its tables.",
+        .example = "dbservice init --gallery gallery.dat",
+        .run = init,
+    };
 }
 
 } // namespace dbservice

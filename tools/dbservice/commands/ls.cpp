@@ -1,11 +1,7 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/drivetree.h"
 #include "drive/listpage.h"
 #include "stores/session.h"
-
-#include <CLI/CLI.hpp>
-
-#include <memory>
 
 namespace dbservice {
 
@@ -32,18 +28,23 @@ int ls(Session& session, const LsOptions& options)
 
 } // namespace
 
-void addLs(CLI::App& app, Command& chosen)
+Command lsCommand()
 {
-    const auto options = std::make_shared<LsOptions>();
-    CLI::App* const command = app.add_subcommand("ls", "List a folder of the drive tree, page by page");
-    command->add_option("PATH", options->path, "Such as /Photos/2024 or id:ID; / is the root")->capture_default_str();
-    addPageOptions(*command, options->page);
-    command->footer(
-        "Folders come ahead of files, each in the order asked for. Rows are left out that the client's lists "
-        "hide:\nin the bin, on their way there or to another folder, or not to be displayed.\n"
-        "Times are UTC, sizes in units of 1024 bytes.\nWith --json each line is a row with its stored "
-        "columns: sizes in bytes, times in seconds since 1970 UTC.");
-    command->callback([&chosen, options] { chosen = [options](Session& session) { return ls(session, *options); }; });
+    return {
+        .name = "ls",
+        .group = group::showDrive,
+        .summary = "List a folder of the drive tree, page by page",
+        .arguments = {argument<&LsOptions::path>("PATH", "Such as /Photos/2024 or id:ID; / is the root",
+                                                 {.showsDefault = true}),
+                      within<&LsOptions::page>(pageOptions())},
+        .details =
+            "Folders come ahead of files, each in the order asked for. Rows are left out that the client's lists "
+            "hide:\nin the bin, on their way there or to another folder, or not to be displayed.\n"
+            "Times are UTC, sizes in units of 1024 bytes.\nWith --json each line is a row with its stored "
+            "columns: sizes in bytes, times in seconds since 1970 UTC.",
+        .example = "dbservice ls /Photos/2024 --sort -size --count 20",
+        .run = ls,
+    };
 }
 
 } // namespace dbservice

@@ -1,4 +1,5 @@
-#include "commands/commands.h"
+#include "command.h"
+#include "gallery/galleryname.h"
 #include "migration/legacymigration.h"
 #include "platform/paths.h"
 #include "stores/legacysource.h"
@@ -7,12 +8,8 @@
 #include "terminal/failure.h"
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
-#include "textarguments.h"
-
-#include <CLI/CLI.hpp>
 
 #include <iostream>
-#include <memory>
 
 namespace fs = std::filesystem;
 
@@ -210,27 +207,36 @@ int migrate(Session& session, MigrateOptions options)
 
 } // namespace
 
-void addMigrate(CLI::App& app, Command& chosen)
+Command migrateCommand()
 {
-    const auto options = std::make_shared<MigrateOptions>();
-    CLI::App* const command =
-        app.add_subcommand("migrate", "Carry a file of the earlier client generation over into the stores");
-    command->add_option("LEGACY", options->legacy, "The file; no byte of it changes")->required();
-    addGalleryName(*command, options->gallery)->required();
-    command->add_flag("--dry-run", options->plan.dryRun, "Tell what would come over, and change nothing");
-    command->add_flag("--replace", options->plan.replace,
-                      "Let rows take the place of those in the store that have the same key and other values");
-    command->add_flag("--again", options->plan.again, "Do it even if the store remembers that it was done");
-    command->add_flag("--skip-uba", options->plan.skipUba, "Leave out UBAUserLog, which gets the rows of UserLog");
-    command->footer(
-        "Makes the stores where they are missing: main.dat for settings and logs, the gallery's file for the rest.\n"
-        "Rows that the stores hold already stay as they are, so that it can be done again, also after it was\n"
-        "interrupted. Failed are rows that could not be read or did not land; any of them makes the exit code 1, as\n"
-        "do rows of the legacy UBAUserLog, which cannot be read, unless it is left out. Clamped are rows with a "
-        "number\n"
-        "that the store has no room for.");
-    command->callback(
-        [&chosen, options] { chosen = [options](Session& session) { return migrate(session, *options); }; });
+    using migration::Plan;
+    return {
+        .name = "migrate",
+        .group = group::otherStores,
+        .summary = "Carry a file of the earlier client generation over into the stores",
+        .arguments =
+            {argument<&MigrateOptions::legacy>("LEGACY", "The file; no byte of it changes", {.required = true}),
+             argument<&MigrateOptions::gallery>(galleryName(true)),
+             within<&MigrateOptions::plan>({
+                 argument<&Plan::dryRun>("--dry-run", "Tell what would come over, and change nothing"),
+                 argument<&Plan::replace>("--replace",
+                                          "Let rows take the place of those in the store that have the same "
+                                          "key and other values"),
+                 argument<&Plan::again>("--again", "Do it even if the store remembers that it was done"),
+                 argument<&Plan::skipUba>("--skip-uba", "Leave out UBAUserLog, which gets the rows of UserLog"),
+             })},
+        .details =
+            "Makes the stores where they are missing: main.dat for settings and logs, the gallery's file for the "
+            "rest.\n"
+            "Rows that the stores hold already stay as they are, so that it can be done again, also after it was\n"
+            "interrupted. Failed are rows that could not be read or did not land; any of them makes the exit code 1, "
+            "as\n"
+            "do rows of the legacy UBAUserLog, which cannot be read, unless it is left out. Clamped are rows with a "
+            "number\n"
+            "that the store has no room for.",
+        .example = "dbservice migrate old.dat --gallery gallery.dat --dry-run",
+        .run = migrate,
+    };
 }
 
 } // namespace dbservice

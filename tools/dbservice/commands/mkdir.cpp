@@ -1,10 +1,7 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/driveedit.h"
 #include "stores/session.h"
 
-#include <CLI/CLI.hpp>
-
-#include <memory>
 #include <random>
 #include <string>
 
@@ -49,14 +46,19 @@ int makeFolder(Session& session, const std::string& path)
 
 } // namespace
 
-void addMkdir(CLI::App& app, Command& chosen)
+Command mkdirCommand()
 {
-    const auto path = std::make_shared<std::string>();
-    CLI::App* const command = app.add_subcommand("mkdir", "Make a folder in the drive tree");
-    command->add_option("PATH", *path, "Such as /Photos/new or id:ID/new; the folder above must be there")->required();
-    command->footer("The folder is in its list at once, and waits to be made in the cloud. Nothing is made on disk.\n"
-                    "Prints the operation as `pending` does.");
-    command->callback([&chosen, path] { chosen = [path](Session& session) { return makeFolder(session, *path); }; });
+    return {
+        .name = "mkdir",
+        .group = group::changeDrive,
+        .summary = "Make a folder in the drive tree",
+        .arguments = {argument<std::string>("PATH", "Such as /Photos/new or id:ID/new; the folder above must be there",
+                                            {.required = true})},
+        .details = "The folder is in its list at once, and waits to be made in the cloud. Nothing is made on disk.\n"
+                   "Prints the operation as `pending` does.",
+        .example = "dbservice mkdir /Photos/new",
+        .run = makeFolder,
+    };
 }
 
 } // namespace dbservice

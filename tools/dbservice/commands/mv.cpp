@@ -1,12 +1,9 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/driveedit.h"
 #include "drive/drivemarkers.h"
 #include "stores/session.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
-#include <memory>
 #include <string>
 
 namespace dbservice {
@@ -53,17 +50,22 @@ int move(Session& session, const MvOptions& options)
 
 } // namespace
 
-void addMv(CLI::App& app, Command& chosen)
+Command mvCommand()
 {
-    const auto options = std::make_shared<MvOptions>();
-    CLI::App* const command = app.add_subcommand("mv", "Move a file or folder of the drive tree to another folder");
-    command->add_option("PATH", options->path, "Such as /Photos/2024 or id:ID")->required();
-    command->add_option("FOLDER", options->folder, "The folder that takes it in; / is the root")->required();
-    command->footer("The row leaves its folder's list and count at once. The new folder lists it once the client has "
-                    "synchronised;\nuntil then no folder does, while `view` and the totals of `count` still show it, "
-                    "and its path stays the old one.\nMoving it back to the folder that it comes from takes the "
-                    "pending move back. Nothing is moved on disk.\nPrints the operation as `pending` does.");
-    command->callback([&chosen, options] { chosen = [options](Session& session) { return move(session, *options); }; });
+    return {
+        .name = "mv",
+        .group = group::changeDrive,
+        .summary = "Move a file or folder of the drive tree to another folder",
+        .arguments = {argument<&MvOptions::path>("PATH", "Such as /Photos/2024 or id:ID", {.required = true}),
+                      argument<&MvOptions::folder>("FOLDER", "The folder that takes it in; / is the root",
+                                                   {.required = true})},
+        .details = "The row leaves its folder's list and count at once. The new folder lists it once the client has "
+                   "synchronised;\nuntil then no folder does, while `view` and the totals of `count` still show it, "
+                   "and its path stays the old one.\nMoving it back to the folder that it comes from takes the "
+                   "pending move back. Nothing is moved on disk.\nPrints the operation as `pending` does.",
+        .example = "dbservice mv /Photos/2024 /Archive",
+        .run = move,
+    };
 }
 
 } // namespace dbservice

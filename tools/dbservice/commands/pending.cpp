@@ -1,11 +1,9 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/databasebindparameter.h"
 #include "drive/drivetree.h"
 #include "drive/pendinglist.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
@@ -57,16 +55,22 @@ int pending(Session& session)
 
 } // namespace
 
-void addPending(CLI::App& app, Command& chosen)
+Command pendingCommand()
 {
-    app.add_subcommand("pending", "List what the client has yet to carry to the cloud")
-        ->footer("new: a folder to be made; upload: a file; rename; move; bin: into the recycle bin; final: deletion "
-                 "for good;\nrestore: out of the bin. A row is listed once for each operation that waits for it. Rows "
-                 "of one action of the\nuser's have one batch. Moved rows have the path that they leave.\n"
-                 "With --json each line is the row with its stored columns, and operation, path, batchId, time and "
-                 "target:\nthe new name, or the folder that a move leads to. Times are taken for seconds since 1970 "
-                 "UTC, as this tool\nwrites them; what another client has written may be in another unit.")
-        ->callback([&chosen] { chosen = pending; });
+    return {
+        .name = "pending",
+        .group = group::showDrive,
+        .summary = "List what the client has yet to carry to the cloud",
+        .details =
+            "new: a folder to be made; upload: a file; rename; move; bin: into the recycle bin; final: deletion "
+            "for good;\nrestore: out of the bin. A row is listed once for each operation that waits for it. Rows "
+            "of one action of the\nuser's have one batch. Moved rows have the path that they leave.\n"
+            "With --json each line is the row with its stored columns, and operation, path, batchId, time and "
+            "target:\nthe new name, or the folder that a move leads to. Times are taken for seconds since 1970 "
+            "UTC, as this tool\nwrites them; what another client has written may be in another unit.",
+        .example = "dbservice --json pending",
+        .run = pending,
+    };
 }
 
 } // namespace dbservice

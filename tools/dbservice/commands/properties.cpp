@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/maindatabaseprovider.h"
 #include "platform/text.h"
 #include "stores/session.h"
@@ -7,13 +7,9 @@
 #include "terminal/failure.h"
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
-#include "textarguments.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <iostream>
-#include <memory>
 
 namespace dbservice {
 
@@ -94,7 +90,7 @@ int removeAll(Session& session, const PropertyOptions& options)
     const int before = store::CountUserProperties();
     session.stopIfFailed("read the properties");
     const std::string properties = counted(before, "property", "properties");
-    confirm(session, "Remove " + properties + " from " + mainFileName + "?", options.yes);
+    confirm(session.reporter(), "Remove " + properties + " from " + mainFileName + "?", options.yes);
     store::DeleteAllUserProperties();
     const int left = store::CountUserProperties();
     if (left > 0) {
@@ -110,28 +106,49 @@ int removeAll(Session& session, const PropertyOptions& options)
 
 } // namespace
 
-void addProperties(CLI::App& app, Command& chosen)
+Command propertiesCommand()
 {
-    const auto options = std::make_shared<PropertyOptions>();
-    CLI::App* const command = app.add_subcommand("properties", "Show and change the client's settings in main.dat");
-    command->require_subcommand(1);
-    const auto add = [&](const char* name, const char* description, auto run) {
-        CLI::App* const action = command->add_subcommand(name, description);
-        action->callback(
-            [&chosen, options, run] { chosen = [options, run](Session& session) { return run(session, *options); }; });
-        return action;
+    const Argument key = text<&PropertyOptions::key>("KEY", "The setting", {.required = true});
+    return {
+        .name = "properties",
+        .group = group::otherStores,
+        .summary = "Show and change the client's settings in main.dat",
+        .example = "dbservice properties list",
+        .parts =
+            {
+                {
+                    .name = "list",
+                    .summary = "List all settings",
+                    .details = "With --json each line is a row with its stored columns.",
+                    .example = "dbservice --json properties list",
+                    .run = list,
+                },
+                {
+                    .name = "get",
+                    .summary = "Show the value of one setting, as it is stored",
+                    .arguments = {key},
+                    .example = "dbservice properties get SyncCloudFolder",
+                    .run = get,
+                },
+                {
+                    .name = "set",
+                    .summary = "Add a setting or replace its value",
+                    .arguments = {key,
+                                  text<&PropertyOptions::value>(
+                                      "VALUE", "Its value; one that begins with - comes behind a -- of its own",
+                                      {.required = true})},
+                    .example = "dbservice properties set limit -- -1",
+                    .run = set,
+                },
+                {
+                    .name = "remove-all",
+                    .summary = "Remove all settings",
+                    .arguments = {argument<&PropertyOptions::yes>(yesFlag())},
+                    .example = "dbservice properties remove-all --yes",
+                    .run = removeAll,
+                },
+            },
     };
-    const auto addKey = [&](CLI::App* action) { addText(*action, "KEY", options->key, "The setting")->required(); };
-
-    add("list", "List all settings", [](Session& session, const PropertyOptions&) {
-        return list(session);
-    })->footer("With --json each line is a row with its stored columns.");
-    addKey(add("get", "Show the value of one setting, as it is stored", get));
-    CLI::App* const setting = add("set", "Add a setting or replace its value", set);
-    addKey(setting);
-    addText(*setting, "VALUE", options->value, "Its value; one that begins with - comes behind a -- of its own")
-        ->required();
-    addYes(*add("remove-all", "Remove all settings", removeAll), options->yes);
 }
 
 } // namespace dbservice

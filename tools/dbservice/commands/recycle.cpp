@@ -1,12 +1,9 @@
 #include "clientservices/globalparamwrapper.h"
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/listpage.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 
-#include <CLI/CLI.hpp>
-
-#include <memory>
 #include <string>
 
 namespace dbservice {
@@ -64,19 +61,23 @@ int recycle(Session& session, const RecycleOptions& options)
 
 } // namespace
 
-void addRecycle(CLI::App& app, Command& chosen)
+Command recycleCommand()
 {
-    const auto options = std::make_shared<RecycleOptions>();
-    CLI::App* const command = app.add_subcommand("recycle", "List the recycle bin, page by page");
-    CLI::Option* const sort = addPageOptions(*command, options->page);
-    command->add_flag("--expired", options->expired, "List what has been in it for longer than it is kept, unsorted")
-        ->excludes(sort);
-    command->footer(
-        "Shows what the user put there, folders first, without what went along with a folder. Rows that wait "
-        "for\na restore or a final deletion are left out. A row is kept for 30 days.\n"
-        "With --json each line is a row with its stored columns.");
-    command->callback(
-        [&chosen, options] { chosen = [options](Session& session) { return recycle(session, *options); }; });
+    return {
+        .name = "recycle",
+        .group = group::showDrive,
+        .summary = "List the recycle bin, page by page",
+        .arguments = {within<&RecycleOptions::page>(pageOptions()),
+                      argument<&RecycleOptions::expired>(
+                          "--expired", "List what has been in it for longer than it is kept, unsorted",
+                          {.excludes = sortOption})},
+        .details =
+            "Shows what the user put there, folders first, without what went along with a folder. Rows that wait "
+            "for\na restore or a final deletion are left out. A row is kept for 30 days.\n"
+            "With --json each line is a row with its stored columns.",
+        .example = "dbservice recycle --offset 100",
+        .run = recycle,
+    };
 }
 
 } // namespace dbservice

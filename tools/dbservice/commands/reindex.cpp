@@ -1,12 +1,10 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/version.h"
 #include "drive/drivefields.h"
 #include "stores/nameindex.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
-
-#include <CLI/CLI.hpp>
 
 #include <iostream>
 
@@ -45,12 +43,18 @@ int reindex(Session& session)
 
 } // namespace
 
-void addReindex(CLI::App& app, Command& chosen)
+Command reindexCommand()
 {
-    app.add_subcommand("reindex", "Bring the stored index of names into this build's order")
-        ->footer("For a store that was written on another system, or by a build with another order of names. From then "
-                 "on\nthe builds with that order must not write to it any more.")
-        ->callback([&chosen] { chosen = reindex; });
+    return {
+        .name = "reindex",
+        .group = group::stores,
+        .summary = "Bring the stored index of names into this build's order",
+        .details =
+            "For a store that was written on another system, or by a build with another order of names. From then "
+            "on\nthe builds with that order must not write to it any more.",
+        .example = "dbservice reindex",
+        .run = reindex,
+    };
 }
 
 } // namespace dbservice

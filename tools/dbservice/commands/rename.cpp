@@ -1,11 +1,8 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/driveedit.h"
 #include "drive/drivemarkers.h"
 #include "stores/session.h"
 
-#include <CLI/CLI.hpp>
-
-#include <memory>
 #include <string>
 
 namespace dbservice {
@@ -37,17 +34,21 @@ int rename(Session& session, const RenameOptions& options)
 
 } // namespace
 
-void addRename(CLI::App& app, Command& chosen)
+Command renameCommand()
 {
-    const auto options = std::make_shared<RenameOptions>();
-    CLI::App* const command = app.add_subcommand("rename", "Give a file or folder of the drive tree another name");
-    command->add_option("PATH", options->path, "Such as /Photos/2024 or id:ID")->required();
-    command->add_option("NEWNAME", options->name, "A name only; `mv` takes to another folder")->required();
-    command->footer("Lists show and sort by the new name at once, and paths go by it; the cloud has the old one until "
-                    "the client\nhas synchronised. Class and type stay what they are. Nothing is renamed on disk, and "
-                    "a scan keeps the new name.\nPrints the operation as `pending` does.");
-    command->callback(
-        [&chosen, options] { chosen = [options](Session& session) { return rename(session, *options); }; });
+    return {
+        .name = "rename",
+        .group = group::changeDrive,
+        .summary = "Give a file or folder of the drive tree another name",
+        .arguments = {argument<&RenameOptions::path>("PATH", "Such as /Photos/2024 or id:ID", {.required = true}),
+                      argument<&RenameOptions::name>("NEWNAME", "A name only; `mv` takes to another folder",
+                                                     {.required = true})},
+        .details = "Lists show and sort by the new name at once, and paths go by it; the cloud has the old one until "
+                   "the client\nhas synchronised. Class and type stay what they are. Nothing is renamed on disk, and "
+                   "a scan keeps the new name.\nPrints the operation as `pending` does.",
+        .example = "dbservice rename /Photos/2024 Holidays",
+        .run = rename,
+    };
 }
 
 } // namespace dbservice

@@ -1,7 +1,8 @@
 #include "clientservices/globalparamwrapper.h"
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/databaseservice.h"
 #include "databaseservice/dropalltables.h"
+#include "gallery/galleryname.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "stores/session.h"
@@ -11,14 +12,10 @@
 #include "terminal/failure.h"
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
-#include "textarguments.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
-#include <memory>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -107,7 +104,7 @@ template <class Drop> int resetOne(Session& session, const fs::path& file, bool 
     requireWritable(file);
     const Content before = look(file);
     session.stopIfFailed("look at " + platform::toUtf8(file));
-    confirm(session, question(session, {before}), yes);
+    confirm(session.reporter(), question(session, {before}), yes);
     drop(GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder());
     show(session, {before}, {look(file)});
     return 0;
@@ -118,7 +115,7 @@ int resetAll(Session& session, const ResetOptions& options)
     session.editAllStores("*.dat");
     const std::vector<Content> before = lookAtAll(session);
     session.stopIfFailed("look at the stores");
-    confirm(session, question(session, before), options.yes);
+    confirm(session.reporter(), question(session, before), options.yes);
     DatabaseService::DropAllTables::GetInstance()->SearchAllDatFile();
     std::vector<Content> after;
     std::size_t left = 0;
@@ -148,22 +145,27 @@ int reset(Session& session, const ResetOptions& options)
 
 } // namespace
 
-void addReset(CLI::App& app, Command& chosen)
+Command resetCommand()
 {
-    const auto options = std::make_shared<ResetOptions>();
-    CLI::App* const command =
-        app.add_subcommand("reset", "Drop the tables of the gallery, of the transfers, or of all stores");
-    CLI::App* const which = command->add_option_group("Stores");
-    addGalleryName(*which, options->gallery);
-    which->add_flag("--all", options->all, "Every file of the store's folder that ends in .dat, whatever it holds");
-    which->add_flag("--user", options->user, "The transfers, as for a change of user; other stores stay");
-    which->require_option(1);
-    addYes(*command, options->yes);
-    command->footer(
-        "What was in the tables is lost. The files stay, and `dbservice init` makes their tables again, but "
-        "for\nTransferTask, which a client makes when it first needs it.");
-    command->callback(
-        [&chosen, options] { chosen = [options](Session& session) { return reset(session, *options); }; });
+    constexpr const char* which = "Stores";
+    About gallery = galleryName(false);
+    gallery.rules.oneOf = which;
+    return {
+        .name = "reset",
+        .group = group::stores,
+        .summary = "Drop the tables of the gallery, of the transfers, or of all stores",
+        .arguments = {argument<&ResetOptions::gallery>(gallery),
+                      argument<&ResetOptions::all>(
+                          "--all", "Every file of the store's folder that ends in .dat, whatever it holds",
+                          {.oneOf = which}),
+                      argument<&ResetOptions::user>(
+                          "--user", "The transfers, as for a change of user; other stores stay", {.oneOf = which}),
+                      argument<&ResetOptions::yes>(yesFlag())},
+        .details = "What was in the tables is lost. The files stay, and `dbservice init` makes their tables again, but "
+                   "for\nTransferTask, which a client makes when it first needs it.",
+        .example = "dbservice reset --gallery gallery.dat --yes",
+        .run = reset,
+    };
 }
 
 } // namespace dbservice

@@ -1,11 +1,8 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/driveedit.h"
 #include "drive/drivemarkers.h"
 #include "stores/session.h"
 
-#include <CLI/CLI.hpp>
-
-#include <memory>
 #include <string>
 
 namespace dbservice {
@@ -56,18 +53,21 @@ int restore(Session& session, const std::string& path)
 
 } // namespace
 
-void addRestore(CLI::App& app, Command& chosen)
+Command restoreCommand()
 {
-    const auto path = std::make_shared<std::string>();
-    CLI::App* const command =
-        app.add_subcommand("restore", "Bring back a file or folder of the drive tree that was deleted");
-    command->add_option("PATH", *path, "Where it was, such as /Photos/2024, or id:ID")->required();
-    command->footer(
-        "A deletion that still waits for the client's synchronisation, final or not, is taken back: the row "
-        "is in its\nlists again at once. A row in the bin leaves the bin's list at once and is in its "
-        "folder's list once the client\nhas synchronised. What went into the bin along with a folder "
-        "comes back with that folder only.\nPrints the operation as `pending` does.");
-    command->callback([&chosen, path] { chosen = [path](Session& session) { return restore(session, *path); }; });
+    return {
+        .name = "restore",
+        .group = group::changeDrive,
+        .summary = "Bring back a file or folder of the drive tree that was deleted",
+        .arguments = {argument<std::string>("PATH", "Where it was, such as /Photos/2024, or id:ID",
+                                            {.required = true})},
+        .details = "A deletion that still waits for the client's synchronisation, final or not, is taken back: the row "
+                   "is in its\nlists again at once. A row in the bin leaves the bin's list at once and is in its "
+                   "folder's list once the client\nhas synchronised. What went into the bin along with a folder "
+                   "comes back with that folder only.\nPrints the operation as `pending` does.",
+        .example = "dbservice restore /Photos/2024",
+        .run = restore,
+    };
 }
 
 } // namespace dbservice

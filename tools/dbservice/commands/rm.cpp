@@ -1,12 +1,9 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/driveedit.h"
 #include "drive/drivemarkers.h"
 #include "stores/session.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -72,21 +69,24 @@ int rm(Session& session, const RmOptions& options)
 
 } // namespace
 
-void addRm(CLI::App& app, Command& chosen)
+Command rmCommand()
 {
-    const auto options = std::make_shared<RmOptions>();
-    CLI::App* const command = app.add_subcommand("rm", "Put files and folders of the drive tree into the recycle bin");
-    command->add_option("PATH", options->paths, "Such as /Photos/2024 or id:ID")->required();
-    command->add_flag("--final", options->final, "Delete them for good, what is in the bin already too");
-    command->footer(
-        "The rows leave their lists, views and counts at once. The bin shows them once the client has "
-        "synchronised;\n`restore` takes the deletion back until then. What is below a folder keeps its "
-        "state and goes along with it: `view`\nand the totals of `count` show it until then.\n"
-        "With --final rows in the bin leave it at once. Other rows stay in their lists until the client has "
-        "synchronised.\nOf rows with one path it takes the one outside the bin. If one of several PATHs "
-        "is refused, none is changed.\nNothing is deleted on disk, and a scan leaves the rows alone. "
-        "Prints the operations as `pending` does.");
-    command->callback([&chosen, options] { chosen = [options](Session& session) { return rm(session, *options); }; });
+    return {
+        .name = "rm",
+        .group = group::changeDrive,
+        .summary = "Put files and folders of the drive tree into the recycle bin",
+        .arguments = {argument<&RmOptions::paths>("PATH", "Such as /Photos/2024 or id:ID", {.required = true}),
+                      argument<&RmOptions::final>("--final", "Delete them for good, what is in the bin already too")},
+        .details = "The rows leave their lists, views and counts at once. The bin shows them once the client has "
+                   "synchronised;\n`restore` takes the deletion back until then. What is below a folder keeps its "
+                   "state and goes along with it: `view`\nand the totals of `count` show it until then.\n"
+                   "With --final rows in the bin leave it at once. Other rows stay in their lists until the client has "
+                   "synchronised.\nOf rows with one path it takes the one outside the bin. If one of several PATHs "
+                   "is refused, none is changed.\nNothing is deleted on disk, and a scan leaves the rows alone. "
+                   "Prints the operations as `pending` does.",
+        .example = "dbservice rm /Photos/2023 /Photos/2024",
+        .run = rm,
+    };
 }
 
 } // namespace dbservice

@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/drivefields.h"
 #include "platform/paths.h"
 #include "scan/sourcefolder.h"
@@ -8,11 +8,8 @@
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
 
-#include <CLI/CLI.hpp>
-
 #include <chrono>
 #include <iostream>
-#include <memory>
 
 namespace dbservice {
 
@@ -93,25 +90,30 @@ int scan(Session& session, const std::string& folder)
 
 } // namespace
 
-void addScan(CLI::App& app, Command& chosen)
+Command scanCommand()
 {
-    const auto folder = std::make_shared<std::string>();
-    CLI::App* const command =
-        app.add_subcommand("scan", "Record a real folder as the drive tree, or bring the tree up to date with it");
-    command->add_option("SOURCE", *folder, "The folder to record")->required();
-    command->footer(
-        "Makes the store where it is missing. The first scan fills an empty store; later ones of the same SOURCE\n"
-        "write what was added, changed or removed since. A store that holds anything else is refused.\n"
-        "Links are recorded and not followed. Rows in the bin are left alone. So are rows with a pending operation "
-        "that\n"
-        "are no longer on disk, such as folders that `mkdir` made; those on disk keep what is pending, and a row that\n"
-        "`rename` has given another name keeps that.\n"
-        "Warnings tell of links that lead nowhere, to themselves or to a folder above them, and of names that are\n"
-        "not UTF-8: these are recorded, and the exit code stays 0. Folders that cannot be read and files that vanish\n"
-        "during the walk are lost: the exit code is 1.\n"
-        "Times are stored in seconds since 1970 UTC, contentVersion is the modification time in nanoseconds.\n"
-        "Steps: walk the folder, read the store, mark, write and sweep rows.");
-    command->callback([&chosen, folder] { chosen = [folder](Session& session) { return scan(session, *folder); }; });
+    return {
+        .name = "scan",
+        .group = group::stores,
+        .summary = "Record a real folder as the drive tree, or bring the tree up to date with it",
+        .arguments = {argument<std::string>("SOURCE", "The folder to record", {.required = true})},
+        .details =
+            "Makes the store where it is missing. The first scan fills an empty store; later ones of the same SOURCE\n"
+            "write what was added, changed or removed since. A store that holds anything else is refused.\n"
+            "Links are recorded and not followed. Rows in the bin are left alone. So are rows with a pending operation "
+            "that\n"
+            "are no longer on disk, such as folders that `mkdir` made; those on disk keep what is pending, and a row "
+            "that\n"
+            "`rename` has given another name keeps that.\n"
+            "Warnings tell of links that lead nowhere, to themselves or to a folder above them, and of names that are\n"
+            "not UTF-8: these are recorded, and the exit code stays 0. Folders that cannot be read and files that "
+            "vanish\n"
+            "during the walk are lost: the exit code is 1.\n"
+            "Times are stored in seconds since 1970 UTC, contentVersion is the modification time in nanoseconds.\n"
+            "Steps: walk the folder, read the store, mark, write and sweep rows.",
+        .example = "dbservice scan ~/Pictures",
+        .run = scan,
+    };
 }
 
 } // namespace dbservice

@@ -1,5 +1,5 @@
 #include "clientservices/globalparamwrapper.h"
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/fastaccessdbmodule.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -9,9 +9,6 @@
 #include "terminal/failure.h"
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
-#include "textarguments.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
@@ -190,37 +187,57 @@ int remove(Session& session, const RemoveOptions& options)
 
 } // namespace
 
-void addShortcuts(CLI::App& app, Command& chosen)
+Command shortcutsCommand()
 {
-    CLI::App* const command = app.add_subcommand("shortcuts", "Show and change the shortcut list");
-    command->require_subcommand(1);
-
-    command->add_subcommand("list", "List the shortcuts, the highest index first")
-        ->footer("With --json each line is a row with its stored columns.")
-        ->callback([&chosen] { chosen = list; });
-
-    const auto record = std::make_shared<FastAccessTable>();
-    CLI::App* const adding = command->add_subcommand("add", "Add a shortcut, and show it as it is stored");
-    addText(*adding, "--title", record->Title, "What the list shows")->required();
-    addText(*adding, "--tip", record->Tip, "What it shows on pointing");
-    addText(*adding, "--icon", record->IconPath, "The icon's path");
-    addText(*adding, "--path", record->FilePath, "The target's path");
-    addText(*adding, "--id", record->FileId, "The target's id in the drive");
-    addText(*adding, "--parent", record->ParentId, "The id of the folder that contains it");
-    adding->add_option("--index", record->Index, "Its place in the list")->capture_default_str();
-    adding->add_option("--type", record->DataType, "Its kind, a number of the client's")->capture_default_str();
-    adding->add_option("--rotate", record->Rotate, "The turn of its icon")->capture_default_str();
-    adding->footer("The time of the last change is now, in seconds since 1970 UTC.");
-    adding->callback([&chosen, record] { chosen = [record](Session& session) { return add(session, *record); }; });
-
-    const auto options = std::make_shared<RemoveOptions>();
-    CLI::App* const removing = command->add_subcommand("remove", "Remove a shortcut, and show what it was");
-    removing->add_option("ID", options->id, "As the list has it")->required();
-    addText(*removing, "--cache", options->cache,
-            "The user's cache path, for a shortcut whose icon's path holds FastAccess: that file is deleted too. The "
-            "two are joined as they are, without a separator");
-    removing->callback(
-        [&chosen, options] { chosen = [options](Session& session) { return remove(session, *options); }; });
+    return {
+        .name = "shortcuts",
+        .group = group::otherStores,
+        .summary = "Show and change the shortcut list",
+        .example = "dbservice shortcuts list",
+        .parts =
+            {
+                {
+                    .name = "list",
+                    .summary = "List the shortcuts, the highest index first",
+                    .details = "With --json each line is a row with its stored columns.",
+                    .example = "dbservice --json shortcuts list",
+                    .run = list,
+                },
+                {
+                    .name = "add",
+                    .summary = "Add a shortcut, and show it as it is stored",
+                    .arguments =
+                        {
+                            text<&FastAccessTable::Title>("--title", "What the list shows", {.required = true}),
+                            text<&FastAccessTable::Tip>("--tip", "What it shows on pointing"),
+                            text<&FastAccessTable::IconPath>("--icon", "The icon's path"),
+                            text<&FastAccessTable::FilePath>("--path", "The target's path"),
+                            text<&FastAccessTable::FileId>("--id", "The target's id in the drive"),
+                            text<&FastAccessTable::ParentId>("--parent", "The id of the folder that contains it"),
+                            argument<&FastAccessTable::Index>("--index", "Its place in the list",
+                                                              {.showsDefault = true}),
+                            argument<&FastAccessTable::DataType>("--type", "Its kind, a number of the client's",
+                                                                 {.showsDefault = true}),
+                            argument<&FastAccessTable::Rotate>("--rotate", "The turn of its icon",
+                                                               {.showsDefault = true}),
+                        },
+                    .details = "The time of the last change is now, in seconds since 1970 UTC.",
+                    .example = "dbservice shortcuts add --title Best --path /Photos/best --index 1",
+                    .run = add,
+                },
+                {
+                    .name = "remove",
+                    .summary = "Remove a shortcut, and show what it was",
+                    .arguments = {argument<&RemoveOptions::id>("ID", "As the list has it", {.required = true}),
+                                  text<&RemoveOptions::cache>(
+                                      "--cache",
+                                      "The user's cache path, for a shortcut whose icon's path holds FastAccess: that "
+                                      "file is deleted too. The two are joined as they are, without a separator")},
+                    .example = "dbservice shortcuts remove 2",
+                    .run = remove,
+                },
+            },
+    };
 }
 
 } // namespace dbservice

@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/drivefields.h"
 #include "drive/drivetree.h"
 #include "stores/session.h"
@@ -6,10 +6,7 @@
 #include "terminal/failure.h"
 #include "terminal/table.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
-#include <memory>
 
 namespace dbservice {
 
@@ -44,15 +41,20 @@ int stat(Session& session, const StatOptions& options)
 
 } // namespace
 
-void addStat(CLI::App& app, Command& chosen)
+Command statCommand()
 {
-    const auto options = std::make_shared<StatOptions>();
-    CLI::App* const command = app.add_subcommand("stat", "Show one row of the drive tree and the size of its subtree");
-    command->add_option("PATH", options->path, "Such as /Photos/2024 or id:ID; / is the root")->required();
-    command->add_flag("--all", options->all, "Show the fields that are empty or 0 too");
-    command->footer("The subtree counts the row itself and everything below it that is not in the bin.\n"
-                    "With --json the keys are the stored columns, and subtree.");
-    command->callback([&chosen, options] { chosen = [options](Session& session) { return stat(session, *options); }; });
+    return {
+        .name = "stat",
+        .group = group::showDrive,
+        .summary = "Show one row of the drive tree and the size of its subtree",
+        .arguments = {argument<&StatOptions::path>("PATH", "Such as /Photos/2024 or id:ID; / is the root",
+                                                   {.required = true}),
+                      argument<&StatOptions::all>("--all", "Show the fields that are empty or 0 too")},
+        .details = "The subtree counts the row itself and everything below it that is not in the bin.\n"
+                   "With --json the keys are the stored columns, and subtree.",
+        .example = "dbservice stat /Photos/2024",
+        .run = stat,
+    };
 }
 
 } // namespace dbservice

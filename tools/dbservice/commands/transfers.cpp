@@ -1,5 +1,5 @@
 #include "clientservices/globalparamwrapper.h"
-#include "commands/commands.h"
+#include "command.h"
 #include "databaseservice/transdbconnthread.h"
 #include "databaseservice/transmissiondbmodule.h"
 #include "platform/text.h"
@@ -8,11 +8,8 @@
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
 #include "terminal/table.h"
-#include "textarguments.h"
 #include "transfers/transfersimulation.h"
 #include "transfers/transfertables.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
@@ -281,104 +278,139 @@ int simulate(Session& session, const SimulateOptions& options)
     throw Failure(text);
 }
 
-void addList(CLI::App& command, Command& chosen)
+/// All tables where none is wanted by itself.
+struct ListOptions {
+    bool uploads = false;
+    bool downloads = false;
+    bool completed = false;
+    bool tasks = false;
+};
+
+int listWanted(Session& session, const ListOptions& options)
 {
-    const auto wanted = std::make_shared<std::array<bool, tables.size()>>();
-    CLI::App* const listing = command.add_subcommand("list", "List what is in the store, or some of it");
-    constexpr std::array flags{"--uploads", "--downloads", "--completed", "--tasks"};
-    constexpr std::array descriptions{"Uploads that are not finished", "Downloads that are not finished",
-                                      "Finished transfers", "The newer and wider records of either direction"};
+    const std::array wanted{options.uploads, options.downloads, options.completed, options.tasks};
+    const bool all = std::find(wanted.begin(), wanted.end(), true) == wanted.end();
+    std::vector<const TransferTable*> some;
     for (std::size_t i = 0; i < tables.size(); ++i) {
-        listing->add_flag(flags[i], (*wanted)[i], descriptions[i]);
-    }
-    listing->footer("With --json each line is a row with its table and its stored columns.");
-    listing->callback([&chosen, wanted] {
-        const bool all = std::find(wanted->begin(), wanted->end(), true) == wanted->end();
-        std::vector<const TransferTable*> some;
-        for (std::size_t i = 0; i < tables.size(); ++i) {
-            if (all || (*wanted)[i]) {
-                some.push_back(tables[i]);
-            }
+        if (all || wanted[i]) {
+            some.push_back(tables[i]);
         }
-        chosen = [some](Session& session) { return list(session, some); };
-    });
+    }
+    return list(session, some);
 }
 
-void addAdd(CLI::App& command, Command& chosen)
+Command listCommand()
 {
-    const auto options = std::make_shared<AddOptions>();
-    CLI::App* const adding = command.add_subcommand("add", "Add one transfer, and show it as it is stored");
-    adding->require_subcommand(1);
-    const auto add = [&](const char* name, const char* description, int (*run)(Session&, const AddOptions&)) {
-        CLI::App* const kind = adding->add_subcommand(name, description);
-        addText(*kind, "--name", options->name, "The file's name")->required();
-        addText(*kind, "--file-id", options->fileId, "Its id in the cloud");
-        addText(*kind, "--path", options->localPath, "Its path on this computer");
-        kind->add_option("--size", options->size, "Its size in bytes");
-        kind->footer("Types and states are numbers of the client's. The time is now, in seconds since 1970 UTC.");
-        kind->callback(
-            [&chosen, options, run] { chosen = [options, run](Session& session) { return run(session, *options); }; });
-        return kind;
+    return {
+        .name = "list",
+        .summary = "List what is in the store, or some of it",
+        .arguments = {argument<&ListOptions::uploads>("--uploads", "Uploads that are not finished"),
+                      argument<&ListOptions::downloads>("--downloads", "Downloads that are not finished"),
+                      argument<&ListOptions::completed>("--completed", "Finished transfers"),
+                      argument<&ListOptions::tasks>("--tasks", "The newer and wider records of either direction")},
+        .details = "With --json each line is a row with its table and its stored columns.",
+        .example = "dbservice transfers list --uploads",
+        .run = listWanted,
     };
-    const auto addType = [&](CLI::App* kind) { kind->add_option("--type", options->type, "The kind of transfer"); };
-    const auto addStatus = [&](CLI::App* kind) { kind->add_option("--status", options->status, "Its state"); };
-    const auto addParent = [&](CLI::App* kind) {
-        addText(*kind, "--parent", options->parentId, "The id of its folder in the cloud");
-    };
-
-    CLI::App* const upload = add("upload", "An upload that is not finished", addUpload);
-    upload->add_option("--id", options->id, "The row's id; without it the next one that is free")
-        ->check(CLI::PositiveNumber);
-    addText(*upload, "--server-path", options->serverPath, "Its path in the cloud");
-    addStatus(upload);
-
-    CLI::App* const download = add("download", "A download that is not finished", addDownload);
-    addText(*download, "--relative-path", options->relativePath, "Its path below the folder that is downloaded");
-    addType(download);
-
-    CLI::App* const completed = add("completed", "A finished transfer", addCompleted);
-    addParent(completed);
-    addType(completed);
-
-    CLI::App* const task = add("task", "A newer and wider record, by a statement as a client would run it", addTask);
-    addText(*task, "--unique-id", options->uniqueId, "Its key")->required();
-    addParent(task);
-    addType(task);
-    addStatus(task);
-    task->add_option("--module", options->module, "Whose transfer it is, a number of the client's");
 }
 
-void addSimulate(CLI::App& command, Command& chosen)
+Command addCommand()
 {
-    const auto options = std::make_shared<SimulateOptions>();
-    CLI::App* const simulating =
-        command.add_subcommand("simulate", "Drive made-up transfers through the store, and prove that none is lost");
-    simulating->add_option("N", options->transfers, "How many")->required()->check(CLI::Range(1, 1'000'000));
-    simulating->add_option("--threads", options->threads, "How many threads post them")
-        ->check(CLI::Range(1, 64))
-        ->capture_default_str();
-    simulating->footer(
-        "Half of them are uploads, which stay in their table, at their end; the others are downloads, which become\n"
-        "finished transfers. The rows are made up and stay in the store, so take one that is there for that.\n"
-        "The threads post to the module of the transfer store. It is stopped then, and every row is looked for.\n"
-        "What one thread posts is written in its order. Inserts of downloads and of finished transfers are not "
-        "posted:\n"
-        "the thread that makes them writes them itself, ahead of what waits. The posts of a second are counted until\n"
-        "all is written, in a transaction each.");
-    simulating->callback(
-        [&chosen, options] { chosen = [options](Session& session) { return simulate(session, *options); }; });
+    const Arguments common{text<&AddOptions::name>("--name", "The file's name", {.required = true}),
+                           text<&AddOptions::fileId>("--file-id", "Its id in the cloud"),
+                           text<&AddOptions::localPath>("--path", "Its path on this computer"),
+                           argument<&AddOptions::size>("--size", "Its size in bytes")};
+    const Argument type = argument<&AddOptions::type>("--type", "The kind of transfer");
+    const Argument status = argument<&AddOptions::status>("--status", "Its state");
+    const Argument parent = text<&AddOptions::parentId>("--parent", "The id of its folder in the cloud");
+    const char* const details =
+        "Types and states are numbers of the client's. The time is now, in seconds since 1970 UTC.";
+    return {
+        .name = "add",
+        .summary = "Add one transfer, and show it as it is stored",
+        .example = "dbservice transfers add upload --name beach.jpg --size 2048000",
+        .parts =
+            {
+                {
+                    .name = "upload",
+                    .summary = "An upload that is not finished",
+                    .arguments = {common,
+                                  argument<&AddOptions::id>(
+                                      "--id", "The row's id; without it the next one that is free", {.positive = true}),
+                                  text<&AddOptions::serverPath>("--server-path", "Its path in the cloud"), status},
+                    .details = details,
+                    .example = "dbservice transfers add upload --name beach.jpg --size 2048000",
+                    .run = addUpload,
+                },
+                {
+                    .name = "download",
+                    .summary = "A download that is not finished",
+                    .arguments = {common,
+                                  text<&AddOptions::relativePath>("--relative-path",
+                                                                  "Its path below the folder that is downloaded"),
+                                  type},
+                    .details = details,
+                    .example = "dbservice transfers add download --name beach.jpg --path /home/me/beach.jpg",
+                    .run = addDownload,
+                },
+                {
+                    .name = "completed",
+                    .summary = "A finished transfer",
+                    .arguments = {common, parent, type},
+                    .details = details,
+                    .example = "dbservice transfers add completed --name beach.jpg --type 1",
+                    .run = addCompleted,
+                },
+                {
+                    .name = "task",
+                    .summary = "A newer and wider record, by a statement as a client would run it",
+                    .arguments = {common, text<&AddOptions::uniqueId>("--unique-id", "Its key", {.required = true}),
+                                  parent, type, status,
+                                  argument<&AddOptions::module>("--module",
+                                                                "Whose transfer it is, a number of the client's")},
+                    .details = details,
+                    .example = "dbservice transfers add task --name beach.jpg --unique-id 7",
+                    .run = addTask,
+                },
+            },
+    };
+}
+
+Command simulateCommand()
+{
+    return {
+        .name = "simulate",
+        .summary = "Drive made-up transfers through the store, and prove that none is lost",
+        .arguments = {argument<&SimulateOptions::transfers>("N", "How many",
+                                                            {.required = true, .range = Range{1, 1'000'000}}),
+                      argument<&SimulateOptions::threads>("--threads", "How many threads post them",
+                                                          {.showsDefault = true, .range = Range{1, 64}})},
+        .details =
+            "Half of them are uploads, which stay in their table, at their end; the others are downloads, which "
+            "become\n"
+            "finished transfers. The rows are made up and stay in the store, so take one that is there for that.\n"
+            "The threads post to the module of the transfer store. It is stopped then, and every row is looked for.\n"
+            "What one thread posts is written in its order. Inserts of downloads and of finished transfers are not "
+            "posted:\n"
+            "the thread that makes them writes them itself, ahead of what waits. The posts of a second are counted "
+            "until\n"
+            "all is written, in a transaction each.",
+        .example = "dbservice transfers simulate 1000 --threads 8",
+        .run = simulate,
+    };
 }
 
 } // namespace
 
-void addTransfers(CLI::App& app, Command& chosen)
+Command transfersCommand()
 {
-    CLI::App* const command =
-        app.add_subcommand("transfers", "Show and change the transfers, and put their store under load");
-    command->require_subcommand(1);
-    addList(*command, chosen);
-    addAdd(*command, chosen);
-    addSimulate(*command, chosen);
+    return {
+        .name = "transfers",
+        .group = group::otherStores,
+        .summary = "Show and change the transfers, and put their store under load",
+        .example = "dbservice transfers list",
+        .parts = {listCommand(), addCommand(), simulateCommand()},
+    };
 }
 
 } // namespace dbservice

@@ -1,13 +1,10 @@
-#include "commands/commands.h"
+#include "command.h"
 #include "drive/fileclass.h"
 #include "drive/listpage.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 
-#include <CLI/CLI.hpp>
-
 #include <map>
-#include <memory>
 #include <string>
 
 namespace dbservice {
@@ -44,23 +41,21 @@ int view(Session& session, const ViewOptions& options)
 
 } // namespace
 
-void addView(CLI::App& app, Command& chosen)
+Command viewCommand()
 {
-    const auto options = std::make_shared<ViewOptions>();
-    const auto classes = classesByName();
-    CLI::App* const command =
-        app.add_subcommand("view", "List the files of one class, wherever they are, page by page");
-    command
-        ->add_option_function<std::string>(
-            "CLASS", [options, classes](const std::string& name) { options->shown = classes.at(name); },
-            "picture, video, audio, document or other, or 2, 4, 8, 16 or 32")
-        ->check(CLI::IsMember(classes))
-        ->type_name("TEXT")
-        ->required();
-    addPageOptions(*command, options->page);
-    command->footer("Rows in the bin, on their way there or not to be displayed are left out.\n"
-                    "With --json each line is a row with its stored columns.");
-    command->callback([&chosen, options] { chosen = [options](Session& session) { return view(session, *options); }; });
+    return {
+        .name = "view",
+        .group = group::showDrive,
+        .summary = "List the files of one class, wherever they are, page by page",
+        .arguments = {choice<&ViewOptions::shown>("CLASS", classesByName(),
+                                                  "picture, video, audio, document or other, or 2, 4, 8, 16 or 32",
+                                                  {.required = true}),
+                      within<&ViewOptions::page>(pageOptions())},
+        .details = "Rows in the bin, on their way there or not to be displayed are left out.\n"
+                   "With --json each line is a row with its stored columns.",
+        .example = "dbservice view picture --sort -modified",
+        .run = view,
+    };
 }
 
 } // namespace dbservice

@@ -6,8 +6,6 @@
 #include "terminal/failure.h"
 #include "terminal/table.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <iostream>
 #include <map>
@@ -28,18 +26,14 @@ const std::map<std::string, CLOUD_DB_SORT_TYPE> sorts{
 
 } // namespace
 
-CLI::Option* addPageOptions(CLI::App& command, PageOptions& options)
+Arguments pageOptions()
 {
-    command.add_option("--offset", options.offset, "How many rows to leave out first")->capture_default_str();
-    command.add_option("--count", options.count, "How many rows to show")->capture_default_str();
-    return command
-        .add_option_function<std::string>(
-            "--sort", [&options](const std::string& sort) { options.sort = sorts.at(sort); },
-            "name, size, modified or ext (like kinds together), -name and so on for the reverse; "
-            "equal rows come by name")
-        ->check(CLI::IsMember(sorts))
-        ->type_name("ORDER")
-        ->default_str("name");
+    return {argument<&PageOptions::offset>("--offset", "How many rows to leave out first", {.showsDefault = true}),
+            argument<&PageOptions::count>("--count", "How many rows to show", {.showsDefault = true}),
+            choice<&PageOptions::sort>(sortOption, sorts,
+                                       "name, size, modified or ext (like kinds together), -name and so on for the "
+                                       "reverse; equal rows come by name",
+                                       {.showsDefault = true, .type = "ORDER"})};
 }
 
 Page childPage(CloudDriverDb& lists, const std::string& parentId, std::int64_t folders, std::int64_t files,

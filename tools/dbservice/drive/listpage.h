@@ -1,15 +1,11 @@
 #pragma once
 
+#include "command.h"
 #include "databaseservice/clouddriverdb.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-class Option;
-} // namespace CLI
 
 namespace dbservice {
 
@@ -22,8 +18,9 @@ struct PageOptions {
     unsigned count = 100;
 };
 
-/// Adds --offset, --count and --sort to a command and gives back the last of them.
-CLI::Option* addPageOptions(CLI::App& command, PageOptions& options);
+/// The options --offset, --count and --sort.
+Arguments pageOptions();
+inline constexpr const char* sortOption = "--sort";
 
 struct Page {
     std::vector<DatabaseService::DriveDataTable> rows;

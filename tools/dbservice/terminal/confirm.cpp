@@ -1,21 +1,19 @@
 #include "terminal/confirm.h"
 
 #include "platform/terminal.h"
-#include "stores/session.h"
 #include "terminal/failure.h"
-
-#include <CLI/CLI.hpp>
+#include "terminal/reporter.h"
 
 #include <iostream>
 
 namespace dbservice {
 
-void addYes(CLI::App& command, bool& yes)
+About yesFlag()
 {
-    command.add_flag("--yes", yes, "Do not ask");
+    return {"--yes", "Do not ask"};
 }
 
-void confirm(Session& session, const std::string& question, bool yes)
+void confirm(Reporter& reporter, const std::string& question, bool yes)
 {
     if (yes) {
         return;
@@ -23,7 +21,7 @@ void confirm(Session& session, const std::string& question, bool yes)
     if (!platform::isTerminal(platform::Stream::Input)) {
         throw Failure("cannot ask whether to go on, since there is no terminal; --yes goes on without", wrongUsage);
     }
-    session.reporter().ask(question + " [y/N]");
+    reporter.ask(question + " [y/N]");
     std::string answer;
     std::getline(std::cin, answer);
     if (answer != "y" && answer != "Y" && answer != "yes") {

@@ -1,20 +1,18 @@
 #pragma once
 
-#include <string>
+#include "command.h"
 
-namespace CLI {
-class App;
-}
+#include <string>
 
 namespace dbservice {
 
-class Session;
+class Reporter;
 
-/// Adds --yes to a command that asks before it acts.
-void addYes(CLI::App& command, bool& yes);
+/// The flag --yes of a command that asks before it acts.
+About yesFlag();
 
 /// Returns only if the person agrees: in advance, with `yes`, or when asked on the terminal. Throws a `Failure`
 /// otherwise; where nobody can be asked it is one of wrong usage.
-void confirm(Session& session, const std::string& question, bool yes);
+void confirm(Reporter& reporter, const std::string& question, bool yes);
 
 } // namespace dbservice

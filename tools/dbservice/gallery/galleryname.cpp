@@ -1,21 +1,13 @@
-#include "textarguments.h"
+#include "gallery/galleryname.h"
 
 #include "platform/namecompare.h"
-#include "platform/text.h"
 #include "stores/session.h"
-
-#include <CLI/CLI.hpp>
 
 #include <string_view>
 
 namespace dbservice {
 
 namespace {
-
-std::string refuseInvalid(const std::string& text)
-{
-    return platform::isUtf8(text) ? "" : "is not UTF-8";
-}
 
 /// A file of that name would be another store's, on some systems at least, or what SQLite takes for its journal.
 std::string refuseUnfitName(const std::string& name)
@@ -38,16 +30,11 @@ std::string refuseUnfitName(const std::string& name)
 
 } // namespace
 
-CLI::Option* addText(CLI::App& command, const std::string& name, std::string& text, const std::string& description)
+About galleryName(bool required)
 {
-    return command.add_option(name, text, description)->check(refuseInvalid);
-}
-
-CLI::Option* addGalleryName(CLI::App& command, std::string& name)
-{
-    return addText(command, "--gallery", name, "The gallery's file in the store's folder; the client chooses its name")
-        ->check(refuseUnfitName)
-        ->type_name("NAME");
+    return {"--gallery",
+            "The gallery's file in the store's folder; the client chooses its name",
+            {.required = required, .type = "NAME", .checks = {refuseInvalid, refuseUnfitName}}};
 }
 
 } // namespace dbservice
