@@ -1,7 +1,7 @@
 #pragma once
 
 #include "databaseservice/databaseoperationbase.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
 
 #include <string>
 #include <utility>

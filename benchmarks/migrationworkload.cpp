@@ -2,10 +2,10 @@
 
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/databaseservice.h"
-#include "databaseservice/gallerycolumns.h"
 #include "databaseservice/gallerydbprovider.h"
-#include "databaseservice/legacycolumns.h"
 #include "databaseservice/legacyrecords.h"
+#include "databaseservice/tables/gallerycolumns.h"
+#include "databaseservice/tables/legacycolumns.h"
 #include "databaseservice/v10.h"
 #include "expertcells.h"
 #include "migration/legacymigration.h"

@@ -1,9 +1,9 @@
 #include "storetables.h"
 
-#include "databaseservice/gallerycolumns.h"
 #include "databaseservice/gallerydbprovider.h"
-#include "databaseservice/maincolumns.h"
 #include "databaseservice/maindatabaseprovider.h"
+#include "databaseservice/tables/gallerycolumns.h"
+#include "databaseservice/tables/maincolumns.h"
 #include "enginetable.h"
 #include "random.h"
 

@@ -1,7 +1,7 @@
 #include "transfertables.h"
 
+#include "databaseservice/tables/transfercolumns.h"
 #include "databaseservice/transdbconnthread.h"
-#include "databaseservice/transfercolumns.h"
 #include "platform/text.h"
 #include "random.h"
 

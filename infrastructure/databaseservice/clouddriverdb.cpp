@@ -1,10 +1,10 @@
 #include "databaseservice/clouddriverdb.h"
 
 #include "clientservices/globalparamwrapper.h"
-#include "databaseservice/addresses.h"
-#include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/handover/addresses.h"
 #include "databaseservice/korvlog.h"
+#include "databaseservice/tables/drivecolumns.h"
 
 #include <array>
 #include <cinttypes>

@@ -1,7 +1,7 @@
 #include "databaseservice/commonsqlitedb.h"
 
-#include "databaseservice/addresses.h"
-#include "databaseservice/keepconnection.h"
+#include "databaseservice/engine/keepconnection.h"
+#include "databaseservice/handover/addresses.h"
 #include "databaseservice/korvlog.h"
 #include "platform/text.h"
 

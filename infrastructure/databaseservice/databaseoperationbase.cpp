@@ -2,14 +2,14 @@
 
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
-#include "databaseservice/cellreader.h"
-#include "databaseservice/firstcell.h"
-#include "databaseservice/keepconnection.h"
-#include "databaseservice/parameterlistsource.h"
-#include "databaseservice/parameterwriter.h"
-#include "databaseservice/rowsink.h"
-#include "databaseservice/scopeexit.h"
+#include "databaseservice/engine/cellreader.h"
+#include "databaseservice/engine/firstcell.h"
+#include "databaseservice/engine/keepconnection.h"
+#include "databaseservice/engine/parameterlistsource.h"
+#include "databaseservice/engine/parameterwriter.h"
+#include "databaseservice/engine/rowsink.h"
 #include "platform/paths.h"
+#include "platform/scopeexit.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -113,7 +113,7 @@ DatabaseOperationBase::Opened DatabaseOperationBase::OpenDatabase(sqlite3*& db, 
                        L"; error message = " + message);
         return Opened::Failed;
     }
-    ScopeExit closeUnlessTaken([&] { CloseDatabase(handle); });
+    platform::ScopeExit closeUnlessTaken([&] { CloseDatabase(handle); });
     AfterOpen(handle);
     db = std::exchange(handle, nullptr);
     return Opened::Yes;
@@ -256,7 +256,7 @@ bool DatabaseOperationBase::Execute(sqlite3* db, sqlite3_stmt* stmt, const std::
             keepConnection(closing, m_databaseName, "could not be closed");
         }
     };
-    ScopeExit unwind([&] {
+    platform::ScopeExit unwind([&] {
         sqlite3_finalize(ownStmt);
         closeOwn();
     });

@@ -1,6 +1,6 @@
 #include "databaseservice/databasequeryresult.h"
 
-#include "databaseservice/leadinginteger.h"
+#include "platform/leadinginteger.h"
 #include "platform/text.h"
 
 namespace DatabaseService {
@@ -26,7 +26,7 @@ int64 DatabaseQueryResult::GetInt()
 {
     int64 number = 0;
     if (std::wstring text; GetValue(text)) {
-        number = leadingInteger(std::wstring_view(text));
+        number = platform::leadingInteger(std::wstring_view(text));
     } else {
         GetValue(number);
     }

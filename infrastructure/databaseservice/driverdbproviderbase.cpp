@@ -1,6 +1,6 @@
 #include "databaseservice/driverdbproviderbase.h"
 
-#include "databaseservice/drivecolumns.h"
+#include "databaseservice/tables/drivecolumns.h"
 #include "platform/namecompare.h"
 
 #include <array>

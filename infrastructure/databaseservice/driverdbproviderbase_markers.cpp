@@ -1,6 +1,6 @@
-#include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/tables/drivecolumns.h"
 
 namespace DatabaseService {
 

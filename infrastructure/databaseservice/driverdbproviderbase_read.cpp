@@ -1,10 +1,10 @@
-#include "databaseservice/addresses.h"
-#include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
-#include "databaseservice/firstcell.h"
-#include "databaseservice/parameterlistsource.h"
-#include "databaseservice/recordio.h"
-#include "databaseservice/scopeexit.h"
+#include "databaseservice/engine/firstcell.h"
+#include "databaseservice/engine/parameterlistsource.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/handover/addresses.h"
+#include "databaseservice/tables/drivecolumns.h"
+#include "platform/scopeexit.h"
 #include "platform/text.h"
 
 #include <utility>
@@ -138,12 +138,12 @@ void DriverDBProviderBase::WithStatement(const std::string& sql, const std::func
     if (db == nullptr) {
         return;
     }
-    const ScopeExit close([&] { CloseDatabase(db); });
+    const platform::ScopeExit close([&] { CloseDatabase(db); });
     sqlite3_stmt* const statement = PrepareSql(db, sql);
     if (statement == nullptr) {
         return;
     }
-    const ScopeExit finalize([&] { FinalizeStatment(statement); });
+    const platform::ScopeExit finalize([&] { FinalizeStatment(statement); });
     use(statement);
 }
 

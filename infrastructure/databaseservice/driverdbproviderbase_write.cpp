@@ -1,7 +1,7 @@
-#include "databaseservice/drivecolumns.h"
 #include "databaseservice/driverdbproviderbase.h"
-#include "databaseservice/nullrecords.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/handover/nullrecords.h"
+#include "databaseservice/tables/drivecolumns.h"
 
 namespace DatabaseService {
 

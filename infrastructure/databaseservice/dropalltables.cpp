@@ -2,7 +2,7 @@
 
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
 #include "databaseservice/unnamedfiles.h"
 #include "platform/files.h"
 #include "platform/text.h"

@@ -2,8 +2,8 @@
 
 #include "clientservices/cloudlogger.h"
 #include "databaseservice/fastaccessdbprovider.h"
-#include "databaseservice/modulemessages.h"
-#include "databaseservice/neverdestroyed.h"
+#include "databaseservice/handover/modulemessages.h"
+#include "platform/neverdestroyed.h"
 
 #include <memory>
 #include <utility>
@@ -23,7 +23,7 @@ void log(int line, const char* function, const char* message)
 // costs a small allocation, and only once the thread is gone. The leak check knows this function by its name.
 template <class Payload> void leaveAllocated(std::unique_ptr<Payload> payload)
 {
-    neverDestroyed(std::move(payload));
+    platform::neverDestroyed(std::move(payload));
 }
 
 template <class Payload>

@@ -2,9 +2,9 @@
 
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
-#include "databaseservice/addresses.h"
-#include "databaseservice/fastaccesscolumns.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/handover/addresses.h"
+#include "databaseservice/tables/fastaccesscolumns.h"
 #include "platform/files.h"
 #include "platform/text.h"
 

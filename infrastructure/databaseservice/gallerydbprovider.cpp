@@ -1,8 +1,8 @@
 #include "databaseservice/gallerydbprovider.h"
 
 #include "databaseservice/databaseoperationbase.h"
-#include "databaseservice/gallerycolumns.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/tables/gallerycolumns.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "databaseservice/keptconnections.h"
 
-#include "databaseservice/keepconnection.h"
+#include "databaseservice/engine/keepconnection.h"
 #include "platform/text.h"
 
 #include <mutex>

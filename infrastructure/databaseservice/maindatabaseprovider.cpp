@@ -2,7 +2,7 @@
 
 #include "databaseservice/cachefiles.h"
 #include "databaseservice/maindatabaseproviderbase.h"
-#include "databaseservice/neverdestroyed.h"
+#include "platform/neverdestroyed.h"
 
 #include <utility>
 
@@ -13,7 +13,7 @@ namespace {
 // Never deleted: it is there for calls that come while the process ends.
 MainDatabaseProviderBase& provider()
 {
-    static auto& instance = neverDestroyed(MainDatabaseProviderBase(L"main.dat"));
+    static auto& instance = platform::neverDestroyed(MainDatabaseProviderBase(L"main.dat"));
     return instance;
 }
 

@@ -1,7 +1,7 @@
 #include "databaseservice/maindatabaseproviderbase.h"
 
 #include "databaseservice/cachefiles.h"
-#include "databaseservice/maincolumns.h"
+#include "databaseservice/tables/maincolumns.h"
 
 namespace DatabaseService {
 

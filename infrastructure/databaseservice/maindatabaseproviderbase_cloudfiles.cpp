@@ -1,6 +1,6 @@
-#include "databaseservice/maincolumns.h"
+#include "databaseservice/engine/recordio.h"
 #include "databaseservice/maindatabaseproviderbase.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/tables/maincolumns.h"
 
 #include <utility>
 

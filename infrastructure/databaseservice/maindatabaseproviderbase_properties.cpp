@@ -1,7 +1,6 @@
-#include "databaseservice/firstcell.h"
-#include "databaseservice/maincolumns.h"
+#include "databaseservice/engine/firstcell.h"
 #include "databaseservice/maindatabaseproviderbase.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/tables/maincolumns.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 

@@ -1,8 +1,8 @@
 #include "databaseservice/maindbsqlprovider.h"
 
 #include "clientservices/cloudlogger.h"
-#include "databaseservice/keepconnection.h"
-#include "databaseservice/maincolumns.h"
+#include "databaseservice/engine/keepconnection.h"
+#include "databaseservice/tables/maincolumns.h"
 
 #include <algorithm>
 #include <array>

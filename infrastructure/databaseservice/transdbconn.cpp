@@ -1,6 +1,6 @@
 #include "databaseservice/transdbconn.h"
 
-#include "databaseservice/nullrecords.h"
+#include "databaseservice/handover/nullrecords.h"
 #include "databaseservice/transdbconnthread.h"
 
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "databaseservice/transdbconnthread.h"
 
-#include "databaseservice/transfercolumns.h"
+#include "databaseservice/tables/transfercolumns.h"
 
 namespace DatabaseService::TransmissionDB {
 

@@ -1,7 +1,7 @@
-#include "databaseservice/nullrecords.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/handover/nullrecords.h"
+#include "databaseservice/tables/transfercolumns.h"
 #include "databaseservice/transdbconnthread.h"
-#include "databaseservice/transfercolumns.h"
 
 #include <utility>
 

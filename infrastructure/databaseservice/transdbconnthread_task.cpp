@@ -1,7 +1,7 @@
-#include "databaseservice/addresses.h"
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/handover/addresses.h"
+#include "databaseservice/tables/transfercolumns.h"
 #include "databaseservice/transdbconnthread.h"
-#include "databaseservice/transfercolumns.h"
 
 #include <cstdint>
 #include <string_view>

@@ -1,9 +1,10 @@
 #include "databaseservice/transmissiondbmodule.h"
 
+#include "databaseservice/handover/modulemessages.h"
+#include "databaseservice/handover/nullrecords.h"
 #include "databaseservice/korvlog.h"
-#include "databaseservice/modulemessages.h"
-#include "databaseservice/nullrecords.h"
 #include "databaseservice/transdbconnthread.h"
+#include "platform/neverdestroyed.h"
 
 #include <type_traits>
 #include <utility>

@@ -2,11 +2,11 @@
 
 #include "clientservices/cloudlogger.h"
 #include "databaseservice/datamigrationdb.h"
-#include "databaseservice/keepconnection.h"
-#include "databaseservice/legacycolumns.h"
-#include "databaseservice/recordio.h"
-#include "databaseservice/scopeexit.h"
+#include "databaseservice/engine/keepconnection.h"
+#include "databaseservice/engine/recordio.h"
+#include "databaseservice/tables/legacycolumns.h"
 #include "platform/paths.h"
+#include "platform/scopeexit.h"
 #include "platform/text.h"
 
 #include <algorithm>

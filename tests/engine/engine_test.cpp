@@ -1,8 +1,8 @@
 // The engine: every way into it, what it runs, what it logs and what it leaves behind.
 
-#include "databaseservice/cellreader.h"
+#include "databaseservice/engine/cellreader.h"
+#include "databaseservice/engine/recordio.h"
 #include "databaseservice/keptconnections.h"
-#include "databaseservice/recordio.h"
 #include "support/enginelines.h"
 #include "support/faultydisk.h"
 #include "support/observed.h"

@@ -1,7 +1,7 @@
 // Values go in and rows come out in two ways: through parameter and result objects, and straight between records and
 // the statement. Nobody can tell them apart: same answers, log lines and file, same records.
 
-#include "databaseservice/recordio.h"
+#include "databaseservice/engine/recordio.h"
 #include "support/observed.h"
 #include "support/storetest.h"
 

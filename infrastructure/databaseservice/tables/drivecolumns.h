@@ -3,7 +3,7 @@
 #include "databaseservice/driveconftable.h"
 #include "databaseservice/drivedatatable.h"
 #include "databaseservice/drivefulltask.h"
-#include "databaseservice/recordcolumns.h"
+#include "databaseservice/engine/recordcolumns.h"
 
 namespace DatabaseService {
 

@@ -2,7 +2,7 @@
 
 #include "databaseservice/carditems.h"
 #include "databaseservice/cloudfiletable.h"
-#include "databaseservice/recordcolumns.h"
+#include "databaseservice/engine/recordcolumns.h"
 #include "databaseservice/userlog.h"
 #include "databaseservice/userproperties.h"
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace DatabaseService {
+namespace platform {
 
 /// Runs an action at the end of its scope, however the scope is left.
 template <class Action> class ScopeExit {
@@ -16,4 +16,4 @@ private:
     Action m_action;
 };
 
-} // namespace DatabaseService
+} // namespace platform

@@ -1,23 +1,22 @@
 #pragma once
 
-#include "databaseservice/integers.h"
-
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
-namespace DatabaseService {
+namespace platform {
 
 /// The number without its fraction. What is beyond 64 bits becomes the nearest limit; what is no number becomes 0.
-inline int64 wholeNumber(double value) noexcept
+inline std::int64_t wholeNumber(double value) noexcept
 {
     constexpr double beyond = 9223372036854775808.0; // the first number above the limit, which no `double` meets itself
     if (std::isnan(value)) {
         return 0;
     }
     if (value >= beyond) {
-        return std::numeric_limits<int64>::max();
+        return std::numeric_limits<std::int64_t>::max();
     }
-    return value < -beyond ? std::numeric_limits<int64>::min() : static_cast<int64>(value);
+    return value < -beyond ? std::numeric_limits<std::int64_t>::min() : static_cast<std::int64_t>(value);
 }
 
-} // namespace DatabaseService
+} // namespace platform

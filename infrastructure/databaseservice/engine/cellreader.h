@@ -1,7 +1,7 @@
 #pragma once
 
 #include "databaseservice/integers.h"
-#include "databaseservice/leadinginteger.h"
+#include "platform/leadinginteger.h"
 #include "platform/text.h"
 
 #include <cstring>
@@ -70,7 +70,7 @@ public:
         case Kind::Integer:
             return integer();
         case Kind::Text:
-            return leadingInteger(text());
+            return platform::leadingInteger(text());
         case Kind::None:
             break;
         }

@@ -1,6 +1,6 @@
-#include "databaseservice/parameterlistsource.h"
+#include "databaseservice/engine/parameterlistsource.h"
 
-#include "databaseservice/parameterwriter.h"
+#include "databaseservice/engine/parameterwriter.h"
 
 namespace DatabaseService {
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace DatabaseService {
+namespace platform {
 
 struct LeadingReal {
     enum class Kind { None, Number, OutOfRange };
@@ -20,4 +20,4 @@ LeadingReal leadingReal(std::string_view text) noexcept;
 /// `std::out_of_range` with "stod argument out of range". Whose library it is makes no difference to type and text.
 double requiredReal(std::string_view text);
 
-} // namespace DatabaseService
+} // namespace platform

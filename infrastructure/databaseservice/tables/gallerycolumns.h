@@ -1,7 +1,7 @@
 #pragma once
 
+#include "databaseservice/engine/recordcolumns.h"
 #include "databaseservice/gallerytables.h"
-#include "databaseservice/recordcolumns.h"
 
 #include <array>
 #include <string_view>

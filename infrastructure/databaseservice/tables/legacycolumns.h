@@ -1,8 +1,8 @@
 #pragma once
 
-#include "databaseservice/leadingreal.h"
+#include "databaseservice/engine/recordcolumns.h"
 #include "databaseservice/legacyrecords.h"
-#include "databaseservice/recordcolumns.h"
+#include "platform/leadingreal.h"
 
 #include <algorithm>
 #include <array>
@@ -18,13 +18,13 @@ template <auto Member> void readReal(typename MemberTraits<Member>::Record& reco
 {
     static_assert(std::numeric_limits<float>::is_iec559, "what does not fit becomes infinite");
     const std::string_view text = cells.next() == CellReader::Kind::Text ? cells.text() : std::string_view();
-    record.*Member = static_cast<float>(leadingReal(text).value);
+    record.*Member = static_cast<float>(platform::leadingReal(text).value);
 }
 
 /// Throws where there is no number.
 template <auto Member> void readTime(typename MemberTraits<Member>::Record& record, CellReader& cells)
 {
-    record.*Member = requiredReal(cells.next() == CellReader::Kind::Text ? cells.text() : std::string_view());
+    record.*Member = platform::requiredReal(cells.next() == CellReader::Kind::Text ? cells.text() : std::string_view());
 }
 
 /// A column of numbers with a fraction, whose cells are text as SQLite renders them. No number reads as 0.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "clientservices/msgthreadability.h"
-#include "databaseservice/addresses.h"
+#include "databaseservice/handover/addresses.h"
 
 #include <cstdint>
 #include <initializer_list>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "databaseservice/databaseoperationbase.h"
-#include "databaseservice/elementsource.h"
-#include "databaseservice/recordcolumns.h"
-#include "databaseservice/rowsink.h"
+#include "databaseservice/engine/elementsource.h"
+#include "databaseservice/engine/recordcolumns.h"
+#include "databaseservice/engine/rowsink.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "databaseservice/recordcolumns.h"
+#include "databaseservice/engine/recordcolumns.h"
 #include "databaseservice/transferrecords.h"
 
 namespace DatabaseService::TransmissionDB {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "databaseservice/cellreader.h"
+#include "databaseservice/engine/cellreader.h"
+#include "databaseservice/engine/parameterwriter.h"
 #include "databaseservice/integers.h"
-#include "databaseservice/neverdestroyed.h"
-#include "databaseservice/parameterwriter.h"
-#include "databaseservice/wholenumber.h"
+#include "platform/neverdestroyed.h"
+#include "platform/wholenumber.h"
 
 #include <array>
 #include <cstddef>
@@ -19,6 +19,8 @@
 /// behind it and the groups that it belongs to. Every statement's text, its parameters and the order of reading come
 /// from there.
 namespace DatabaseService {
+
+using platform::neverDestroyed; // statements are built once and kept
 
 template <class Record> using BindMember = bool (*)(const Record&, ParameterWriter&, int index);
 
@@ -51,7 +53,7 @@ template <class R, class T, T R::*Member> struct MemberTraits<Member> {
 template <class T> bool bindValue(const T& value, ParameterWriter& parameters, int index)
 {
     if constexpr (std::is_floating_point_v<T>) {
-        return parameters.bind(index, wholeNumber(value));
+        return parameters.bind(index, platform::wholeNumber(value));
     } else if constexpr (std::is_integral_v<T>) {
         return parameters.bind(index, static_cast<int64>(value));
     } else {
@@ -100,7 +102,7 @@ template <auto Member> void assignMember(typename MemberTraits<Member>::Record& 
 {
     using Type = typename MemberTraits<Member>::Type;
     if constexpr (std::is_integral_v<Type>) {
-        record.*Member = static_cast<Type>(leadingInteger(std::string_view(text)));
+        record.*Member = static_cast<Type>(platform::leadingInteger(std::string_view(text)));
     } else {
         record.*Member = text;
     }

@@ -1,6 +1,6 @@
-#include "databaseservice/leadingreal.h"
+#include "platform/leadingreal.h"
 
-#include "databaseservice/leadinginteger.h"
+#include "platform/leadinginteger.h"
 
 #include <algorithm>
 #include <charconv>
@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 
-namespace DatabaseService {
+namespace platform {
 
 namespace {
 
@@ -78,4 +78,4 @@ double requiredReal(std::string_view text)
     return number.value;
 }
 
-} // namespace DatabaseService
+} // namespace platform

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace DatabaseService {
+namespace platform {
 
 /// What is built once, such as a statement, for as long as the process lives: threads may still need it while static
 /// objects are destroyed.
@@ -11,4 +11,4 @@ template <class Value> Value& neverDestroyed(Value value)
     return *new Value(std::move(value));
 }
 
-} // namespace DatabaseService
+} // namespace platform

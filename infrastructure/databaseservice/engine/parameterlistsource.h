@@ -1,7 +1,7 @@
 #pragma once
 
 #include "databaseservice/databasebindparameter.h"
-#include "databaseservice/elementsource.h"
+#include "databaseservice/engine/elementsource.h"
 
 #include <list>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "databaseservice/cellreader.h"
-#include "databaseservice/leadinginteger.h"
-#include "databaseservice/rowsink.h"
+#include "databaseservice/engine/cellreader.h"
+#include "databaseservice/engine/rowsink.h"
+#include "platform/leadinginteger.h"
 
 #include <string>
 #include <string_view>
