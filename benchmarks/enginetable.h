@@ -24,12 +24,12 @@ public:
 
     bool InitDatabase() override { return true; }
 
-    void insert(const std::vector<Record>& records) { WriteRecords(m_insert, records); }
+    void insert(const std::vector<Record>& records) { writeRecords(*this, m_insert, records); }
 
     std::vector<Record> readAll()
     {
         std::vector<Record> records;
-        ReadRecords(m_select, nullptr, m_columns, records);
+        readRecords(*this, m_select, nullptr, m_columns, records);
         return records;
     }
 

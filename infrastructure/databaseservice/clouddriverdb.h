@@ -103,19 +103,19 @@ protected:
     void OpenAfter(sqlite3* db) override;
 
 private:
-    bool QueryChildren(const std::string& parentId, const char* kind, int offset, int count, CLOUD_DB_SORT_TYPE sort,
-                       std::vector<DriveDataTable>& out);
-    void Collect(const std::string& sql, std::vector<DriveDataTable>& out);
-    int64 Count(const std::string& conditions);
-    int64 CountChildren(const std::string& parentId, const char* kind);
-    void AddDisplayQuery(std::string& sql);
-    void AddLimitQuery(std::string& sql, int offset, int count);
-    void AddSortTypeQuery(std::string& sql, CLOUD_DB_SORT_TYPE sort);
-    void InitFieldFromDbStep1(sqlite3_stmt*& statement, DriveDataTable& record, int& column);
-    void InitFieldFromDbStep2(sqlite3_stmt*& statement, DriveDataTable& record, int& column);
-    void GetAllResult(sqlite3_stmt*& statement, int64 context);
-    void GetFolderResult(sqlite3_stmt*& statement, int64 context);
-    int64 GetRecycleMaxValidTime() const;
+    DATABASESERVICE_NO_EXPORT bool QueryChildren(const std::string& parentId, const char* kind, int offset, int count,
+                                                 CLOUD_DB_SORT_TYPE sort, std::vector<DriveDataTable>& out);
+    DATABASESERVICE_NO_EXPORT void Collect(const std::string& sql, std::vector<DriveDataTable>& out);
+    DATABASESERVICE_NO_EXPORT int64 Count(const std::string& conditions);
+    DATABASESERVICE_NO_EXPORT int64 CountChildren(const std::string& parentId, const char* kind);
+    DATABASESERVICE_NO_EXPORT void AddDisplayQuery(std::string& sql);
+    DATABASESERVICE_NO_EXPORT void AddLimitQuery(std::string& sql, int offset, int count);
+    DATABASESERVICE_NO_EXPORT void AddSortTypeQuery(std::string& sql, CLOUD_DB_SORT_TYPE sort);
+    DATABASESERVICE_NO_EXPORT void InitFieldFromDbStep1(sqlite3_stmt*& statement, DriveDataTable& record, int& column);
+    DATABASESERVICE_NO_EXPORT void InitFieldFromDbStep2(sqlite3_stmt*& statement, DriveDataTable& record, int& column);
+    DATABASESERVICE_NO_EXPORT void GetAllResult(sqlite3_stmt*& statement, int64 context);
+    DATABASESERVICE_NO_EXPORT void GetFolderResult(sqlite3_stmt*& statement, int64 context);
+    DATABASESERVICE_NO_EXPORT int64 GetRecycleMaxValidTime() const;
 };
 
 } // namespace DatabaseService

@@ -62,12 +62,12 @@ protected:
     virtual void CloseBefore(sqlite3* db);
 
 private:
-    struct Connection;
+    struct DATABASESERVICE_NO_EXPORT Connection;
 
-    sqlite3* handle() const;
-    sqlite3_stmt* PreCompile(const char* sql);
-    void GetQueryResult(sqlite3_stmt*& statement, int64 context);
-    void LogoutDbError(const char* title, int code) const;
+    DATABASESERVICE_NO_EXPORT sqlite3* handle() const;
+    DATABASESERVICE_NO_EXPORT sqlite3_stmt* PreCompile(const char* sql);
+    DATABASESERVICE_NO_EXPORT void GetQueryResult(sqlite3_stmt*& statement, int64 context);
+    DATABASESERVICE_NO_EXPORT void LogoutDbError(const char* title, int code) const;
 
     std::shared_ptr<Connection> m_connection;
     int m_busyTimeout;

@@ -6,17 +6,13 @@
 
 #include <list>
 #include <string>
-#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
 
 namespace DatabaseService {
 
-class ElementSource;
-class RowSink;
-template <class Record> class ColumnList;
-template <class Record> struct Statement;
+struct UnitOfWork;
 
 /// The engine under every store: turns one call into one unit of work on the store's file, which is open, prepare,
 /// begin, bind and step, read, finalize, commit, close. It knows the file's name below the user's database folder
@@ -108,35 +104,11 @@ protected:
     bool Query(sqlite3* db, sqlite3_stmt* stmt, std::list<DatabaseQueryResult*>*& rows);
     bool Query(sqlite3* db, sqlite3_stmt* stmt, DatabaseBindParameter& bind, std::list<DatabaseQueryResult*>*& rows);
 
-    /// The one worker behind every overload above, open to the library's own providers: values come from `elements`
-    /// and rows go to `rows`, either of which may be null. A null `db` or `stmt` means one of the call's own.
-    /// With `rows` the call is a query. What the log shows and the file holds is the same whoever feeds it.
-    bool Execute(sqlite3* db, sqlite3_stmt* stmt, const std::string& sql, ElementSource* elements, RowSink* rows);
-
-    /// For the library's own providers: a batch straight from its records, and rows straight into records, which are
-    /// appended. `elements` may be null.
-    template <class Record, class Element>
-    bool WriteRecords(const Statement<Record>& statement, const std::vector<Element>& records);
-    template <class Record, class Element>
-    bool ReadRecords(const std::string& sql, ElementSource* elements, const ColumnList<Record>& columns,
-                     std::vector<Element>& records);
-    /// The first cell of the first row as a number; 0 without one.
-    int64 ReadNumber(const std::string& sql, ElementSource* elements = nullptr);
-
 private:
-    enum class Opened { Yes, Failed, NoHandle };
+    class DATABASESERVICE_NO_EXPORT Worker;
 
-    Opened OpenDatabase(sqlite3*& db, int flags);
-    bool BeginReadTransaction(sqlite3* db);
-    bool BeginReadWriteTransaction(sqlite3* db);
-    bool CommitTransaction(sqlite3* db);
-    bool ExecuteSql(sqlite3* db, const std::string& sql);
-    bool BindParameter(sqlite3* db, ElementSource& element, sqlite3_stmt* stmt, bool ownStatement);
-    static bool ResetStatment(sqlite3_stmt* stmt);
-    static int StepStatment(sqlite3_stmt* stmt);
-    static void GetQueryResult(sqlite3_stmt* stmt, RowSink& rows, int code);
-    bool QueryRows(sqlite3* db, sqlite3_stmt* stmt, const std::string& sql, const DatabaseBindParameter* bind,
-                   std::list<DatabaseQueryResult*>*& rows);
+    // The library's own operations come in here; the headers for that are not installed.
+    friend bool run(DatabaseOperationBase& store, const UnitOfWork& work);
 
     std::wstring m_databaseName;
 };

@@ -1,3 +1,4 @@
+// The library's own: not installed.
 #pragma once
 
 #include "databaseservice/databaseoperationbase.h"
@@ -14,8 +15,6 @@ public:
     /// Opens the file at a whole path whose folders end in `\`, on every system; creates it when it is missing, and the
     /// folder that it lies in, too, if that is all that is missing. Null, and a line in the log, on failure.
     sqlite3* OpenLegacyDatabase(const std::wstring& path);
-
-    using DatabaseOperationBase::Execute;
 
 private:
     std::wstring m_legacyPath;

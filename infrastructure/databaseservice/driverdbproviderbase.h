@@ -226,10 +226,10 @@ protected:
     void AfterOpen(sqlite3* db) override;
 
 private:
-    void CreateDriveFullTaskTable();
-    void CreateDriveConfTable();
-    void CreateDriveDataTable();
-    void WithStatement(const std::string& sql, const std::function<void(sqlite3_stmt*)>& use);
+    DATABASESERVICE_NO_EXPORT void CreateDriveFullTaskTable();
+    DATABASESERVICE_NO_EXPORT void CreateDriveConfTable();
+    DATABASESERVICE_NO_EXPORT void CreateDriveDataTable();
+    DATABASESERVICE_NO_EXPORT void WithStatement(const std::string& sql, const std::function<void(sqlite3_stmt*)>& use);
 };
 
 } // namespace DatabaseService

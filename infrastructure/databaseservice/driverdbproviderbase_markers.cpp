@@ -36,7 +36,7 @@ bool DriverDBProviderBase::NewDirDriveDataById(const std::vector<DriveDataTable>
 {
     static const auto& update = neverDestroyed(
         updateStatement("UPDATE DriveDataTable", newFolderColumns, "WHERE fileId = :helpData;", helpDataKey));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
@@ -44,42 +44,42 @@ bool DriverDBProviderBase::UploadDriveDataById(const std::vector<DriveDataTable>
 {
     static const auto& update =
         neverDestroyed(updateStatement("UPDATE DriveDataTable", uploadColumns, "WHERE fileId = :fileId;", Drive::key));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::RenameDriveDataById(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(markerOf(renameColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::MoveDriveDataToParent(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(markerOf(moveColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::SoftDeleteDriveDataById(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(markerOf(softDeleteColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::HardDeleteDriveDataById(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(markerOf(hardDeleteColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::RestoreDriveDataById(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(markerOf(restoreColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 

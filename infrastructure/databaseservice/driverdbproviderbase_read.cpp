@@ -35,7 +35,7 @@ DriveDataTable DriverDBProviderBase::GetDriveDataById(std::string fileId)
         selectText(columnsWithoutKey, "FROM DriveDataTable WHERE fileId = :fileId ;"), ":fileId"));
     std::vector<DriveDataTable> rows;
     auto key = oneValue(select, fileId);
-    ReadRecords(select.sql, &key, columnsWithoutKey, rows);
+    readRecords(*this, select.sql, &key, columnsWithoutKey, rows);
     if (rows.empty()) {
         return {};
     }
@@ -47,7 +47,7 @@ std::vector<DriveDataTable> DriverDBProviderBase::GetALLDriveData()
 {
     static const auto& select = neverDestroyed(selectText(allColumns, "FROM DriveDataTable;"));
     std::vector<DriveDataTable> rows;
-    ReadRecords(select, nullptr, allColumns, rows);
+    readRecords(*this, select, nullptr, allColumns, rows);
     return rows;
 }
 
@@ -57,7 +57,7 @@ std::vector<DriveDataTable> DriverDBProviderBase::GetDriveDataByParentId(std::st
         selectText(allColumns, "FROM DriveDataTable WHERE parentId = :parentId;"), ":parentId"));
     std::vector<DriveDataTable> rows;
     auto parent = oneValue(select, parentId);
-    ReadRecords(select.sql, &parent, allColumns, rows);
+    readRecords(*this, select.sql, &parent, allColumns, rows);
     return rows;
 }
 
@@ -67,14 +67,14 @@ std::vector<DriveDataTable> DriverDBProviderBase::GetDriveDataByWhereSql(std::st
     std::vector<DriveDataTable> rows;
     std::list<DatabaseBindParameter> copy{bind};
     ParameterListSource values(copy);
-    ReadRecords(select + where, &values, allColumns, rows);
+    readRecords(*this, select + where, &values, allColumns, rows);
     return rows;
 }
 
 std::vector<std::shared_ptr<DriveDataTable>> DriverDBProviderBase::GetDriveDataByRawSQL(const std::string& sql)
 {
     std::vector<std::shared_ptr<DriveDataTable>> rows;
-    ReadRecords(sql, nullptr, allColumns, rows);
+    readRecords(*this, sql, nullptr, allColumns, rows);
     return rows;
 }
 
@@ -104,7 +104,7 @@ std::vector<std::string> DriverDBProviderBase::GetDriveDataNameByFieldId(const s
                 }
             });
             auto key = oneValue(select, id);
-            Execute(nullptr, statement, {}, &key, &first);
+            run(*this, {.stmt = statement, .elements = &key, .rows = &first});
         }
     });
     return names;
@@ -126,7 +126,7 @@ bool DriverDBProviderBase::CheckWhetherFileIdExistsInDriveData(const std::wstrin
     static const auto& parameter = neverDestroyed(statementOf<std::wstring>({}, ":fileId"));
     auto key = oneValue(parameter, id);
     FirstCell count;
-    Execute(nullptr, statement, {}, &key, &count);
+    run(*this, {.stmt = statement, .elements = &key, .rows = &count});
     return count.number() != 0;
 }
 
@@ -149,13 +149,13 @@ void DriverDBProviderBase::WithStatement(const std::string& sql, const std::func
 
 int DriverDBProviderBase::CountDriverData()
 {
-    return static_cast<int>(ReadNumber("SELECT COUNT(fileId) FROM DriveDataTable"));
+    return static_cast<int>(readNumber(*this, "SELECT COUNT(fileId) FROM DriveDataTable"));
 }
 
 int DriverDBProviderBase::GetCountBySelectSQL(std::string& sql)
 {
     FirstCell count;
-    Execute(nullptr, nullptr, sql, nullptr, &count);
+    run(*this, {.sql = sql, .rows = &count});
     return count.isText() ? -1 : static_cast<int>(count.number());
 }
 
@@ -179,7 +179,7 @@ bool DriverDBProviderBase::GetFolderSubFile(const std::string& parentId, std::ve
         cells.nextText(mimeType);
         (mimeType == DriveDataTable::folderMimeType ? folders : files).push_back(std::move(id));
     });
-    Execute(nullptr, nullptr, select.sql, &values, &sort);
+    run(*this, {.sql = select.sql, .elements = &values, .rows = &sort});
     return true;
 }
 
@@ -199,7 +199,7 @@ bool DriverDBProviderBase::GetSourcesFolder(const std::unordered_set<std::string
     });
     for (const std::string& source : sources) {
         auto key = oneValue(select, source);
-        Execute(nullptr, nullptr, select.sql, &key, &insert);
+        run(*this, {.sql = select.sql, .elements = &key, .rows = &insert});
     }
     return true;
 }
@@ -212,7 +212,7 @@ int DriverDBProviderBase::GetFilesChildNodeCount(const std::string& fileId)
         "DriveDataTable.parentId = items.fileId) SELECT COUNT(*) FROM items WHERE recycled = '0';",
         ":fileId"));
     auto key = oneValue(select, fileId);
-    return static_cast<int>(ReadNumber(select.sql, &key));
+    return static_cast<int>(readNumber(*this, select.sql, &key));
 }
 
 } // namespace DatabaseService

@@ -1,4 +1,5 @@
 #include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/engine/firstcell.h"
 #include "databaseservice/engine/recordio.h"
 #include "databaseservice/tables/drivecolumns.h"
 
@@ -23,19 +24,19 @@ template <class Value> Statement<std::pair<int, Value>> settingOf(const std::str
 void DriverDBProviderBase::InsertDriverConfItem(DriveConfTable& configuration)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO DriveConfTable (", configurationColumns));
-    WriteRecords(insert, std::vector{&configuration});
+    writeRecords(*this, insert, std::vector{&configuration});
 }
 
 int DriverDBProviderBase::CountDriverConfItem()
 {
-    return static_cast<int>(ReadNumber("SELECT COUNT(isFirstStart) FROM DriveConfTable;"));
+    return static_cast<int>(readNumber(*this, "SELECT COUNT(isFirstStart) FROM DriveConfTable;"));
 }
 
 std::pair<bool, DriveConfTable> DriverDBProviderBase::GetDriverConfItem()
 {
     static const auto& select = neverDestroyed(selectText(configurationColumns, "FROM DriveConfTable;"));
     std::vector<DriveConfTable> rows;
-    if (!ReadRecords(select, nullptr, configurationColumns, rows) || rows.empty()) {
+    if (!readRecords(*this, select, nullptr, configurationColumns, rows) || rows.empty()) {
         return {};
     }
     return {true, std::move(rows.front())};
@@ -44,74 +45,74 @@ std::pair<bool, DriveConfTable> DriverDBProviderBase::GetDriverConfItem()
 int DriverDBProviderBase::UpdateIsFirstStartInDriverConf(int id, int value)
 {
     static const auto& update = neverDestroyed(settingOf<int>("isFirstStart"));
-    return WriteRecords(update, std::vector{std::pair(id, value)}) ? 1 : 0;
+    return writeRecords(*this, update, std::vector{std::pair(id, value)}) ? 1 : 0;
 }
 
 bool DriverDBProviderBase::UpdateIsFirstStartInDriverConfV2(int id, int value)
 {
     static const auto& update = neverDestroyed(settingOf<int>("isFirstStart"));
-    WriteRecords(update, std::vector{std::pair(id, value)});
+    writeRecords(*this, update, std::vector{std::pair(id, value)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateRootFileIdInDriverConf(int id, const std::string& fileId)
 {
     static const auto& update = neverDestroyed(settingOf<std::string>("rootFileId"));
-    WriteRecords(update, std::vector{std::pair(id, fileId)});
+    writeRecords(*this, update, std::vector{std::pair(id, fileId)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateLastFullSyncTimestampInDriverConf(int id, const int64& timestamp)
 {
     static const auto& update = neverDestroyed(settingOf<int64>("lastFullSyncTimestamp"));
-    return WriteRecords(update, std::vector{std::pair(id, timestamp)});
+    return writeRecords(*this, update, std::vector{std::pair(id, timestamp)});
 }
 
 bool DriverDBProviderBase::UpdateLastAutomaticSyncTimestampInDriverConf(int id, const int64& timestamp)
 {
     static const auto& update = neverDestroyed(settingOf<int64>("lastAutomaticSyncTimestamp"));
-    WriteRecords(update, std::vector{std::pair(id, timestamp)});
+    writeRecords(*this, update, std::vector{std::pair(id, timestamp)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateLastSubscribeTimestampInDriverConf(int id, const int64& timestamp)
 {
     static const auto& update = neverDestroyed(settingOf<int64>("lastSubscribeTimestamp"));
-    WriteRecords(update, std::vector{std::pair(id, timestamp)});
+    writeRecords(*this, update, std::vector{std::pair(id, timestamp)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateStartCursorInDriverConf(int id, const std::string& cursor)
 {
     static const auto& update = neverDestroyed(settingOf<std::string>("startCursor"));
-    WriteRecords(update, std::vector{std::pair(id, cursor)});
+    writeRecords(*this, update, std::vector{std::pair(id, cursor)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateFullSyncIntervalInDriverConf(int id, const int64& interval)
 {
     static const auto& update = neverDestroyed(settingOf<int64>("fullSyncInterval"));
-    WriteRecords(update, std::vector{std::pair(id, interval)});
+    writeRecords(*this, update, std::vector{std::pair(id, interval)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateAutomaticSyncIntervalInDriverConf(int id, const int64& interval)
 {
     static const auto& update = neverDestroyed(settingOf<int64>("automaticSyncInterval"));
-    WriteRecords(update, std::vector{std::pair(id, interval)});
+    writeRecords(*this, update, std::vector{std::pair(id, interval)});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateLastLostFileQueryTimestampInDriverConf(int id, const int64& timestamp)
 {
     static const auto& update = neverDestroyed(settingOf<int64>("lastLostFileQueryTimestamp"));
-    return WriteRecords(update, std::vector{std::pair(id, timestamp)});
+    return writeRecords(*this, update, std::vector{std::pair(id, timestamp)});
 }
 
 bool DriverDBProviderBase::UpdateLostFileQueryCursorInDriverConf(int id, const std::string& cursor)
 {
     static const auto& update = neverDestroyed(settingOf<std::string>("lostFileQueryCursor"));
-    return WriteRecords(update, std::vector{std::pair(id, cursor)});
+    return writeRecords(*this, update, std::vector{std::pair(id, cursor)});
 }
 
 // Every writer of tasks answers true whatever the engine reported.
@@ -124,14 +125,14 @@ bool DriverDBProviderBase::InsertFullTask(const DriveFullTask& task)
 bool DriverDBProviderBase::InsertFullTaskBatch(const std::vector<DriveFullTask>& tasks)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO DriveFullTask (", taskColumns));
-    WriteRecords(insert, tasks);
+    writeRecords(*this, insert, tasks);
     return true;
 }
 
 bool DriverDBProviderBase::RelaceFullTaskBatch(const std::vector<DriveFullTask>& tasks)
 {
     static const auto& replace = neverDestroyed(insertStatement("REPLACE INTO DriveFullTask (", taskColumns));
-    WriteRecords(replace, tasks);
+    writeRecords(*this, replace, tasks);
     return true;
 }
 
@@ -141,7 +142,7 @@ DriveFullTask DriverDBProviderBase::GetFullTaskById(std::string fileId)
         statementOf<std::string>(selectText(taskColumns, "FROM DriveFullTask WHERE fileId = :fileId ;"), ":fileId"));
     std::vector<DriveFullTask> rows;
     auto key = oneValue(select, fileId);
-    ReadRecords(select.sql, &key, taskColumns, rows);
+    readRecords(*this, select.sql, &key, taskColumns, rows);
     return rows.empty() ? DriveFullTask{} : std::move(rows.front());
 }
 
@@ -149,7 +150,7 @@ std::vector<DriveFullTask> DriverDBProviderBase::GetFullTask()
 {
     static const auto& select = neverDestroyed(selectText(taskColumns, "FROM DriveFullTask;"));
     std::vector<DriveFullTask> rows;
-    ReadRecords(select, nullptr, taskColumns, rows);
+    readRecords(*this, select, nullptr, taskColumns, rows);
     return rows;
 }
 
@@ -157,7 +158,7 @@ bool DriverDBProviderBase::UpdateCursorInFullSyncTask(const std::string& fileId,
 {
     static const auto& update = neverDestroyed(statementOf<std::string, std::string>(
         "UPDATE DriveFullTask SET cursor = :cursor WHERE fileId = :fileId ;", ":fileId", ":cursor"));
-    WriteRecords(update, std::vector{std::pair(fileId, cursor)});
+    writeRecords(*this, update, std::vector{std::pair(fileId, cursor)});
     return true;
 }
 
@@ -165,7 +166,7 @@ bool DriverDBProviderBase::UpdateStateInFullSyncTask(const std::string& fileId, 
 {
     static const auto& update = neverDestroyed(statementOf<std::string, int>(
         "UPDATE DriveFullTask SET state = :state WHERE fileId = :fileId;", ":fileId", ":state"));
-    WriteRecords(update, std::vector{std::pair(fileId, state)});
+    writeRecords(*this, update, std::vector{std::pair(fileId, state)});
     return true;
 }
 
@@ -190,7 +191,7 @@ bool DriverDBProviderBase::DeleteFullTaskBatch(std::vector<std::string> fileIds)
 {
     static const auto& remove =
         neverDestroyed(statementOf<std::string>("DELETE FROM DriveFullTask WHERE fileId = :fileId;", ":fileId"));
-    WriteRecords(remove, fileIds);
+    writeRecords(*this, remove, fileIds);
     return true;
 }
 

@@ -72,7 +72,7 @@ bool DriverDBProviderBase::InsertDriveData(const DriveDataTable& record)
 bool DriverDBProviderBase::InsertDriveDataBatch(const std::vector<DriveDataTable>& records)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO DriveDataTable (", insertColumns));
-    WriteRecords(insert, records);
+    writeRecords(*this, insert, records);
     return true;
 }
 
@@ -84,20 +84,20 @@ bool DriverDBProviderBase::ReplaceDriveData(const DriveDataTable& record)
 bool DriverDBProviderBase::ReplaceDriveAllData(const std::vector<DriveDataTable>& records)
 {
     static const auto& replace = neverDestroyed(insertStatement("REPLACE INTO DriveDataTable (", replaceColumns));
-    WriteRecords(replace, records);
+    writeRecords(*this, replace, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveData(const DriveDataTable& record)
 {
-    WriteRecords(fullUpdate(), std::vector{&record});
+    writeRecords(*this, fullUpdate(), std::vector{&record});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveData(const std::vector<std::shared_ptr<DriveDataTable>>& records)
 {
     reportNullRecords(records, "DriverDBProviderBase::UpdateDriveData");
-    WriteRecords(fullUpdate(), records);
+    writeRecords(*this, fullUpdate(), records);
     return true;
 }
 
@@ -114,49 +114,49 @@ bool DriverDBProviderBase::UpdateDriveData(const std::string& fileId,
             column->assign(record, found->second);
         }
     }
-    WriteRecords(isThere ? fullUpdate() : updateNothing, std::vector{&record});
+    writeRecords(*this, isThere ? fullUpdate() : updateNothing, std::vector{&record});
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveAllData(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(updateOf(allDataUpdateColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveBaseData(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(updateOf(baseUpdateColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveSimpleData(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(updateOf(simpleUpdateColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateDriveOperData(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(updateOf(markerUpdateColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateSimpleAllData(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(updateOf(simpleAndMarkerUpdateColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
 bool DriverDBProviderBase::UpdateFileLocalInfo(const std::vector<DriveDataTable>& records)
 {
     static const auto& update = neverDestroyed(updateOf(localInformationColumns));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
     return true;
 }
 
@@ -170,7 +170,7 @@ bool DriverDBProviderBase::UpdateCloudContentStatusByIds(const std::vector<std::
     static const auto& update = neverDestroyed(statementOf<std::string, int>(
         "UPDATE DriveDataTable SET needToDisplay = :needToDisplay WHERE fileId = :fileId;", ":fileId",
         ":needToDisplay"));
-    return WriteRecords(update, statuses);
+    return writeRecords(*this, update, statuses);
 }
 
 bool DriverDBProviderBase::DeleteDriveDataById(const std::string& fileId)
@@ -182,7 +182,7 @@ bool DriverDBProviderBase::DeleteDriveDataById(const std::vector<std::string>& f
 {
     static const auto& remove =
         neverDestroyed(statementOf<std::string>("DELETE FROM DriveDataTable WHERE fileId = :fileId ;", ":fileId"));
-    WriteRecords(remove, fileIds);
+    writeRecords(*this, remove, fileIds);
     return true;
 }
 
@@ -219,7 +219,7 @@ void DriverDBProviderBase::SetDriveDataSyncFlag(const std::vector<std::string>& 
         "UPDATE DriveDataTable SET data2 = 1 WHERE parentId = :parentId and recycled = 0 and softDelBatchId = 0 "
         "and moveBatchId = 0 and restoreBatchId = 0;",
         ":parentId"));
-    WriteRecords(mark, parentIds);
+    writeRecords(*this, mark, parentIds);
 }
 
 void DriverDBProviderBase::DelDriveDataBySyncFlag(const std::vector<std::string>& parentIds)
@@ -227,7 +227,7 @@ void DriverDBProviderBase::DelDriveDataBySyncFlag(const std::vector<std::string>
     // Without the tests of the mark: a row that has gained a pending operation since is swept all the same.
     static const auto& sweep = neverDestroyed(statementOf<std::string>(
         "DELETE FROM DriveDataTable WHERE data2 = 1 and parentId = :parentId and recycled = 0;", ":parentId"));
-    WriteRecords(sweep, parentIds);
+    writeRecords(*this, sweep, parentIds);
 }
 
 } // namespace DatabaseService

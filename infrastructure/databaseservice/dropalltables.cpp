@@ -73,8 +73,9 @@ void DropAllTables::QueryAndDropTables()
             tables.emplace_back(cells.text());
         }
     });
-    Execute(nullptr, nullptr, "select name from sqlite_master where type = 'table' and name != 'sqlite_sequence';",
-            nullptr, &addName);
+    run(*this,
+        {.sql = "select name from sqlite_master where type = 'table' and name != 'sqlite_sequence';",
+         .rows = &addName});
     for (const std::string& table : tables) {
         // Without quotes, so a name that needs them fails; the stores' own are plain.
         Execute("drop table " + table + ";");

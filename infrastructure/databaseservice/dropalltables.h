@@ -31,8 +31,8 @@ public:
 private:
     DropAllTables() = default;
 
-    void LookEveryDat(std::vector<std::string> names, std::string folder);
-    void QueryAndDropTables();
+    DATABASESERVICE_NO_EXPORT void LookEveryDat(std::vector<std::string> names, std::string folder);
+    DATABASESERVICE_NO_EXPORT void QueryAndDropTables();
 };
 
 } // namespace DatabaseService

@@ -1,7 +1,8 @@
 #include "databaseservice/fastaccessdbprovider.h"
 
-#include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
+#include "databaseservice/engine/failurelog.h"
+#include "databaseservice/engine/firstcell.h"
 #include "databaseservice/engine/recordio.h"
 #include "databaseservice/handover/addresses.h"
 #include "databaseservice/tables/fastaccesscolumns.h"
@@ -31,12 +32,6 @@ constexpr auto readColumns = pick(Table::table, "Id", quotedIndex, "DataType", "
 
 constexpr auto iconPathColumn = pick(Table::table, "IconPath");
 
-void logFailure(int line, const char* function, const std::string& message)
-{
-    Logger::CloudLogger::GetInstance()->Output(0, 5, line, function, message, true);
-}
-
-// Outlives static destruction: the thread that serves clients may still run then.
 FastAccessTableProvider& provider()
 {
     static auto& instance = neverDestroyed(FastAccessTableProvider());
@@ -69,7 +64,7 @@ void FastAccessTableProvider::EnsureFastAccessTable()
 void FastAccessTableProvider::AddColumnIfMissing(const std::string& name)
 {
     const int64 found =
-        ReadNumber("SELECT COUNT(*) FROM SQLITE_MASTER WHERE NAME = 'FastAccess' AND SQL LIKE '%" + name + "%'");
+        readNumber(*this, "SELECT COUNT(*) FROM SQLITE_MASTER WHERE NAME = 'FastAccess' AND SQL LIKE '%" + name + "%'");
     if (found == 0) {
         Execute("ALTER TABLE FastAccess ADD COLUMN Rotate INTEGER DEFAULT 0;");
     }
@@ -78,7 +73,7 @@ void FastAccessTableProvider::AddColumnIfMissing(const std::string& name)
 bool FastAccessTableProvider::GetAllFastAccessRows(std::vector<FastAccessTable>& rows)
 {
     static const auto& select = neverDestroyed(selectText(readColumns, "FROM FastAccess ORDER BY \"Index\" DESC;"));
-    return ReadRecords(select, nullptr, readColumns, rows);
+    return readRecords(*this, select, nullptr, readColumns, rows);
 }
 
 bool FastAccessTableProvider::InsertFastAccessRow(FastAccessTable* record)
@@ -89,16 +84,16 @@ bool FastAccessTableProvider::InsertFastAccessRow(FastAccessTable* record)
                    "a null record was left out");
         return false;
     }
-    const bool committed = WriteRecords(insert, std::vector{record});
+    const bool committed = writeRecords(*this, insert, std::vector{record});
     // Whatever became of the insert; callers have it from the highest id.
-    record->Id = static_cast<std::int32_t>(ReadNumber("SELECT MAX(Id) FROM FastAccess"));
+    record->Id = static_cast<std::int32_t>(readNumber(*this, "SELECT MAX(Id) FROM FastAccess"));
     return committed;
 }
 
 bool FastAccessTableProvider::DeleteFastAccessRow(int id)
 {
     static const auto& remove = neverDestroyed(statementOf<int>("DELETE FROM FastAccess WHERE Id = :Id ;", ":Id"));
-    return WriteRecords(remove, std::vector{id});
+    return writeRecords(*this, remove, std::vector{id});
 }
 
 bool FastAccessTableProvider::UpdateFastAccessRow(const FastAccessTable* record)
@@ -110,7 +105,7 @@ bool FastAccessTableProvider::UpdateFastAccessRow(const FastAccessTable* record)
                    "a null record was left out");
         return false;
     }
-    return WriteRecords(update, std::vector{record});
+    return writeRecords(*this, update, std::vector{record});
 }
 
 std::wstring FastAccessTableProvider::GetFastAccessIconPath(int id)
@@ -120,7 +115,7 @@ std::wstring FastAccessTableProvider::GetFastAccessIconPath(int id)
         neverDestroyed(statementOf<int>("SELECT IconPath, Title, Tip, Rotate FROM FastAccess WHERE Id = :Id;", ":Id"));
     std::vector<FastAccessTable> rows;
     auto key = oneValue(select, id);
-    ReadRecords(select.sql, &key, iconPathColumn, rows);
+    readRecords(*this, select.sql, &key, iconPathColumn, rows);
     return rows.empty() ? std::wstring() : platform::toWide(rows.front().IconPath);
 }
 

@@ -1,6 +1,7 @@
 #include "databaseservice/gallerydbprovider.h"
 
 #include "databaseservice/databaseoperationbase.h"
+#include "databaseservice/engine/firstcell.h"
 #include "databaseservice/engine/recordio.h"
 #include "databaseservice/tables/gallerycolumns.h"
 
@@ -11,40 +12,39 @@ namespace DatabaseService::GalleryDBProvider {
 class GalleryDBProvider : public DatabaseOperationBase {
 public:
     bool InitDatabase() override { return true; }
-
-    using DatabaseOperationBase::Execute;
-    using DatabaseOperationBase::ReadNumber;
-    using DatabaseOperationBase::ReadRecords;
-    using DatabaseOperationBase::WriteRecords;
 };
 
 namespace {
 
-GalleryDBProvider s_galleryProvider;
+GalleryDBProvider& galleryProvider()
+{
+    static auto& s_galleryProvider = neverDestroyed(GalleryDBProvider());
+    return s_galleryProvider;
+}
 
 template <class Table> constexpr auto columnsOf = pick(Table::table, Table::All);
 
 template <class Table> void create()
 {
-    s_galleryProvider.Execute(
-        createTable("CREATE TABLE IF NOT EXISTS " + std::string(Table::name) + " (", Table::table));
+    run(galleryProvider(),
+        {.sql = createTable("CREATE TABLE IF NOT EXISTS " + std::string(Table::name) + " (", Table::table)});
 }
 
 template <class Table> void drop()
 {
-    s_galleryProvider.Execute("drop table if exists " + std::string(Table::name));
+    run(galleryProvider(), {.sql = "drop table if exists " + std::string(Table::name)});
 }
 
 template <class Table, class Record> bool insert(const std::vector<Record>& records)
 {
     static const auto& statement =
         neverDestroyed(insertStatement("INSERT OR REPLACE INTO " + std::string(Table::name) + " (", columnsOf<Table>));
-    return s_galleryProvider.WriteRecords(statement, records);
+    return writeRecords(galleryProvider(), statement, records);
 }
 
 template <class Table> int count()
 {
-    return static_cast<int>(s_galleryProvider.ReadNumber("SELECT COUNT(*) FROM " + std::string(Table::name)));
+    return static_cast<int>(readNumber(galleryProvider(), "SELECT COUNT(*) FROM " + std::string(Table::name)));
 }
 
 template <class... Tables> struct TableList {
@@ -59,13 +59,13 @@ using AllTables = TableList<AlbumColumns, AlbumLocalVersionColumns, GalleryFileC
 
 void InitGalleryDatabase(std::wstring name)
 {
-    s_galleryProvider.SetDatabasePath(name);
+    galleryProvider().SetDatabasePath(name);
     AllTables::createAll();
 }
 
 void ResetGalleryDatabase(std::wstring name)
 {
-    s_galleryProvider.SetDatabasePath(name);
+    galleryProvider().SetDatabasePath(name);
     AllTables::dropAll();
 }
 
@@ -135,7 +135,7 @@ GalleryFileTable GetGalleryFileOneData(std::string& uniqueId)
         selectText(columnsOf<GalleryFileColumns>, "FROM GalleryFile WHERE UniqueId = :UniqueId;"), ":UniqueId"));
     std::vector<GalleryFileTable> rows;
     auto key = oneValue(select, uniqueId);
-    s_galleryProvider.ReadRecords(select.sql, &key, columnsOf<GalleryFileColumns>, rows);
+    readRecords(galleryProvider(), select.sql, &key, columnsOf<GalleryFileColumns>, rows);
     return rows.empty() ? GalleryFileTable() : std::move(rows.front());
 }
 

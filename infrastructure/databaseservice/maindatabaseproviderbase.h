@@ -1,3 +1,4 @@
+// The library's own: not installed.
 #pragma once
 
 #include "databaseservice/carditems.h"
@@ -11,6 +12,8 @@
 #include <vector>
 
 namespace DatabaseService {
+
+class ElementSource;
 
 /// The main store behind the functions of `MainDatabaseProvider`, which are its interface and say what each does.
 ///

@@ -17,7 +17,7 @@ void MainDatabaseProviderBase::InsertWaitHandleCardItem(int key, std::string val
     static const auto& replace = neverDestroyed(Statement<T_WaitHandleCardItem>{
         "INSERT OR REPLACE INTO T_WaitHandleCardItem ([key],value)VALUES (:key,:value);",
         parametersOf(cardColumns<T_WaitHandleCardItem>)});
-    WriteRecords(replace, std::vector{T_WaitHandleCardItem{key, std::move(value)}});
+    writeRecords(*this, replace, std::vector{T_WaitHandleCardItem{key, std::move(value)}});
 }
 
 void MainDatabaseProviderBase::InsertNotepadCardItem(int key, std::string value)
@@ -25,7 +25,7 @@ void MainDatabaseProviderBase::InsertNotepadCardItem(int key, std::string value)
     static const auto& replace = neverDestroyed(Statement<T_NotepadCard>{
         "INSERT OR REPLACE INTO T_NotepadCard ([key],value)\n                         VALUES (:key,:value);",
         parametersOf(cardColumns<T_NotepadCard>)});
-    WriteRecords(replace, std::vector{T_NotepadCard{key, std::move(value)}});
+    writeRecords(*this, replace, std::vector{T_NotepadCard{key, std::move(value)}});
 }
 
 void MainDatabaseProviderBase::RemoveWaitHandleCardItem()
@@ -40,12 +40,13 @@ void MainDatabaseProviderBase::RemoveNotepadCardItem()
 
 void MainDatabaseProviderBase::GetWaitHandleCardItem(std::vector<T_WaitHandleCardItem>& items)
 {
-    ReadRecords("SELECT [key], value FROM T_WaitHandleCardItem;", nullptr, cardColumns<T_WaitHandleCardItem>, items);
+    readRecords(*this, "SELECT [key], value FROM T_WaitHandleCardItem;", nullptr, cardColumns<T_WaitHandleCardItem>,
+                items);
 }
 
 void MainDatabaseProviderBase::GetNotepadCardItem(std::vector<T_NotepadCard>& items)
 {
-    ReadRecords("SELECT [key], value FROM T_NotepadCard;", nullptr, cardColumns<T_NotepadCard>, items);
+    readRecords(*this, "SELECT [key], value FROM T_NotepadCard;", nullptr, cardColumns<T_NotepadCard>, items);
 }
 
 } // namespace DatabaseService

@@ -1,3 +1,4 @@
+#include "databaseservice/engine/firstcell.h"
 #include "databaseservice/engine/recordio.h"
 #include "databaseservice/maindatabaseproviderbase.h"
 #include "databaseservice/tables/maincolumns.h"
@@ -30,7 +31,7 @@ std::string selectAll(const std::string& clause)
 void MainDatabaseProviderBase::InsertOneCloudDriveDataBatch(T_CloudFileTable& record)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO T_CloudFileTable (", insertColumns));
-    WriteRecords(insert, std::vector{&record});
+    writeRecords(*this, insert, std::vector{&record});
 }
 
 void MainDatabaseProviderBase::InsertCloudDriveDataBatch(std::vector<T_CloudFileTable>& records)
@@ -57,7 +58,7 @@ void MainDatabaseProviderBase::DeleteAllCloudDriveDataBatch()
 std::vector<T_CloudFileTable> MainDatabaseProviderBase::GetAllCloudDriveDataBatch()
 {
     std::vector<T_CloudFileTable> rows;
-    ReadRecords(selectAll(" order by modifiedTime desc"), nullptr, allColumns, rows);
+    readRecords(*this, selectAll(" order by modifiedTime desc"), nullptr, allColumns, rows);
     return rows;
 }
 
@@ -67,13 +68,13 @@ T_CloudFileTable MainDatabaseProviderBase::GetCloudDriveDataBatch(std::string& f
         neverDestroyed(statementOf<std::string>(selectAll(" WHERE fileId = :fileId"), ":fileId"));
     std::vector<T_CloudFileTable> rows;
     auto key = oneValue(select, fileId);
-    ReadRecords(select.sql, &key, allColumns, rows);
+    readRecords(*this, select.sql, &key, allColumns, rows);
     return rows.empty() ? T_CloudFileTable() : std::move(rows.front());
 }
 
 int MainDatabaseProviderBase::GetAllCloudDriveDataBatchNum()
 {
-    return static_cast<int>(ReadNumber("SELECT COUNT(*) FROM T_CloudFileTable;"));
+    return static_cast<int>(readNumber(*this, "SELECT COUNT(*) FROM T_CloudFileTable;"));
 }
 
 bool MainDatabaseProviderBase::SelectOneCloudDriveData(std::string& fileId)
@@ -81,7 +82,7 @@ bool MainDatabaseProviderBase::SelectOneCloudDriveData(std::string& fileId)
     static const auto& count = neverDestroyed(
         statementOf<std::string>("SELECT COUNT(*) FROM T_CloudFileTable WHERE fileId = :fileId;", ":fileId"));
     auto key = oneValue(count, fileId);
-    return ReadNumber(count.sql, &key) != 0;
+    return readNumber(*this, count.sql, &key) != 0;
 }
 
 void MainDatabaseProviderBase::DeleteOneCloudDriveDataBatchColumn(std::string& fileId)
@@ -98,7 +99,7 @@ void MainDatabaseProviderBase::DeleteSameColumnFromParentId(std::string& fileId)
 {
     static const auto& remove = neverDestroyed(
         statementOf<std::string>("DELETE FROM T_CloudFileTable\n      WHERE parentId = :fileId;", ":fileId"));
-    WriteRecords(remove, std::vector{&fileId});
+    writeRecords(*this, remove, std::vector{&fileId});
 }
 
 std::vector<T_CloudFileTable> MainDatabaseProviderBase::SelectSameColumnFromParentId(std::string& id)
@@ -107,7 +108,7 @@ std::vector<T_CloudFileTable> MainDatabaseProviderBase::SelectSameColumnFromPare
         neverDestroyed(statementOf<std::string>(selectAll(" WHERE parentId = :fileID"), ":fileID"));
     std::vector<T_CloudFileTable> rows;
     auto parent = oneValue(select, id);
-    ReadRecords(select.sql, &parent, allColumns, rows);
+    readRecords(*this, select.sql, &parent, allColumns, rows);
     return rows;
 }
 
@@ -115,7 +116,7 @@ void MainDatabaseProviderBase::UpdateCloudDriveVec(std::vector<T_CloudFileTable>
 {
     static const auto& update =
         neverDestroyed(updateStatement("UPDATE T_CloudFileTable", allColumns, "WHERE id = :newId", updateKey));
-    WriteRecords(update, records);
+    writeRecords(*this, update, records);
 }
 
 void MainDatabaseProviderBase::UpdateCloudDriveDataSmallPicDown(T_CloudFileTable& record)
@@ -139,7 +140,7 @@ std::vector<int64> MainDatabaseProviderBase::ReadIds(const std::string& sql, Ele
 {
     std::vector<int64> ids;
     RowFunction append([&](CellReader& cells) { ids.push_back(cells.nextInteger()); });
-    Execute(nullptr, nullptr, sql, &elements, &append);
+    run(*this, {.sql = sql, .elements = &elements, .rows = &append});
     return ids;
 }
 
@@ -147,7 +148,7 @@ void MainDatabaseProviderBase::DeleteCloudFileRows(const std::vector<int64>& ids
 {
     static const auto& remove =
         neverDestroyed(statementOf<int64>("DELETE FROM T_CloudFileTable WHERE id = :id;", ":id"));
-    WriteRecords(remove, ids);
+    writeRecords(*this, remove, ids);
 }
 
 } // namespace DatabaseService

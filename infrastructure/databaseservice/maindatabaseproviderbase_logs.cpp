@@ -16,19 +16,19 @@ void MainDatabaseProviderBase::GetAllUserLog()
     // It reads the other log than its name says, and for nobody; what callers get of it is the line of a failure.
     static const auto& select = neverDestroyed(selectText(allColumns, "FROM UBAUserLog;"));
     RowFunction dropped([](CellReader&) {});
-    Execute(nullptr, nullptr, select, nullptr, &dropped);
+    run(*this, {.sql = select, .rows = &dropped});
 }
 
 void MainDatabaseProviderBase::InsertUserUserLog(std::vector<UserLog> records)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO UserLogTable (", allColumns));
-    WriteRecords(insert, records);
+    writeRecords(*this, insert, records);
 }
 
 void MainDatabaseProviderBase::InsertUserUBAUserLog(std::vector<UBAUserLog> records)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO UBAUserLog (", allColumns));
-    WriteRecords(insert, records);
+    writeRecords(*this, insert, records);
 }
 
 } // namespace DatabaseService

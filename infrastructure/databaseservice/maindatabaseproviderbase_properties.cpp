@@ -1,4 +1,5 @@
 #include "databaseservice/engine/firstcell.h"
+#include "databaseservice/engine/recordio.h"
 #include "databaseservice/maindatabaseproviderbase.h"
 #include "databaseservice/tables/maincolumns.h"
 #include "platform/paths.h"
@@ -31,7 +32,7 @@ const Statement<UserProperties>& insertProperty()
 std::vector<UserProperties> MainDatabaseProviderBase::GetAllUserProperties()
 {
     std::vector<UserProperties> properties;
-    ReadRecords("SELECT \"Key\",\n       Value\n  FROM UserProperties;\n", nullptr, allColumns, properties);
+    readRecords(*this, "SELECT \"Key\",\n       Value\n  FROM UserProperties;\n", nullptr, allColumns, properties);
     const auto syncFolder = std::ranges::find(properties, UserProperties::syncCloudFolderKey, &UserProperties::key);
     if (syncFolder != properties.end()) {
         if (auto longName = platform::longPathName(syncFolder->value)) {
@@ -47,28 +48,28 @@ std::wstring MainDatabaseProviderBase::GetUserPropertieByKey(const std::wstring&
         "SELECT\n        Value\n        FROM UserProperties\n        WHERE Key = :Key;\n", ":Key"));
     auto bound = oneValue(select, key);
     FirstCell value;
-    Execute(nullptr, nullptr, select.sql, &bound, &value);
+    run(*this, {.sql = select.sql, .elements = &bound, .rows = &value});
     return platform::toWide(value.text());
 }
 
 void MainDatabaseProviderBase::UpdateUserProperties(const std::wstring& key, const std::wstring& value)
 {
-    WriteRecords(replaceProperty(), std::vector{UserProperties{key, value}});
+    writeRecords(*this, replaceProperty(), std::vector{UserProperties{key, value}});
 }
 
 void MainDatabaseProviderBase::UpdateUserProperties(std::vector<UserProperties>& properties)
 {
-    WriteRecords(replaceProperty(), properties);
+    writeRecords(*this, replaceProperty(), properties);
 }
 
 void MainDatabaseProviderBase::InsertUserProperties(const std::wstring& key, const std::wstring& value)
 {
-    WriteRecords(insertProperty(), std::vector{UserProperties{key, value}});
+    writeRecords(*this, insertProperty(), std::vector{UserProperties{key, value}});
 }
 
 void MainDatabaseProviderBase::InsertUserProperties(std::vector<UserProperties>& properties)
 {
-    WriteRecords(insertProperty(), properties);
+    writeRecords(*this, insertProperty(), properties);
 }
 
 void MainDatabaseProviderBase::DeleteAllUserProperties()
@@ -78,7 +79,7 @@ void MainDatabaseProviderBase::DeleteAllUserProperties()
 
 int MainDatabaseProviderBase::CountUserProperties()
 {
-    return static_cast<int>(ReadNumber("SELECT COUNT(*) FROM UserProperties;"));
+    return static_cast<int>(readNumber(*this, "SELECT COUNT(*) FROM UserProperties;"));
 }
 
 } // namespace DatabaseService

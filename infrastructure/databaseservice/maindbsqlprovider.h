@@ -30,13 +30,13 @@ private:
     MainDBSQLProvider() = default;
     ~MainDBSQLProvider() = default;
 
-    bool ExecuteMulitNoQuerySQL(const std::vector<std::string>& statements);
-    bool ConnectDb();
-    bool BeginTransaction();
-    bool CommitTransaction();
-    bool CloseDb();
-    int ExecuteNoQuerySqlCmd(const std::string& sql);
-    std::wstring GetDBPath(const std::string& path);
+    DATABASESERVICE_NO_EXPORT bool ExecuteMulitNoQuerySQL(const std::vector<std::string>& statements);
+    DATABASESERVICE_NO_EXPORT bool ConnectDb();
+    DATABASESERVICE_NO_EXPORT bool BeginTransaction();
+    DATABASESERVICE_NO_EXPORT bool CommitTransaction();
+    DATABASESERVICE_NO_EXPORT bool CloseDb();
+    DATABASESERVICE_NO_EXPORT int ExecuteNoQuerySqlCmd(const std::string& sql);
+    DATABASESERVICE_NO_EXPORT std::wstring GetDBPath(const std::string& path);
 
     std::string m_path;
     sqlite3* m_db = nullptr;

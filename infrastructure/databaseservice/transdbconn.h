@@ -113,7 +113,7 @@ private:
     using TaskMap = std::unordered_map<std::wstring, DbTransferTask>;
     using WriteQueue = moodycamel::ConcurrentQueue<std::function<void()>, moodycamel::ConcurrentQueueDefaultTraits>;
 
-    static void EnsureTransferTables();
+    DATABASESERVICE_NO_EXPORT static void EnsureTransferTables();
 
     static std::string dbPath;
     static WriteQueue writeQueue;

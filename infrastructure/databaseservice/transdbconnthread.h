@@ -120,7 +120,7 @@ public:
     void DeleteTask(DbTransferTask& task);
 
 private:
-    TransDbConnThread();
+    DATABASESERVICE_NO_EXPORT TransDbConnThread();
 };
 
 } // namespace DatabaseService::TransmissionDB

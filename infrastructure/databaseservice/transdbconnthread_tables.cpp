@@ -1,3 +1,4 @@
+#include "databaseservice/engine/firstcell.h"
 #include "databaseservice/engine/recordio.h"
 #include "databaseservice/handover/nullrecords.h"
 #include "databaseservice/tables/transfercolumns.h"
@@ -53,27 +54,27 @@ UploadTaskProperty uploadWithId(int id)
 void TransDbConnThread::InsertCompletedTasks(std::vector<CompletedTaskProperty> tasks)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO CompletedTaskTable (", completedData));
-    WriteRecords(insert, tasks);
+    writeRecords(*this, insert, tasks);
 }
 
 void TransDbConnThread::UpdateCompletedTasks(std::vector<CompletedTaskProperty> tasks)
 {
     static const auto& update =
         neverDestroyed(updateStatement("UPDATE CompletedTaskTable", completedData, "WHERE id = :id;", completedKey));
-    WriteRecords(update, tasks);
+    writeRecords(*this, update, tasks);
 }
 
 void TransDbConnThread::DeleteCompletedTasks(std::vector<int> ids)
 {
     static const auto& remove =
         neverDestroyed(statementOf<int>("DELETE FROM CompletedTaskTable WHERE id = :id ;", ":id"));
-    WriteRecords(remove, ids);
+    writeRecords(*this, remove, ids);
 }
 
 void TransDbConnThread::DeleteAllCompletedTasks(int taskType, int otherTaskType)
 {
     static const auto& remove = neverDestroyed(ofEitherType("DELETE"));
-    WriteRecords(remove, std::vector{TaskTypes(taskType, otherTaskType)});
+    writeRecords(*this, remove, std::vector{TaskTypes(taskType, otherTaskType)});
 }
 
 bool TransDbConnThread::GetAllCompletedTasks(std::vector<CompletedTaskProperty>& tasks, int taskType, int otherTaskType)
@@ -81,41 +82,41 @@ bool TransDbConnThread::GetAllCompletedTasks(std::vector<CompletedTaskProperty>&
     static const auto& select = neverDestroyed(ofEitherType("SELECT " + names(completedAll)));
     const TaskTypes types(taskType, otherTaskType);
     auto values = oneValue(select, types);
-    ReadRecords(select.sql, &values, completedAll, tasks);
+    readRecords(*this, select.sql, &values, completedAll, tasks);
     return true;
 }
 
 int TransDbConnThread::GetCompletedTasksLastRowId()
 {
-    return static_cast<int>(ReadNumber("SELECT MAX(id) FROM CompletedTaskTable"));
+    return static_cast<int>(readNumber(*this, "SELECT MAX(id) FROM CompletedTaskTable"));
 }
 
 void TransDbConnThread::InsertDownloadTasks(std::vector<std::shared_ptr<DownloadTaskProperty>> tasks)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO DownloadTaskTable (", downloadData));
     reportNullRecords(tasks, "TransDbConnThread::InsertDownloadTasks");
-    WriteRecords(insert, tasks);
+    writeRecords(*this, insert, tasks);
 }
 
 void TransDbConnThread::UpdateDownloadTasks(std::vector<DownloadTaskProperty> tasks)
 {
     static const auto& update =
         neverDestroyed(updateStatement("UPDATE DownloadTaskTable", downloadData, "WHERE id = :id;", downloadKey));
-    WriteRecords(update, tasks);
+    writeRecords(*this, update, tasks);
 }
 
 void TransDbConnThread::DeleteDownloadTasks(std::vector<int> ids)
 {
     static const auto& remove =
         neverDestroyed(statementOf<int>("DELETE FROM DownloadTaskTable WHERE id = :id ;", ":id"));
-    WriteRecords(remove, ids);
+    writeRecords(*this, remove, ids);
 }
 
 void TransDbConnThread::DeleteAllDownloadTasks(int taskType)
 {
     static const auto& remove =
         neverDestroyed(statementOf<int>("DELETE FROM DownloadTaskTable WHERE taskType = :taskType;", ":taskType"));
-    WriteRecords(remove, std::vector{taskType});
+    writeRecords(*this, remove, std::vector{taskType});
 }
 
 std::shared_ptr<DownloadTaskProperty> TransDbConnThread::GetDownloadTask(int id)
@@ -124,7 +125,7 @@ std::shared_ptr<DownloadTaskProperty> TransDbConnThread::GetDownloadTask(int id)
         neverDestroyed(statementOf<int>(selectText(downloadAll, "FROM DownloadTaskTable WHERE id = :id;"), ":id"));
     std::vector<std::shared_ptr<DownloadTaskProperty>> rows;
     auto key = oneValue(select, id);
-    ReadRecords(select.sql, &key, downloadAll, rows);
+    readRecords(*this, select.sql, &key, downloadAll, rows);
     return rows.empty() ? nullptr : rows.back();
 }
 
@@ -133,30 +134,30 @@ bool TransDbConnThread::GetAllDownloadTasks(std::vector<DownloadTaskProperty>& t
     static const auto& select = neverDestroyed(
         statementOf<int>(selectText(downloadAll, "FROM DownloadTaskTable WHERE taskType = :taskType;"), ":taskType"));
     auto type = oneValue(select, taskType);
-    ReadRecords(select.sql, &type, downloadAll, tasks);
+    readRecords(*this, select.sql, &type, downloadAll, tasks);
     return true;
 }
 
 int TransDbConnThread::GetDownloadTasksLastRowId()
 {
-    return static_cast<int>(ReadNumber("SELECT MAX(id) FROM DownloadTaskTable"));
+    return static_cast<int>(readNumber(*this, "SELECT MAX(id) FROM DownloadTaskTable"));
 }
 
 int TransDbConnThread::CountDownloadTaskUnDone()
 {
-    return static_cast<int>(ReadNumber("SELECT COUNT(id) FROM DownloadTaskTable;"));
+    return static_cast<int>(readNumber(*this, "SELECT COUNT(id) FROM DownloadTaskTable;"));
 }
 
 void TransDbConnThread::InsertUploadTasks(std::vector<UploadTaskProperty> tasks)
 {
     static const auto& insert = neverDestroyed(insertStatement("INSERT INTO UploadTaskTable (", uploadAll));
-    WriteRecords(insert, tasks);
+    writeRecords(*this, insert, tasks);
 }
 
 void TransDbConnThread::DeleteUploadTask(int id)
 {
     static const auto& remove = neverDestroyed(statementOf<int>("DELETE FROM UploadTaskTable WHERE id = :id ", ":id"));
-    WriteRecords(remove, std::vector{id});
+    writeRecords(*this, remove, std::vector{id});
 }
 
 void TransDbConnThread::DeleteUploadTask()
@@ -170,7 +171,7 @@ void TransDbConnThread::UpdateUploadTaskStatus(int id, int taskStatus, int error
     UploadTaskProperty task = uploadWithId(id);
     task.taskStatus = taskStatus;
     task.errorCode = errorCode;
-    WriteRecords(update, std::vector{&task});
+    writeRecords(*this, update, std::vector{&task});
 }
 
 void TransDbConnThread::UpdateUploadTaskSliceInfo(int id, std::string sliceInfo)
@@ -178,7 +179,7 @@ void TransDbConnThread::UpdateUploadTaskSliceInfo(int id, std::string sliceInfo)
     static const auto& update = neverDestroyed(uploadUpdate(uploadSliceInfo));
     UploadTaskProperty task = uploadWithId(id);
     task.sliceInfo = std::move(sliceInfo);
-    WriteRecords(update, std::vector{&task});
+    writeRecords(*this, update, std::vector{&task});
 }
 
 void TransDbConnThread::UpdateUploadTaskSliceIndex(int id, int sliceIndex)
@@ -186,7 +187,7 @@ void TransDbConnThread::UpdateUploadTaskSliceIndex(int id, int sliceIndex)
     static const auto& update = neverDestroyed(uploadUpdate(uploadSliceIndex));
     UploadTaskProperty task = uploadWithId(id);
     task.sliceIndex = sliceIndex;
-    WriteRecords(update, std::vector{&task});
+    writeRecords(*this, update, std::vector{&task});
 }
 
 void TransDbConnThread::UpdateUploadTaskUploadOffset(int id, int64 uploadOffset)
@@ -194,19 +195,19 @@ void TransDbConnThread::UpdateUploadTaskUploadOffset(int id, int64 uploadOffset)
     static const auto& update = neverDestroyed(uploadUpdate(uploadOffsetOnly));
     UploadTaskProperty task = uploadWithId(id);
     task.uploadOffset = uploadOffset;
-    WriteRecords(update, std::vector{&task});
+    writeRecords(*this, update, std::vector{&task});
 }
 
 void TransDbConnThread::GetAllUploadTaskProperties(std::vector<UploadTaskProperty>& tasks)
 {
     static const auto& select = neverDestroyed(selectText(uploadAll, "FROM UploadTaskTable;"));
-    ReadRecords(select, nullptr, uploadAll, tasks);
+    readRecords(*this, select, nullptr, uploadAll, tasks);
 }
 
 int TransDbConnThread::GetUploadTaskLastRowId()
 {
     // The word behind the function is the column's alias. Always 0; callers of `TransDbConn::InsertUploadTask` get it.
-    return static_cast<int>(ReadNumber("SELECT LAST_INSERT_ROWID() UploadTaskTable"));
+    return static_cast<int>(readNumber(*this, "SELECT LAST_INSERT_ROWID() UploadTaskTable"));
 }
 
 } // namespace DatabaseService::TransmissionDB

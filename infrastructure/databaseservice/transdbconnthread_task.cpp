@@ -50,12 +50,12 @@ void TransDbConnThread::UpdateTask(std::list<DbTransferTask>& tasks)
     for (const DbTransferTask& task : tasks) {
         records.push_back(&task);
     }
-    WriteRecords(update(), records);
+    writeRecords(*this, update(), records);
 }
 
 void TransDbConnThread::UpdateTaskStatus(const DbTransferTask& task)
 {
-    WriteRecords(update(), std::vector{&task});
+    writeRecords(*this, update(), std::vector{&task});
 }
 
 bool TransDbConnThread::GetAllTask(std::vector<DbTransferTask>& tasks, int moduleType, int transferType)
@@ -70,7 +70,7 @@ bool TransDbConnThread::GetAllTask(std::vector<DbTransferTask>& tasks, int modul
     keys.TransferType = transferType;
     keys.TaskStatus = inactiveStatus;
     auto values = oneValue(select, keys);
-    ReadRecords(select.sql, &values, allColumns, tasks);
+    readRecords(*this, select.sql, &values, allColumns, tasks);
     return true;
 }
 
@@ -83,7 +83,7 @@ bool TransDbConnThread::GetAllCompleteTask(std::vector<DbTransferTask>& tasks, i
     keys.ModuleType = moduleType;
     keys.TaskStatus = taskStatus;
     auto values = oneValue(select, keys);
-    ReadRecords(select.sql, &values, completeColumns, tasks);
+    readRecords(*this, select.sql, &values, completeColumns, tasks);
     return true;
 }
 
@@ -93,7 +93,7 @@ bool TransDbConnThread::GetTask(std::wstring& uniqueId, DbTransferTask& task)
         selectText(allColumns, "FROM TransferTask WHERE UniqueId = :UniqueId;"), ":UniqueId"));
     std::vector<DbTransferTask> rows;
     auto key = oneValue(select, uniqueId);
-    ReadRecords(select.sql, &key, allColumns, rows);
+    readRecords(*this, select.sql, &key, allColumns, rows);
     if (!rows.empty()) {
         task = std::move(rows.back());
     }
@@ -121,14 +121,14 @@ void TransDbConnThread::DeleteTasks(int taskStatus)
 {
     static const auto& remove =
         neverDestroyed(statementOf<int>("DELETE FROM TransferTask WHERE TaskStatus = :TaskStatus;", ":TaskStatus"));
-    WriteRecords(remove, std::vector{taskStatus});
+    writeRecords(*this, remove, std::vector{taskStatus});
 }
 
 void TransDbConnThread::DeleteTasks(std::wstring uniqueId)
 {
     static const auto& remove =
         neverDestroyed(statementOf<std::wstring>("DELETE FROM TransferTask WHERE UniqueId = :UniqueId;", ":UniqueId"));
-    WriteRecords(remove, std::vector{std::move(uniqueId)});
+    writeRecords(*this, remove, std::vector{std::move(uniqueId)});
 }
 
 bool TransDbConnThread::DeleteTasksFromTransferTask(int taskStatus)

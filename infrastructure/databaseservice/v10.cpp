@@ -1,7 +1,7 @@
 #include "databaseservice/v10.h"
 
-#include "clientservices/cloudlogger.h"
 #include "databaseservice/datamigrationdb.h"
+#include "databaseservice/engine/failurelog.h"
 #include "databaseservice/engine/keepconnection.h"
 #include "databaseservice/engine/recordio.h"
 #include "databaseservice/tables/legacycolumns.h"
@@ -17,26 +17,38 @@ namespace DatabaseService::V10 {
 
 namespace {
 
-DataMigrationDB s_migrationDb;
-std::string s_legacyDbPath;            // UTF-8, folders end in a backslash
 sqlite3* s_legacyConnection = nullptr; // of the call at hand; null when it could not be opened
+
+DataMigrationDB& migrationDb()
+{
+    static auto& s_migrationDb = neverDestroyed(DataMigrationDB());
+    return s_migrationDb;
+}
+
+// UTF-8, folders end in a backslash.
+std::string& legacyDbPath()
+{
+    static auto& s_legacyDbPath = neverDestroyed(std::string());
+    return s_legacyDbPath;
+}
 
 template <class Columns> bool create(std::string_view table)
 {
-    return s_migrationDb.Execute(
-        s_legacyConnection, createTable("CREATE TABLE IF NOT EXISTS " + std::string(table) + " (", Columns::table));
+    return run(migrationDb(),
+               {.db = s_legacyConnection,
+                .sql = createTable("CREATE TABLE IF NOT EXISTS " + std::string(table) + " (", Columns::table)});
 }
 
 bool PrepareLegacyTables(const std::wstring& path)
 {
-    s_legacyConnection = s_migrationDb.OpenLegacyDatabase(path);
+    s_legacyConnection = migrationDb().OpenLegacyDatabase(path);
     if (s_legacyConnection == nullptr) {
         return false;
     }
     if (!create<GalleryFileColumns>("GalleryFile")) {
         // The engine's lines do not tell the file.
-        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, "DatabaseService::V10::PrepareLegacyTables",
-                                                   L"no table could be laid down in the legacy file " + path, true);
+        logFailure(__LINE__, "DatabaseService::V10::PrepareLegacyTables",
+                   L"no table could be laid down in the legacy file " + path);
         return false;
     }
     create<AlbumLocalVersionColumns>("AlbumLocalVersion");
@@ -52,14 +64,14 @@ bool PrepareLegacyTables(const std::wstring& path)
 
 bool ReopenLegacyDatabase()
 {
-    return PrepareLegacyTables(platform::toWide(s_legacyDbPath));
+    return PrepareLegacyTables(platform::toWide(legacyDbPath()));
 }
 
 /// At the end of each call that opened it: from there on the connection may be closed by others.
 void keepLegacyConnection()
 {
     if (sqlite3* const done = std::exchange(s_legacyConnection, nullptr); done != nullptr) {
-        keepConnection(done, s_legacyDbPath, "the reader of the legacy file leaves its connections open");
+        keepConnection(done, legacyDbPath(), "the reader of the legacy file leaves its connections open");
     }
 }
 
@@ -102,17 +114,17 @@ private:
 template <class Record, class Element>
 bool read(const ColumnList<Record>& columns, const std::string& from, std::vector<Element>& records)
 {
-    if (s_legacyDbPath.empty()) {
+    if (legacyDbPath().empty()) {
         return false;
     }
-    const ScopeExit keep(keepLegacyConnection);
+    const platform::ScopeExit keep(keepLegacyConnection);
     ReopenLegacyDatabase();
     if (s_legacyConnection == nullptr) {
         return false;
     }
     LegacyRows<Record, Element> rows(columns, records);
     const bool committed =
-        s_migrationDb.Execute(s_legacyConnection, nullptr, selectText(columns, from), nullptr, &rows);
+        run(migrationDb(), {.db = s_legacyConnection, .sql = selectText(columns, from), .rows = &rows});
     rows.rethrow();
     return committed;
 }
@@ -130,13 +142,13 @@ bool InitDB(std::wstring path)
         return true;
     }
     std::replace(path.begin(), path.end(), L'/', L'\\');
-    s_legacyDbPath = platform::toUtf8(path);
+    legacyDbPath() = platform::toUtf8(path);
     // What will be opened is asked for: text that is not Unicode is not the same afterwards.
-    if (!platform::exists(platform::fromBackslashes(platform::toWide(s_legacyDbPath)))) {
-        s_legacyDbPath.clear();
+    if (!platform::exists(platform::fromBackslashes(platform::toWide(legacyDbPath())))) {
+        legacyDbPath().clear();
         return false;
     }
-    const ScopeExit keep(keepLegacyConnection);
+    const platform::ScopeExit keep(keepLegacyConnection);
     return ReopenLegacyDatabase();
 }
 

@@ -334,7 +334,7 @@ TEST_F(Engine, ExceptionsLeaveNoOwnConnectionOrStatement)
     m_file.exec("INSERT INTO t(id) VALUES(7)");
     const std::string select = "SELECT id FROM t";
     RowFunction throwing([](CellReader&) { throw std::runtime_error("row"); });
-    EXPECT_THROW(m_store.Execute(nullptr, nullptr, select, nullptr, &throwing), std::runtime_error);
+    EXPECT_THROW(run(m_store, {.sql = select, .rows = &throwing}), std::runtime_error);
     m_store.onOpen = [&](sqlite3*) { throw std::bad_alloc(); };
     EXPECT_THROW(m_store.Execute(select), std::bad_alloc);
     EXPECT_EQ(m_store.opened, m_store.closed);
@@ -367,7 +367,7 @@ TEST_F(Engine, AListWithRowsGivesThoseOfItsLastElement)
         DatabaseService::RecordSource source(byName, std::span(names).first(count));
         std::vector<std::int64_t> ids;
         RowFunction sink([&](CellReader& cells) { ids.push_back(cells.nextInteger()); });
-        EXPECT_TRUE(m_store.Execute(nullptr, nullptr, byName.sql, &source, &sink));
+        EXPECT_TRUE(run(m_store, {.sql = byName.sql, .elements = &source, .rows = &sink}));
         EXPECT_EQ(ids, count == 3 ? (std::vector<std::int64_t>{2, 3}) : std::vector<std::int64_t>());
     }
 }
@@ -379,7 +379,7 @@ TEST_F(Engine, WhatIsBoundToACallersStatementStays)
     std::string text = "before";
     const auto byText = statementOf<std::string>("", ":text");
     auto source = DatabaseService::oneValue(byText, text);
-    EXPECT_TRUE(m_store.Execute(db, stmt, "", &source, nullptr));
+    EXPECT_TRUE(run(m_store, {.db = db, .stmt = stmt, .elements = &source}));
     text.replace(0, 6, "behind");
     sqlite3_reset(stmt);
     EXPECT_EQ(query(db, stmt), (Rows{{"'before'"}}));

@@ -47,8 +47,7 @@ protected:
         bool result = false;
         if (straight) {
             const DatabaseService::Statement<Item> statement{sql, parametersOf(itemColumns)};
-            DatabaseService::RecordSource<Item, Item> source(statement, items);
-            result = m_store.Execute(nullptr, nullptr, sql, &source, nullptr);
+            result = writeRecords(m_store, statement, items);
         } else {
             std::list<DatabaseBindParameter> binds;
             for (const Item& item : items) {
@@ -69,8 +68,7 @@ protected:
         std::vector<Item> items;
         bool result = false;
         if (straight) {
-            DatabaseService::RecordSink<Item, Item> sink(itemColumns, items);
-            result = m_store.Execute(nullptr, nullptr, sql, nullptr, &sink);
+            result = readRecords(m_store, sql, nullptr, itemColumns, items);
         } else {
             std::list<DatabaseQueryResult*>* list = nullptr;
             result = m_store.Query(sql, list);

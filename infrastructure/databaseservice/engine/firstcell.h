@@ -2,6 +2,7 @@
 
 #include "databaseservice/engine/cellreader.h"
 #include "databaseservice/engine/rowsink.h"
+#include "databaseservice/engine/unitofwork.h"
 #include "platform/leadinginteger.h"
 
 #include <string>
@@ -27,7 +28,7 @@ public:
 
     bool isText() const { return m_kind == CellReader::Kind::Text; }
     /// Of text the number at its front; 0 without a cell.
-    int64 number() const { return isText() ? leadingInteger(std::string_view(m_text)) : m_number; }
+    int64 number() const { return isText() ? platform::leadingInteger(std::string_view(m_text)) : m_number; }
     /// Empty if the cell is no text, or there is none.
     const std::string& text() const { return m_text; }
 
@@ -37,5 +38,13 @@ private:
     int64 m_number = 0;
     std::string m_text;
 };
+
+/// The first cell of the first row if it is a number, otherwise 0.
+inline int64 readNumber(DatabaseOperationBase& store, std::string_view sql, ElementSource* elements = nullptr)
+{
+    FirstCell cell;
+    run(store, {.sql = sql, .elements = elements, .rows = &cell});
+    return cell.number();
+}
 
 } // namespace DatabaseService

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "databaseservice/databaseoperationbase.h"
 #include "databaseservice/engine/elementsource.h"
 #include "databaseservice/engine/recordcolumns.h"
 #include "databaseservice/engine/rowsink.h"
+#include "databaseservice/engine/unitofwork.h"
 
 #include <algorithm>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -108,19 +109,21 @@ private:
     Function m_function;
 };
 
+/// A batch straight from its records: `statement` runs once per record, in one transaction.
 template <class Record, class Element>
-bool DatabaseOperationBase::WriteRecords(const Statement<Record>& statement, const std::vector<Element>& records)
+bool writeRecords(DatabaseOperationBase& store, const Statement<Record>& statement, const std::vector<Element>& records)
 {
     RecordSource<Record, Element> elements(statement, records);
-    return Execute(nullptr, nullptr, statement.sql, &elements, nullptr);
+    return run(store, {.sql = statement.sql, .elements = &elements});
 }
 
+/// Rows straight into records, which are appended. `elements` may be null.
 template <class Record, class Element>
-bool DatabaseOperationBase::ReadRecords(const std::string& sql, ElementSource* elements,
-                                        const ColumnList<Record>& columns, std::vector<Element>& records)
+bool readRecords(DatabaseOperationBase& store, std::string_view sql, ElementSource* elements,
+                 const ColumnList<Record>& columns, std::vector<Element>& records)
 {
     RecordSink<Record, Element> rows(columns, records);
-    return Execute(nullptr, nullptr, sql, elements, &rows);
+    return run(store, {.sql = sql, .elements = elements, .rows = &rows});
 }
 
 } // namespace DatabaseService

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "clientservices/cloudlogger.h"
+#include "databaseservice/engine/failurelog.h"
 
 #include <algorithm>
 #include <vector>
@@ -11,7 +11,7 @@ namespace DatabaseService {
 template <class Pointers> void reportNullRecords(const Pointers& records, const char* function)
 {
     if (std::find(records.begin(), records.end(), nullptr) != records.end()) {
-        Logger::CloudLogger::GetInstance()->Output(0, 5, __LINE__, function, "a null record was left out", true);
+        logFailure(__LINE__, function, "a null record was left out");
     }
 }
 
