@@ -1,6 +1,7 @@
 #include "clientservices/cloudlogger.h"
 
 #include "clientservices/logdispatch.h"
+#include "platform/neverdestroyed.h"
 #include "platform/text.h"
 
 #include <utility>
@@ -42,7 +43,7 @@ void write(int module, int severity, int line, const char* function, const Messa
 
 CloudLogger* CloudLogger::GetInstance()
 {
-    static auto& instance = *new CloudLogger;
+    static auto& instance = platform::neverDestroyed(new CloudLogger);
     return &instance;
 }
 

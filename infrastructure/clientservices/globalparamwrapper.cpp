@@ -1,5 +1,7 @@
 #include "clientservices/globalparamwrapper.h"
 
+#include "platform/neverdestroyed.h"
+
 #include <chrono>
 #include <mutex>
 #include <optional>
@@ -17,7 +19,7 @@ struct Settings {
 
 Settings& settings()
 {
-    static auto& instance = *new Settings; // never deleted: stores ask until the process ends
+    static auto& instance = platform::neverDestroyed(new Settings);
     return instance;
 }
 
@@ -39,7 +41,7 @@ template <class T, class V> void set(T Settings::*member, const V& value)
 
 GlobalParamWrapper* GlobalParamWrapper::GetInstance()
 {
-    static auto& instance = *new GlobalParamWrapper;
+    static auto& instance = platform::neverDestroyed(new GlobalParamWrapper);
     return &instance;
 }
 

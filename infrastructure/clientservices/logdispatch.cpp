@@ -1,5 +1,7 @@
 #include "clientservices/logdispatch.h"
 
+#include "platform/neverdestroyed.h"
+
 #include <algorithm>
 #include <mutex>
 #include <utility>
@@ -16,7 +18,7 @@ struct Sinks {
 
 Sinks& sinks()
 {
-    static auto& instance = *new Sinks; // never deleted: destructors of other statics may still log
+    static auto& instance = platform::neverDestroyed(new Sinks);
     return instance;
 }
 

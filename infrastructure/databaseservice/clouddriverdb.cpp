@@ -56,7 +56,7 @@ static_assert(firstColumns.size() + lastColumns.size() == 53);
 
 std::wstring& databasePath()
 {
-    static std::wstring path;
+    static auto& path = neverDestroyed(std::wstring());
     return path;
 }
 

@@ -13,8 +13,12 @@ namespace {
 constexpr const char* nameCompare = "NameCompare";
 
 // The table is read by the client's file lists; nothing in this library fills it.
-const std::string createDriveFolderSync =
-    createTable("CREATE TABLE IF NOT EXISTS DriveFolderSync (", DriveFullTaskColumns::table);
+const std::string& createDriveFolderSync()
+{
+    static const auto& text =
+        neverDestroyed(createTable("CREATE TABLE IF NOT EXISTS DriveFolderSync (", DriveFullTaskColumns::table));
+    return text;
+}
 
 int compareRanges(void* /*user*/, int leftLength, const void* left, int rightLength, const void* right)
 {
@@ -63,7 +67,7 @@ void DriverDBProviderBase::CreateIndexOnDriveDataTable()
     for (const auto& [name, column] : indexes) {
         Execute("CREATE INDEX IF NOT EXISTS " + name + " ON DriveDataTable (" + column + ");");
     }
-    Execute(createDriveFolderSync);
+    Execute(createDriveFolderSync());
 }
 
 // A connection without the collation is left as it is: the first statement that needs it fails on its own.

@@ -42,7 +42,7 @@ bool postCopy(FastAccessDBModule& module, unsigned message, uint64 shortParamete
 // Never destroyed: its thread may still run handlers while the process exits.
 FastAccessDBModule& FastAccessDBModule::GetInstance()
 {
-    static auto& instance = *new FastAccessDBModule;
+    static auto& instance = platform::neverDestroyed(new FastAccessDBModule);
     return instance;
 }
 

@@ -1,6 +1,7 @@
 #include "databaseservice/keptconnections.h"
 
 #include "databaseservice/engine/keepconnection.h"
+#include "platform/neverdestroyed.h"
 #include "platform/text.h"
 
 #include <mutex>
@@ -21,11 +22,10 @@ struct Registry {
     std::vector<Kept> all;
 };
 
-// Never destroyed: a connection may have to be kept while the process ends.
 Registry& registry()
 {
-    static Registry* const instance = new Registry;
-    return *instance;
+    static auto& instance = platform::neverDestroyed(new Registry);
+    return instance;
 }
 
 } // namespace

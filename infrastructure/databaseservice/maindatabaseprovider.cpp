@@ -10,7 +10,6 @@ namespace DatabaseService::MainDatabaseProvider {
 
 namespace {
 
-// Never deleted: it is there for calls that come while the process ends.
 MainDatabaseProviderBase& provider()
 {
     static auto& instance = platform::neverDestroyed(MainDatabaseProviderBase(L"main.dat"));

@@ -95,7 +95,7 @@ std::vector<Record> takeBatch(std::unique_ptr<std::list<Element>>& list, int lin
 // Never destroyed: its thread may still run handlers while the process exits.
 TransmissionDBModule& TransmissionDBModule::GetInstance()
 {
-    static auto& instance = *new TransmissionDBModule;
+    static auto& instance = platform::neverDestroyed(new TransmissionDBModule);
     return instance;
 }
 
