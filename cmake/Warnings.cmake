@@ -1,7 +1,10 @@
 # Warnings are errors in our own code, never in what includes it.
 add_library(databaseservice_warnings INTERFACE)
 if(MSVC)
-  target_compile_options(databaseservice_warnings INTERFACE /W4 /WX /permissive- /utf-8)
+  target_compile_options(databaseservice_warnings INTERFACE /W4 /WX /permissive- /utf-8
+    # Exported classes hold members of the standard library and derive from its templates. Library and client are built
+    # with one compiler and one runtime, as such an interface asks for anyway.
+    /wd4251 /wd4275)
 else()
   # The destructor of the engine's base class is public and not virtual by contract; providers are never
   # deleted through it, so the warning about that stays off.
