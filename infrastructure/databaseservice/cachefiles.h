@@ -1,3 +1,4 @@
+// The library's own: not installed.
 #pragma once
 
 #include <string>

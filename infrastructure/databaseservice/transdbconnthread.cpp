@@ -8,8 +8,8 @@ TransDbConnThread::TransDbConnThread() : DatabaseOperationBase(L"transmission.da
 
 TransDbConnThread* TransDbConnThread::GetInstance()
 {
-    // Never destroyed: the module's thread may still write while the process exits.
-    static auto& instance = *new TransDbConnThread;
+    // The module's thread may still write while the process exits.
+    static auto& instance = neverDestroyed(new TransDbConnThread);
     return &instance;
 }
 

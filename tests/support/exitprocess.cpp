@@ -4,6 +4,7 @@
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/fastaccessdbmodule.h"
 #include "databaseservice/transmissiondbmodule.h"
+#include "platform/neverdestroyed.h"
 #include "platform/programentry.h"
 #include "platform/text.h"
 #include "support/logcapture.h"
@@ -46,7 +47,7 @@ int platform::programMain(const std::vector<std::string>& arguments)
     for (const char name : arguments[1]) {
         module(name).OnUserLogin();
     }
-    static auto& shortcut = *new DatabaseService::FastAccessTable;
+    static auto& shortcut = platform::neverDestroyed(new DatabaseService::FastAccessTable);
     for (int post = std::stoi(arguments[3]); post > 0; --post) {
         TransmissionDBModule::GetInstance().ExecuteSQL("INSERT INTO UploadTaskTable(errorCode) VALUES (1)");
         FastAccessDBModule::GetInstance().InsertFastAccessData(&shortcut, {});
