@@ -371,6 +371,7 @@ TEST_F(Tool, WritesNoStoreWithNamesInAnotherOrder)
             EXPECT_NE(refused.err.find("`dbservice reindex`"), std::string::npos) << refused.err;
         }
         EXPECT_EQ(rows({"count"}).at(0)["rows"], 2);
+        EXPECT_NE(onStore({"view", "other"}).err.find("`dbservice reindex`"), std::string::npos);
         EXPECT_EQ(contents(store()), before);
 
         EXPECT_EQ(rows({"reindex"}).at(0)["agreedBefore"], false);
@@ -579,8 +580,11 @@ TEST_F(Tool, FailuresOfTheLibraryReachThePerson)
 
     fs::remove_all(store());
     ASSERT_EQ(scan().code, 0);
-    changeStore("INSERT INTO DriveDataTable(fileId, parentId, recycled) VALUES ('x', 'y', 0), ('y', 'x', 0);");
+    changeStore("INSERT INTO DriveDataTable(fileId, parentId, recycled) VALUES ('x', 'y', 0), ('y', 'x', 0), "
+                "('z', 'none', 0);");
     EXPECT_NE(onStore({"stat", "id:x"}).err.find("its own ancestor"), std::string::npos);
+    EXPECT_NE(onStore({"ls", "id:x"}).err.find("warning: the folder id:y is below itself"), std::string::npos);
+    EXPECT_NE(onStore({"stat", "id:z"}).err.find("warning: the folder id:none has no row"), std::string::npos);
 }
 
 // A table that refuses updates stands for a full disk: nothing may be swept when rows could not be written.

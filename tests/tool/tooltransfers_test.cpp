@@ -107,7 +107,8 @@ TEST_F(ToolTransfers, LocksAndAChangeOfUser)
         EXPECT_EQ(rows({"transfers", "list"}).size(), 3U);
         const Ran ran = onStore({"transfers", "simulate", "3"});
         EXPECT_EQ(ran.code, 1);
-        EXPECT_NE(ran.err.find("transmission.dat within 3 seconds"), std::string::npos) << ran.err;
+        EXPECT_NE(ran.err.find("transmission.dat: locked by another program for 3 seconds"), std::string::npos)
+            << ran.err;
     }
     EXPECT_EQ(contents(store()), before);
     EXPECT_EQ(rows({"reset", "--user", "--yes"}),

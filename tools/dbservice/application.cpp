@@ -10,6 +10,8 @@
 #include "terminal/failure.h"
 
 #include <iostream>
+#include <sstream>
+#include <string>
 
 namespace dbservice {
 
@@ -23,6 +25,7 @@ std::string versions()
 
 Command describeProgram(GlobalOptions& options)
 {
+    constexpr double longestWait = 1'000'000;
     return {
         .name = "dbservice",
         .summary = "Works on the database stores of a user's folder.",
@@ -35,6 +38,9 @@ Command describeProgram(GlobalOptions& options)
                     {.type = "STORE"}),
                 argument<&GlobalOptions::logFile>(
                     "--log", "Write everything that the library logs to FILE, rotated at 10 MiB", {.type = "FILE"}),
+                argument<&GlobalOptions::waitSeconds>(
+                    "--wait", "How long to wait for a file that another program has locked",
+                    {.showsDefault = true, .type = "SECONDS", .range = Range{0, longestWait}}),
                 argument<&GlobalOptions::json>("--json", "Print results as JSON with the stored names as keys"),
                 argument<&GlobalOptions::quiet>("--quiet", "No progress and no notes; warnings and errors stay"),
                 shows<GlobalOptions>("--version", versions, "Show the versions of library, SQLite and order of names"),
@@ -47,28 +53,61 @@ Command describeProgram(GlobalOptions& options)
     };
 }
 
+/// Takes what goes to standard output meanwhile.
+class HeldOutput {
+public:
+    HeldOutput() : m_output(std::cout.rdbuf(&m_held)) { }
+    HeldOutput(const HeldOutput&) = delete;
+    HeldOutput& operator=(const HeldOutput&) = delete;
+    ~HeldOutput() { std::cout.rdbuf(m_output); }
+
+    std::string text() const { return m_held.str(); }
+
+private:
+    std::stringbuf m_held;
+    std::streambuf* const m_output;
+};
+
 int runCommand(const GlobalOptions& options, const Command& command)
 {
     Session session(options);
     int code = failed;
-    try {
-        code = command(session);
-    } catch (const Failure& reason) {
-        session.reporter().error(reason.what());
-        code = reason.exitCode();
-    } catch (const std::exception& error) {
-        session.reporter().error(std::string("cannot go on: ") + error.what());
+    std::string failure;
+    std::string results;
+    {
+        const HeldOutput held;
+        try {
+            code = command(session);
+        } catch (const NotFound& reason) {
+            failure = session.hasTrouble() ? "cannot read the store" : reason.what();
+        } catch (const Failure& reason) {
+            failure = reason.what();
+            code = reason.exitCode();
+        } catch (const std::exception& error) {
+            failure = std::string("cannot go on: ") + error.what();
+        }
+        results = held.text();
     }
     session.stopModules(); // what they have yet to do may fail as well
-    if (code == 0 && session.libraryFailures() > 0) {
-        session.reporter().error("cannot vouch for the result: the store reported " +
-                                 counted(session.libraryFailures(), "failure", "failures") +
-                                 ", see the warnings above");
-        code = failed;
+    const bool trouble = session.hasTrouble();
+    if (!trouble || !session.onlyShows()) { // half a list is none
+        std::cout << results;
     }
     if (!std::cout.flush()) {
         session.reporter().error("cannot write the result to standard output");
         code = failed;
+    }
+    if (trouble) {
+        if (session.onlyShows()) {
+            failure = "cannot read the store";
+        } else if (failure.empty()) {
+            failure = "cannot vouch for the result";
+        }
+        failure += ": " + session.cause();
+        code = failed;
+    }
+    if (!failure.empty()) {
+        session.reporter().error(failure);
     }
     return code;
 }

@@ -52,6 +52,9 @@ void countAll(Session& session, Counts& counts)
     CloudDriverDb& lists = session.readLists();
     const int64 total = lists.GetTotalNumber();
     const int64 folders = lists.GetTotalFolderNumber();
+    if (total > rows || folders > total) {
+        session.examineStore("count the rows");
+    }
     counts.add("rows", "in the store", rows);
     counts.add("total", "outside the bin", total);
     counts.add("folders", "  folders", folders);

@@ -3,6 +3,8 @@
 #include "drive/listpage.h"
 #include "stores/session.h"
 
+#include <vector>
+
 namespace dbservice {
 
 namespace {
@@ -16,12 +18,14 @@ int ls(Session& session, const LsOptions& options)
 {
     const DriveTree::Place place = DriveTree(session.readDrive()).place(options.path);
     if (!place.isFolder()) {
+        warnOfStrays(session, {place.row});
         showRows(session, {place.row}, TimeColumn::Modified);
         return 0;
     }
     const std::string id = idForLists(place.id);
     DatabaseService::CloudDriverDb& lists = session.readLists();
     const Page page = childPage(lists, id, lists.GetSubFolderNumber(id), lists.GetSubFileNumber(id), options.page);
+    warnOfStrays(session, place.row.Empty() ? page.rows : std::vector{place.row});
     showPage(session, page, options.page, TimeColumn::Modified);
     return 0;
 }

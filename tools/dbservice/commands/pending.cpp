@@ -1,6 +1,7 @@
 #include "command.h"
 #include "databaseservice/databasebindparameter.h"
 #include "drive/drivetree.h"
+#include "drive/listpage.h"
 #include "drive/pendinglist.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
@@ -44,6 +45,7 @@ int pending(Session& session)
         }
     }
     std::stable_sort(operations.begin(), operations.end(), comesFirst);
+    warnOfStrays(session, rows);
     DriveTree tree(drive);
     showPending(session, tree, operations);
     if (!session.json()) {

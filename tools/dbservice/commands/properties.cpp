@@ -93,6 +93,7 @@ int removeAll(Session& session, const PropertyOptions& options)
     confirm(session.reporter(), "Remove " + properties + " from " + mainFileName + "?", options.yes);
     store::DeleteAllUserProperties();
     const int left = store::CountUserProperties();
+    session.stopIfFailed("remove all properties");
     if (left > 0) {
         throw Failure("cannot remove all properties: " + grouped(left) + " are still there");
     }

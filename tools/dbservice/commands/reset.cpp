@@ -101,12 +101,13 @@ void show(const Session& session, const std::vector<Content>& before, const std:
 template <class Drop> int resetOne(Session& session, const fs::path& file, bool yes, Drop drop)
 {
     session.editStore(file);
-    requireWritable(file);
     const Content before = look(file);
     session.stopIfFailed("look at " + platform::toUtf8(file));
     confirm(session.reporter(), question(session, {before}), yes);
     drop(GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder());
-    show(session, {before}, {look(file)});
+    const Content after = look(file);
+    session.stopIfFailed("drop the tables of " + platform::toUtf8(file));
+    show(session, {before}, {after});
     return 0;
 }
 
@@ -117,10 +118,14 @@ int resetAll(Session& session, const ResetOptions& options)
     session.stopIfFailed("look at the stores");
     confirm(session.reporter(), question(session, before), options.yes);
     DatabaseService::DropAllTables::GetInstance()->SearchAllDatFile();
+    const int failures = session.libraryFailures(); // of files that are no databases
     std::vector<Content> after;
     std::size_t left = 0;
     for (const Content& content : before) {
         left += after.emplace_back(look(content.file)).tables;
+    }
+    if (session.libraryFailures() > failures) {
+        throw Failure("cannot look at what is left of the stores");
     }
     show(session, before, after);
     if (left > 0) {

@@ -98,7 +98,6 @@ int insert(FastAccessDBModule& module, FastAccessTable record)
 FastAccessDBModule& openForWriting(Session& session)
 {
     session.editStore(shortcutFileName);
-    requireWritable(shortcutFileName);
     return session.module<FastAccessDBModule>();
 }
 

@@ -1,6 +1,8 @@
 #include "command.h"
+#include "commands/commands.h"
 #include "drive/drivefields.h"
 #include "drive/drivetree.h"
+#include "drive/listpage.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
@@ -26,6 +28,7 @@ int stat(Session& session, const StatOptions& options)
     if (tree.isItsOwnAncestor(id)) {
         throw Failure("cannot count what is below " + id + ": the row is its own ancestor");
     }
+    warnOfStrays(session, {row});
     const int subtree = drive.GetFilesChildNodeCount(id);
     if (session.json()) {
         nlohmann::ordered_json json = toJson(row);

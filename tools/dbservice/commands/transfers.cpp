@@ -51,7 +51,6 @@ struct SimulateOptions {
 TransmissionDBModule& openForWriting(Session& session)
 {
     session.editStore(transferFileName);
-    requireWritable(transferFileName);
     auto& transfers = session.module<TransmissionDBModule>();
     transfers.OnUserLogin();
     session.stopIfFailed("lay down the transfer store");
@@ -94,7 +93,7 @@ void showRows(const Session& session, const TransferTable& table, const std::vec
 
 int list(Session& session, const std::vector<const TransferTable*>& wanted)
 {
-    // A copy, since the library waits without end for a file that another program has locked.
+    // A copy, so that transfers show while another program has locked their file.
     session.readStore(transferFileName, ReadableStore::Copy::Always);
     StoreFile file(transferFileName);
     const std::vector<std::string> present = file.tables();

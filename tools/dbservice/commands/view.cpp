@@ -35,6 +35,7 @@ int view(Session& session, const ViewOptions& options)
     page.summary = options.shown->name;
     lists.QueryTypeFile(options.shown->view, static_cast<int>(options.page.offset),
                         static_cast<int>(options.page.count), options.page.sort, page.rows);
+    warnOfStrays(session, page.rows);
     showPage(session, page, options.page, TimeColumn::Modified);
     return 0;
 }

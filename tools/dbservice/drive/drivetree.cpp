@@ -8,7 +8,6 @@
 #include <iterator>
 #include <string_view>
 #include <tuple>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -43,7 +42,7 @@ std::vector<std::string> namesIn(const std::string& path)
 DriveDataTable theOne(std::vector<DriveDataTable> rows, const std::string& what)
 {
     if (rows.empty()) {
-        throw Failure("cannot find " + what + " in the store");
+        throw NotFound("cannot find " + what + " in the store");
     }
     if (rows.size() > 1) {
         std::string ids;
@@ -82,7 +81,7 @@ DriveDataTable DriveTree::find(const std::string& path, Among among)
 {
     Place found = walk(path, among);
     if (found.row.Empty()) {
-        throw Failure("cannot find a row with the id " + found.id + " in the store");
+        throw NotFound("cannot find a row with the id " + found.id + " in the store");
     }
     return std::move(found.row);
 }
@@ -105,7 +104,7 @@ DriveTree::Place DriveTree::walk(const std::string& path, Among among)
         const std::string first = id.substr(0, id.find('/'));
         std::optional<Place> start = placeOf(first);
         if (!start) {
-            throw Failure("cannot find a row with the id " + id + " in the store");
+            throw NotFound("cannot find a row with the id " + id + " in the store");
         }
         place = std::move(*start);
         walked = "id:" + first;
@@ -197,9 +196,9 @@ std::vector<DriveDataTable> DriveTree::rowsWhere(const std::string& column, cons
     return rows;
 }
 
-std::vector<std::string> DriveTree::pathsOf(const std::vector<DriveDataTable>& rows)
+DriveTree::Folders DriveTree::foldersAbove(const std::vector<DriveDataTable>& rows)
 {
-    std::unordered_map<std::string, std::pair<std::string, std::string>> folders; // id to name and parent
+    Folders folders;
     std::unordered_set<std::string> asked;
     std::vector<std::string> wanted;
     const auto want = [&](const std::string& id) {
@@ -217,7 +216,12 @@ std::vector<std::string> DriveTree::pathsOf(const std::vector<DriveDataTable>& r
             want(row.GetParentId());
         }
     }
+    return folders;
+}
 
+std::vector<std::string> DriveTree::pathsOf(const std::vector<DriveDataTable>& rows)
+{
+    const Folders folders = foldersAbove(rows);
     std::vector<std::string> paths;
     paths.reserve(rows.size());
     for (const DriveDataTable& row : rows) {
@@ -237,6 +241,43 @@ std::vector<std::string> DriveTree::pathsOf(const std::vector<DriveDataTable>& r
         paths.push_back(path.empty() ? "/" : path);
     }
     return paths;
+}
+
+std::vector<std::string> DriveTree::strayFolders(const std::vector<DriveDataTable>& rows)
+{
+    const Folders folders = foldersAbove(rows);
+    std::unordered_set<std::string> seen; // each folder has one parent, so that each has to be passed once only
+    std::vector<std::string> found;
+    for (const DriveDataTable& row : rows) {
+        std::unordered_set<std::string> passed;
+        for (std::string id = row.GetParentId(); !id.empty(); id = folders.at(id).second) {
+            if (!seen.insert(id).second) {
+                if (passed.contains(id)) {
+                    found.push_back("the folder id:" + id + " is below itself");
+                }
+                break;
+            }
+            passed.insert(id);
+            if (!folders.contains(id)) {
+                if (!isTop(id)) {
+                    found.push_back("the folder id:" + id + " has no row");
+                }
+                break;
+            }
+        }
+    }
+    return found;
+}
+
+/// Whether a folder without a row is the one at the top: the one that the client's configuration names or, where it
+/// names none, any in a store that has no root among its rows.
+bool DriveTree::isTop(const std::string& id)
+{
+    if (const auto [found, conf] = m_drive.GetDriverConfItem(); found && !conf.rootFileId.empty()) {
+        return conf.rootFileId == id;
+    }
+    DatabaseBindParameter none;
+    return m_drive.GetDriveDataByWhereSql("parentId = '' OR parentId IS NULL LIMIT 1", none).empty();
 }
 
 std::vector<DriveDataTable> DriveTree::foldersToBe(const DriveDataTable& row)

@@ -4,6 +4,8 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace dbservice {
@@ -38,6 +40,10 @@ public:
     /// The paths by which `find` knows these rows, in their order. Below a folder without a row they begin with its id.
     std::vector<std::string> pathsOf(const std::vector<DatabaseService::DriveDataTable>& rows);
 
+    /// What keeps these rows from being found by a path from the root: "the folder id:X has no row", "the folder id:X
+    /// is below itself". A client's top folder, which has no row either, is none of it.
+    std::vector<std::string> strayFolders(const std::vector<DatabaseService::DriveDataTable>& rows);
+
     /// The folders above a row once all pending moves are done, the nearest first, as far as they have rows.
     std::vector<DatabaseService::DriveDataTable> foldersToBe(const DatabaseService::DriveDataTable& row);
 
@@ -54,6 +60,12 @@ public:
     bool isItsOwnAncestor(const std::string& id);
 
 private:
+    /// Folders by id, with name and parent.
+    using Folders = std::unordered_map<std::string, std::pair<std::string, std::string>>;
+
+    /// All the folders above these rows that have rows.
+    Folders foldersAbove(const std::vector<DatabaseService::DriveDataTable>& rows);
+    bool isTop(const std::string& id);
     Place walk(const std::string& path, Among among);
     std::optional<Place> placeOf(const std::string& id);
     DatabaseService::DriveDataTable child(const std::string& folderId, const std::string& name, Among among,

@@ -1,6 +1,9 @@
 #include "drive/listpage.h"
 
+#include "databaseservice/version.h"
 #include "drive/drivefields.h"
+#include "drive/drivetree.h"
+#include "stores/nameindex.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
@@ -72,15 +75,45 @@ void showRows(const Session& session, const std::vector<DriveDataTable>& rows, T
     table.print(std::cout, Session::outputWidth());
 }
 
+namespace {
+
+void warnOfNameOrder(Session& session)
+{
+    if (examineNameIndex(session.readDrive()) == NameIndex::Disagrees) {
+        session.reporter().warning(
+            "rows may come in the wrong order, on the wrong page or not at all: the store's index of "
+            "names is in another order than this build's (" +
+            NameOrderVersion() + "); `dbservice reindex` brings it into this order");
+    }
+}
+
+} // namespace
+
+void warnOfStrays(Session& session, const std::vector<DriveDataTable>& rows)
+{
+    constexpr std::size_t told = 5;
+    const std::vector<std::string> strays = DriveTree(session.readDrive()).strayFolders(rows);
+    for (std::size_t i = 0; i < std::min(told, strays.size()); ++i) {
+        session.reporter().warning(strays[i] + ", so that no path leads to what is in it");
+    }
+    if (strays.size() > told) {
+        session.reporter().warning(
+            counted(static_cast<std::int64_t>(strays.size() - told), "more folder is", "more folders are") +
+            " like that");
+    }
+}
+
 void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time)
 {
     const auto shown = static_cast<std::int64_t>(page.rows.size());
     const std::int64_t following = std::max<std::int64_t>(0, page.total - options.offset);
     if (shown != std::min<std::int64_t>(following, options.count)) {
+        session.examineStore("list everything");
         throw Failure("cannot list everything: " + counted(shown, "row", "rows") + " came in place of " +
                       grouped(std::min<std::int64_t>(following, options.count)) +
-                      "; the store is being written, or cannot be read to its end");
+                      "; another program writes to the store");
     }
+    warnOfNameOrder(session);
     showRows(session, page.rows, time);
     if (!session.json()) {
         const std::string first = shown > 0 ? grouped(options.offset + std::int64_t{1}) + "-" : "";

@@ -38,9 +38,12 @@ enum class TimeColumn { Modified, Recycled };
 /// Prints rows only.
 void showRows(const Session& session, const std::vector<DatabaseService::DriveDataTable>& rows, TimeColumn time);
 
-/// Prints a page and which part of the list it is. Throws a `Failure` when it lacks rows: the library cuts a list short
-/// at a step that fails, and says nothing.
+/// Prints a page and which part of the list it is, with a warning where the order of names may be wrong. Throws a
+/// `Failure` when it lacks rows: the library cuts a list short at a step that fails, and says nothing.
 void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time);
+
+/// Warns of what keeps rows that are shown from being found by a path.
+void warnOfStrays(Session& session, const std::vector<DatabaseService::DriveDataTable>& rows);
 
 /// The id of a stored row as `CloudDriverDb` may be given it. Throws a `Failure` for one that would not stay within its
 /// quotes in a statement, and for an empty one, which would stand for the recycle bin.

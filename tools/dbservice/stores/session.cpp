@@ -9,11 +9,16 @@
 #include "platform/terminal.h"
 #include "platform/text.h"
 #include "stores/nameindex.h"
+#include "stores/storefile.h"
 #include "stores/storelog.h"
+#include "stores/storeshape.h"
+#include "stores/storewatch.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -53,6 +58,10 @@ Session::Session(const GlobalOptions& options)
       m_log(std::make_shared<StoreLog>(m_reporter)),
       m_folder(chooseFolder(options.folder))
 {
+    StoreWatch::instance().begin(
+        std::chrono::milliseconds(std::llround(options.waitSeconds * 1000)), [this](const fs::path& file) {
+            m_reporter.note("waiting for " + platform::toUtf8(shown(file)) + ", which another program has locked");
+        });
     if (options.quiet) {
         m_reporter.beQuiet();
     }
@@ -72,6 +81,7 @@ Session::Session(const GlobalOptions& options)
 Session::~Session()
 {
     stopModules();
+    StoreWatch::instance().end();
     Logger::CloudLogger::GetInstance()->RemoveSink(m_logFile);
     Logger::CloudLogger::GetInstance()->RemoveSink(m_log);
 }
@@ -141,6 +151,8 @@ DatabaseService::CloudDriverDb& Session::readLists()
         const fs::path file = m_readable->folder() / driveFileName;
         DatabaseService::CloudDriverDb::InitDatabasePath(platform::toWide(platform::toUtf8(file)));
         m_lists.emplace();
+        // Longer than the watch, which ends the wait.
+        m_lists->setBusyTimeout(static_cast<int>(std::lround((m_options.waitSeconds + 1) * 1000)));
         stopIfFailed("open the lists of the drive store");
     }
     return *m_lists;
@@ -198,9 +210,40 @@ int Session::libraryFailures() const
 
 void Session::stopIfFailed(const std::string& what) const
 {
-    if (libraryFailures() > 0) {
-        throw Failure("cannot " + what + ": the store reported " + counted(libraryFailures(), "failure", "failures") +
-                      ", see the warnings above");
+    if (hasTrouble()) {
+        throw Failure("cannot " + what);
+    }
+}
+
+bool Session::hasTrouble() const
+{
+    return libraryFailures() > 0 || StoreWatch::instance().fault();
+}
+
+std::string Session::cause()
+{
+    const StoreWatch::Fault fault = StoreWatch::instance().fault().value_or(m_log->firstReason());
+    if (fault.reason.empty()) {
+        return "the store reported " + counted(libraryFailures(), "failure", "failures") + ", see the warnings above";
+    }
+    if (fault.file.empty()) {
+        return fault.reason;
+    }
+    std::string reason = cutShort(fault.file);
+    if (reason.empty() && fault.reason.find("no such column") != std::string::npos) {
+        reason = missingColumns(fault.file);
+    }
+    return platform::toUtf8(shown(fault.file)) + ": " + (reason.empty() ? fault.reason : reason);
+}
+
+void Session::examineStore(const std::string& what)
+{
+    const std::vector<std::string> found = StoreFile(m_store).texts("PRAGMA integrity_check(1)");
+    stopIfFailed(what);
+    if (found != std::vector<std::string>{"ok"}) {
+        const fs::path folder = m_readable ? m_readable->folder() : m_folder;
+        StoreWatch::instance().report({folder / m_store, "damaged: " + (found.empty() ? "" : found.front())});
+        throw Failure("cannot " + what);
     }
 }
 
@@ -216,8 +259,15 @@ void Session::requireStoreFolder() const
 
 void Session::useFolder(const fs::path& folder, const fs::path& store)
 {
+    m_store = store;
     m_log->setStore(platform::toUtf8(store));
     GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(platform::toUtf8(folder)));
+}
+
+/// A file as the person knows it: a temporary copy stands for its original.
+fs::path Session::shown(const fs::path& file) const
+{
+    return m_readable && file.parent_path() == m_readable->folder() ? m_folder / file.filename() : file;
 }
 
 fs::path pathFromArgument(std::string_view argument)

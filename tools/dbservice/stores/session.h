@@ -30,6 +30,7 @@ struct GlobalOptions {
     std::string logFile; ///< empty: none
     bool json = false;
     bool quiet = false;
+    double waitSeconds = 3; ///< for a lock that another program has
 };
 
 inline constexpr const char* driveFileName = "DriveModuleData.dat";
@@ -51,6 +52,8 @@ public:
     ~Session();
 
     bool json() const { return m_options.json; }
+    /// Whether the command shows what is in a store and changes nothing of it.
+    bool onlyShows() const { return m_readable.has_value(); }
     Reporter& reporter() { return m_reporter; }
     /// The width to which tables on standard output are cut, 0 for no limit.
     static int outputWidth();
@@ -98,19 +101,29 @@ public:
 
     /// How many failures the library has logged in this run.
     int libraryFailures() const;
-    /// Throws "cannot `what`: ..." if the library has logged any.
+    /// Throws "cannot `what`" if the library has logged any.
     void stopIfFailed(const std::string& what) const;
+
+    /// Whether anything has been met that makes the results worthless.
+    bool hasTrouble() const;
+    /// The file and the reason behind that, or "see the warnings above" where neither is known. For the end of a run.
+    std::string cause();
+    /// Looks through the whole file of the store and its indexes, for a command whose figures contradict each other.
+    /// Throws a `Failure` "cannot `what`" if the file is damaged.
+    void examineStore(const std::string& what);
 
 private:
     void stopLater(TessixDeskClient::ModuleBase& module);
     void requireStoreFolder() const;
     void useFolder(const std::filesystem::path& folder, const std::filesystem::path& store);
+    std::filesystem::path shown(const std::filesystem::path& file) const;
 
     GlobalOptions m_options;
     Reporter m_reporter;
     std::shared_ptr<StoreLog> m_log;
     std::shared_ptr<Logger::LogSink> m_logFile;
     std::filesystem::path m_folder;
+    std::filesystem::path m_store; ///< the name of its file
     std::optional<ReadableStore> m_readable;
     DatabaseService::DriverDBProvider m_drive;
     std::optional<DatabaseService::CloudDriverDb> m_lists; // closed before the copy that it reads is removed

@@ -4,8 +4,12 @@
 #include "databaseservice/commonsqlitedb.h"
 #include "platform/paths.h"
 #include "platform/text.h"
+#include "terminal/displaytext.h"
 #include "terminal/failure.h"
 
+#include <array>
+#include <cstdint>
+#include <fstream>
 #include <list>
 
 namespace dbservice {
@@ -52,17 +56,27 @@ std::string inQuotes(std::string_view text, char mark)
     return result + mark;
 }
 
-void requireWritable(const std::filesystem::path& fileName)
+std::string cutShort(const std::filesystem::path& file)
 {
-    constexpr int milliseconds = 3000;
-    const std::filesystem::path file =
-        platform::toPath(GlobalParamWrapper::GetInstance()->GetUserDataBaseFolder()) / fileName;
-    DatabaseService::CommonSqliteDb database(milliseconds);
-    if (!database.OpenUtf8Path(platform::toUtf8(file).c_str()) || !database.ExcuteSql("BEGIN IMMEDIATE") ||
-        !database.ExcuteSql("ROLLBACK")) {
-        throw Failure("cannot write to the store: no lock on " + platform::toUtf8(file) + " within " +
-                      std::to_string(milliseconds / 1000) + " seconds, see the warning above");
+    std::array<unsigned char, 100> header{};
+    std::ifstream stream(file, std::ios::binary);
+    stream.read(reinterpret_cast<char*>(header.data()), header.size());
+    std::error_code error;
+    const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file, error));
+    const auto number = [&](std::size_t at, std::size_t bytes) {
+        std::int64_t value = 0;
+        for (std::size_t i = at; i < at + bytes; ++i) {
+            value = value << 8 | header[i];
+        }
+        return value;
+    };
+    const std::int64_t pageSize = number(16, 2) == 1 ? 65536 : number(16, 2);
+    const bool knowsPages = number(24, 4) == number(92, 4); // the version that the number of pages is of
+    const std::int64_t whole = pageSize * number(28, 4);
+    if (!stream || error || !knowsPages || size >= whole) {
+        return {};
     }
+    return "cut short, " + grouped(size) + " of " + counted(whole, "byte", "bytes");
 }
 
 } // namespace dbservice

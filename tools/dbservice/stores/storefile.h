@@ -30,8 +30,7 @@ public:
 /// A text for a statement: between marks, with each mark in it doubled.
 std::string inQuotes(std::string_view text, char mark);
 
-/// Throws a `Failure` when a store's file cannot be written to, or is locked by another program for seconds; the
-/// library itself waits for a locked file without end. Changes nothing.
-void requireWritable(const std::filesystem::path& fileName);
+/// "cut short, 4,096 of 8,192 bytes" if a database has fewer bytes than its header tells; else empty.
+std::string cutShort(const std::filesystem::path& file);
 
 } // namespace dbservice

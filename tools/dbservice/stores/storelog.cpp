@@ -21,13 +21,28 @@ void StoreLog::Write(const Logger::LogEntry& entry)
     if (!entry.IsFailure() && !isPrintfFailure(entry)) {
         return;
     }
+    const std::optional<StoreWatch::Fault> fault = StoreWatch::instance().fault();
+    if (fault && fault->isLock) {
+        ++m_failures;
+        return;
+    }
     constexpr int shown = 20;
     const int number = ++m_failures;
+    if (number == 1) {
+        const std::lock_guard lock(m_mutex);
+        m_firstReason = StoreWatch::lastComplaint();
+    }
     if (number <= shown) {
         m_reporter.warning(m_store + ": " + entry.message);
     } else if (number == shown + 1) {
         m_reporter.warning(m_store + ": and more of the same; --log FILE keeps all of it");
     }
+}
+
+StoreWatch::Fault StoreLog::firstReason() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_firstReason;
 }
 
 } // namespace dbservice

@@ -24,4 +24,10 @@ private:
     int m_exitCode;
 };
 
+/// Nothing is there by that name, as far as the store could be read.
+class NotFound : public Failure {
+public:
+    using Failure::Failure;
+};
+
 } // namespace dbservice

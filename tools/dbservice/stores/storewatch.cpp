@@ -1,0 +1,340 @@
+#include "stores/storewatch.h"
+
+#include "terminal/displaytext.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <list>
+#include <map>
+#include <mutex>
+#include <set>
+#include <sqlite3.h>
+#include <stdexcept>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace dbservice {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// The lock that writers of a file with a write-ahead log take, beside SQLite's own lock levels.
+constexpr int logWriteLock = 100;
+
+/// The functions of an open file: the system's, and those with ours in place of some. SQLite has a set of them for
+/// each way to lock a file.
+struct FileFunctions {
+    sqlite3_io_methods watched{}; // first: a file points to it
+    const sqlite3_io_methods* system = nullptr;
+};
+
+struct OpenFile {
+    std::string name;
+    unsigned pageSize = 0;
+    unsigned firstFreePage = 0;
+    struct Refusals {
+        Clock::time_point since;
+        Clock::time_point last;
+        bool told = false;
+    };
+    std::map<int, Refusals> refused{}; ///< by lock
+};
+
+fs::path toPath(const std::string& utf8)
+{
+    return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+unsigned bigEndian(const unsigned char* bytes, int count)
+{
+    unsigned number = 0;
+    for (int i = 0; i < count; ++i) {
+        number = number << 8U | bytes[i];
+    }
+    return number;
+}
+
+/// Whether a code that SQLite tells is about one statement or about nothing bad: its text, the shape of a table, a row
+/// that it refuses, a lock, a note.
+bool isBearable(int code)
+{
+    switch (code & 0xFF) {
+    case SQLITE_OK:
+    case SQLITE_ERROR:
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_SCHEMA:
+    case SQLITE_CONSTRAINT:
+    case SQLITE_AUTH:
+    case SQLITE_NOTICE:
+    case SQLITE_WARNING:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The file that the thread locked or opened last: what SQLite says next on it is about that.
+thread_local std::string fileOfThread;
+thread_local StoreWatch::Fault complaint;
+
+/// A statement's text follows some reasons, in quotes.
+std::string withoutStatement(const std::string& message)
+{
+    return message.substr(0, message.find(" in \""));
+}
+
+} // namespace
+
+struct StoreWatch::Impl {
+    mutable std::mutex mutex;
+    std::chrono::milliseconds limit{0};
+    std::function<void(const fs::path&)> onWait;
+    std::optional<Fault> fault{};
+    std::list<FileFunctions> functions;
+    std::unordered_map<sqlite3_file*, OpenFile> files;
+    std::map<std::pair<std::string, int>, Clock::time_point> granted; ///< when this process last got a file's lock
+    std::set<std::string> givenUp;
+    sqlite3_vfs* system = nullptr;
+    sqlite3_vfs watched{};
+
+    void report(const Fault& found)
+    {
+        const std::lock_guard lock(mutex);
+        if (!fault) {
+            fault = found;
+        }
+    }
+
+    /// What SQLite is to get for an answer of the system about a lock.
+    int judge(sqlite3_file* file, int lock, int code)
+    {
+        std::unique_lock guard(mutex);
+        OpenFile& open = files[file];
+        fileOfThread = open.name;
+        const Clock::time_point now = Clock::now();
+        Clock::time_point& lastGrant = granted[{open.name, lock}];
+        if (code != SQLITE_BUSY) {
+            open.refused.erase(lock);
+            lastGrant = now;
+            return code;
+        }
+        constexpr auto pause = std::chrono::seconds(2); // nobody who waits asks as seldom as that
+        constexpr auto noticed = std::chrono::milliseconds(500);
+        OpenFile::Refusals& refusals = open.refused[lock];
+        if (now - refusals.last > pause) {
+            refusals = {now, now};
+        }
+        refusals.last = now;
+        // Other threads of this process may have had it meanwhile, and then nobody else keeps it.
+        const Clock::duration waited = now - std::max(refusals.since, lastGrant);
+        if (waited >= limit) {
+            const double seconds = std::round(std::chrono::duration<double>(limit).count() * 100) / 100;
+            const std::string number =
+                seconds == std::floor(seconds) ? grouped(std::llround(seconds)) : twoDecimals(seconds);
+            givenUp.insert(open.name);
+            if (!fault) {
+                fault = {toPath(open.name),
+                         "locked by another program for " + number + (number == "1" ? " second" : " seconds") +
+                             "; --wait SECONDS waits longer",
+                         true};
+            }
+            return SQLITE_IOERR_LOCK;
+        }
+        if (waited >= noticed && !std::exchange(refusals.told, true) && onWait) {
+            const auto tell = onWait;
+            const fs::path path = toPath(open.name);
+            guard.unlock();
+            tell(path);
+        }
+        return code;
+    }
+
+    bool hasGivenUp(sqlite3_file* file)
+    {
+        const std::lock_guard guard(mutex);
+        return givenUp.contains(files[file].name);
+    }
+
+    /// Whether what was read from a database file is a page in use that cannot be one.
+    bool isZeroedPage(sqlite3_file* file, const unsigned char* bytes, int count, sqlite3_int64 offset)
+    {
+        constexpr int smallestPage = 512;
+        constexpr int freePageAt = 32;
+        const bool empty =
+            count >= smallestPage && std::all_of(bytes, bytes + count, [](auto byte) { return byte == 0; });
+        if (!empty && offset > freePageAt) {
+            return false;
+        }
+        const std::lock_guard guard(mutex);
+        OpenFile& open = files[file];
+        if (offset == 0 && count >= 18) {
+            const unsigned stored = bigEndian(bytes + 16, 2);
+            open.pageSize = stored == 1 ? 65536 : stored;
+        }
+        if (offset <= freePageAt && offset + count >= freePageAt + 4) {
+            open.firstFreePage = bigEndian(bytes + freePageAt - offset, 4);
+        }
+        if (!empty || open.pageSize == 0) {
+            return false;
+        }
+        const auto page = static_cast<unsigned>(offset / open.pageSize) + 1;
+        if (page == open.firstFreePage) {
+            return false; // the only free page of a file may be such
+        }
+        if (!fault) {
+            fault = {toPath(open.name), "damaged: page " + std::to_string(page) + " holds only zeros", false};
+        }
+        return true;
+    }
+};
+
+namespace {
+
+StoreWatch::Impl* watch = nullptr; // as long as the process: connections may outlive everything else
+
+const sqlite3_io_methods& systemOf(const sqlite3_file* file)
+{
+    return *reinterpret_cast<const FileFunctions*>(file->pMethods)->system;
+}
+
+int closeFile(sqlite3_file* file)
+{
+    const sqlite3_io_methods& system = systemOf(file);
+    {
+        const std::lock_guard guard(watch->mutex);
+        watch->files.erase(file);
+    }
+    return system.xClose(file);
+}
+
+int readFile(sqlite3_file* file, void* bytes, int count, sqlite3_int64 offset)
+{
+    const int code = systemOf(file).xRead(file, bytes, count, offset);
+    return code == SQLITE_OK && watch->isZeroedPage(file, static_cast<const unsigned char*>(bytes), count, offset)
+        ? SQLITE_CORRUPT
+        : code;
+}
+
+int lockFile(sqlite3_file* file, int level)
+{
+    return watch->hasGivenUp(file) ? SQLITE_IOERR_LOCK : watch->judge(file, level, systemOf(file).xLock(file, level));
+}
+
+int lockLog(sqlite3_file* file, int offset, int count, int flags)
+{
+    const sqlite3_io_methods& system = systemOf(file);
+    if (offset != 0 || flags != (SQLITE_SHM_LOCK | SQLITE_SHM_EXCLUSIVE)) {
+        return system.xShmLock(file, offset, count, flags);
+    }
+    return watch->hasGivenUp(file) ? SQLITE_IOERR_LOCK
+                                   : watch->judge(file, logWriteLock, system.xShmLock(file, offset, count, flags));
+}
+
+int openFile(sqlite3_vfs* /*vfs*/, const char* name, sqlite3_file* file, int flags, int* openedAs)
+{
+    const bool isDatabase = (flags & SQLITE_OPEN_MAIN_DB) != 0 && name != nullptr;
+    if (isDatabase) {
+        fileOfThread = name;
+    }
+    const int code = watch->system->xOpen(watch->system, name, file, flags, openedAs);
+    if (code != SQLITE_OK || !isDatabase) {
+        return code;
+    }
+    const std::lock_guard guard(watch->mutex);
+    watch->files[file] = {name};
+    auto known = std::find_if(watch->functions.begin(), watch->functions.end(),
+                              [&](const FileFunctions& functions) { return functions.system == file->pMethods; });
+    if (known == watch->functions.end()) {
+        FileFunctions& added = watch->functions.emplace_back();
+        added.system = file->pMethods;
+        added.watched = *file->pMethods;
+        added.watched.iVersion = std::min(added.watched.iVersion, 2); // without memory that is the file, past `xRead`
+        added.watched.xClose = closeFile;
+        added.watched.xRead = readFile;
+        added.watched.xLock = lockFile;
+        added.watched.xShmLock = lockLog;
+        known = std::prev(watch->functions.end());
+    }
+    file->pMethods = &known->watched;
+    return code;
+}
+
+void hear(void* /*unused*/, int code, const char* message)
+{
+    complaint = {toPath(fileOfThread), withoutStatement(message), false};
+    if (!isBearable(code)) {
+        const bool damaged = (code & 0xFF) == SQLITE_CORRUPT;
+        complaint.reason = (damaged ? "damaged: " : "") + std::string(sqlite3_errstr(code));
+        watch->report(complaint);
+    }
+}
+
+int restrictConnection(sqlite3* db, char** /*message*/, const sqlite3_api_routines* /*api*/)
+{
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    return SQLITE_OK;
+}
+
+} // namespace
+
+StoreWatch& StoreWatch::instance()
+{
+    static StoreWatch theOne;
+    return theOne;
+}
+
+StoreWatch::StoreWatch() : m_impl(*new Impl)
+{
+    watch = &m_impl;
+    const bool hears =
+        sqlite3_config(SQLITE_CONFIG_LOG, hear, nullptr) == SQLITE_OK && sqlite3_initialize() == SQLITE_OK;
+    m_impl.system = sqlite3_vfs_find(nullptr);
+    if (!hears || m_impl.system == nullptr) {
+        throw std::runtime_error("cannot set SQLite up");
+    }
+    m_impl.watched = *m_impl.system;
+    m_impl.watched.zName = "watched";
+    m_impl.watched.pNext = nullptr;
+    m_impl.watched.xOpen = openFile;
+    sqlite3_vfs_register(&m_impl.watched, 1);
+    // SQLite takes the function under this type, and calls it with the arguments that it has.
+    sqlite3_auto_extension(reinterpret_cast<void (*)()>(restrictConnection));
+}
+
+void StoreWatch::begin(std::chrono::milliseconds limit, std::function<void(const fs::path&)> onWait)
+{
+    const std::lock_guard guard(m_impl.mutex);
+    m_impl.limit = limit;
+    m_impl.onWait = std::move(onWait);
+}
+
+void StoreWatch::end()
+{
+    const std::lock_guard guard(m_impl.mutex);
+    m_impl.onWait = nullptr;
+}
+
+std::optional<StoreWatch::Fault> StoreWatch::fault() const
+{
+    const std::lock_guard guard(m_impl.mutex);
+    return m_impl.fault;
+}
+
+void StoreWatch::report(const Fault& fault)
+{
+    m_impl.report(fault);
+}
+
+StoreWatch::Fault StoreWatch::lastComplaint()
+{
+    return complaint;
+}
+
+} // namespace dbservice

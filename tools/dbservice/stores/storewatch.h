@@ -1,0 +1,55 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace dbservice {
+
+/// Hears what SQLite meets in the files of every connection of this process, the library's own too. The library
+/// answers a failed step with what came before it, and waits for a locked file without end; this knows of both.
+///
+/// It stands between SQLite and the system's files. A lock that is refused for longer than the limit fails at once from
+/// then on, so that the library gives up. So does the reading of a page that holds only zeros: the end of a long
+/// value would pass for text. Views are refused, since what a store keeps lies in tables, and so is a name between
+/// double quotes that is no column, which SQLite would take for text.
+///
+/// Threads: any, but for `begin` and `end`.
+class StoreWatch {
+public:
+    /// What makes the answers of a run worthless.
+    struct Fault {
+        std::filesystem::path file; ///< empty if unknown
+        std::string reason;
+        bool isLock = false; ///< another program has locked the file
+    };
+
+    /// The watch of this process. The first call comes ahead of any other use of SQLite. Throws where that cannot be
+    /// set up.
+    static StoreWatch& instance();
+
+    /// From here on a refused lock is waited for as long as `limit`. `onWait` is called once for each wait that a
+    /// person would notice, on the thread that waits.
+    void begin(std::chrono::milliseconds limit, std::function<void(const std::filesystem::path&)> onWait);
+    /// `onWait` is not called any more.
+    void end();
+
+    /// The first one, if there was any.
+    std::optional<Fault> fault() const;
+    /// Adds what somebody else found.
+    void report(const Fault& fault);
+
+    /// What SQLite last said on this thread, whether the run can bear it or not, such as "no such column: x".
+    static Fault lastComplaint();
+
+    struct Impl;
+
+private:
+    StoreWatch();
+
+    Impl& m_impl;
+};
+
+} // namespace dbservice
