@@ -105,6 +105,7 @@ void warnOfStrays(Session& session, const std::vector<DriveDataTable>& rows)
 
 void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time)
 {
+    warnOfNameOrder(session);
     const auto shown = static_cast<std::int64_t>(page.rows.size());
     const std::int64_t following = std::max<std::int64_t>(0, page.total - options.offset);
     if (shown != std::min<std::int64_t>(following, options.count)) {
@@ -113,7 +114,6 @@ void showPage(Session& session, const Page& page, const PageOptions& options, Ti
                       grouped(std::min<std::int64_t>(following, options.count)) +
                       "; another program writes to the store");
     }
-    warnOfNameOrder(session);
     showRows(session, page.rows, time);
     if (!session.json()) {
         const std::string first = shown > 0 ? grouped(options.offset + std::int64_t{1}) + "-" : "";
