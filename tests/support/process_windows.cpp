@@ -1,12 +1,13 @@
 #include "support/process.h"
 
 #include "platform/environment.h"
+#include "platform/paths.h"
 #include "platform/text.h"
 
 #include <windows.h>
 
 #include <memory>
-#include <stdexcept>
+#include <system_error>
 
 namespace testsupport {
 
@@ -32,14 +33,24 @@ struct Close {
 };
 using Handle = std::unique_ptr<void, Close>;
 
+/// What the system says of the call before.
+std::system_error systemError(const std::string& what)
+{
+    return {static_cast<int>(GetLastError()), std::system_category(), what};
+}
+
 Handle openForOutput(const std::filesystem::path& file)
 {
     if (file.empty()) {
         return nullptr;
     }
     SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    return Handle(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
-                              FILE_ATTRIBUTE_NORMAL, nullptr));
+    const HANDLE opened = CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) {
+        throw systemError("cannot write " + platform::toUtf8(file));
+    }
+    return Handle(opened);
 }
 
 void setVariable(const std::string& name, const std::string& value)
@@ -67,7 +78,7 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     start.hStdError = errors.empty() ? GetStdHandle(STD_ERROR_HANDLE) : errorFile.get();
     PROCESS_INFORMATION started{};
     if (CreateProcessW(nullptr, wideLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &started) == 0) {
-        throw std::runtime_error("cannot run " + line);
+        throw systemError("cannot run " + line);
     }
     const Handle process(started.hProcess);
     const Handle thread(started.hThread);

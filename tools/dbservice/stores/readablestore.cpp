@@ -6,7 +6,6 @@
 
 #include <array>
 #include <fstream>
-#include <random>
 #include <string>
 #include <string_view>
 
@@ -77,19 +76,6 @@ fs::path locateStoreFile(const fs::path& folder, const fs::path& fileName, Heade
     return file;
 }
 
-fs::path makeTemporaryFolder()
-{
-    std::random_device random;
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        const fs::path path = fs::temp_directory_path() / ("dbservice-" + std::to_string(random()));
-        if (fs::create_directory(path)) {
-            fs::permissions(path, fs::perms::owner_all);
-            return path;
-        }
-    }
-    throw Failure("cannot make a temporary folder in " + platform::toUtf8(fs::temp_directory_path()));
-}
-
 } // namespace
 
 bool isDatabase(const fs::path& file)
@@ -124,35 +110,15 @@ ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName, C
     const bool writeAheadLog = header[18] == 2 || header[19] == 2;
     if (copied == Copy::Always || writeAheadLog || isThere(withSuffix(file, "-journal")) ||
         isThere(withSuffix(file, "-wal"))) {
-        try {
-            m_copy = makeTemporaryFolder();
-            makeCopy(file, fileName);
-        } catch (...) {
-            std::error_code ignored;
-            fs::remove_all(m_copy, ignored);
-            throw;
-        }
-    }
-}
-
-ReadableStore::~ReadableStore()
-{
-    if (!m_copy.empty()) {
-        std::error_code error;
-        fs::remove_all(m_copy, error);
-        // Where files cannot be removed while a connection is open, they shall at least take no room.
-        for (auto entry = fs::directory_iterator(m_copy, error); !error && entry != fs::directory_iterator();
-             entry.increment(error)) {
-            std::error_code ignored;
-            fs::resize_file(entry->path(), 0, ignored);
-        }
+        m_copy.emplace();
+        makeCopy(file, fileName);
     }
 }
 
 void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName)
 {
     const std::array<fs::path, 3> sources{file, withSuffix(file, "-journal"), withSuffix(file, "-wal")};
-    const fs::path copied = m_copy / fileName;
+    const fs::path copied = m_copy->path() / fileName;
     const std::array<fs::path, 3> targets{copied, withSuffix(copied, "-journal"), withSuffix(copied, "-wal")};
     // The file goes first: a journal that is still there afterwards undoes whatever a writer did meanwhile. If
     // anything changed on the way, file and journal may not belong together, so the copy is made again.
@@ -168,8 +134,8 @@ void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName)
             if (isThere(sources[i]) && fs::copy_file(sources[i], targets[i], error)) {
                 fs::permissions(targets[i], fs::perms::owner_read | fs::perms::owner_write);
             } else if (error && error != std::errc::no_such_file_or_directory) {
-                throw Failure("cannot copy " + platform::toUtf8(sources[i]) + " to " + platform::toUtf8(m_copy) + ": " +
-                              error.message());
+                throw Failure("cannot copy " + platform::toUtf8(sources[i]) + " to " +
+                              platform::toUtf8(m_copy->path()) + ": " + error.message());
             }
         }
         bool same = true;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "stores/temporaryfolder.h"
+
 #include <filesystem>
+#include <optional>
 
 namespace dbservice {
 
@@ -16,15 +19,14 @@ public:
     ReadableStore(const std::filesystem::path& folder, const std::filesystem::path& fileName, Copy copied);
     ReadableStore(const ReadableStore&) = delete;
     ReadableStore& operator=(const ReadableStore&) = delete;
-    ~ReadableStore();
 
-    const std::filesystem::path& folder() const { return m_copy.empty() ? m_folder : m_copy; }
+    const std::filesystem::path& folder() const { return m_copy ? m_copy->path() : m_folder; }
 
 private:
     void makeCopy(const std::filesystem::path& file, const std::filesystem::path& fileName);
 
     std::filesystem::path m_folder;
-    std::filesystem::path m_copy;
+    std::optional<TemporaryFolder> m_copy;
 };
 
 /// Throws a `Failure` when the file is missing, empty or no database.

@@ -1,0 +1,95 @@
+#include "stores/temporaryfolder.h"
+
+#include "terminal/failure.h"
+#include "platform/paths.h"
+
+#include <mutex>
+#include <random>
+#include <set>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace dbservice {
+
+namespace {
+
+struct Folders {
+    std::mutex mutex;
+    std::set<fs::path> paths;
+};
+
+/// Never destroyed, since a process can be told to end while it exits.
+Folders& folders()
+{
+    static auto& made = *new Folders;
+    return made;
+}
+
+void removeFolder(const fs::path& path)
+{
+    std::error_code error;
+    // Another thread may put a file into the folder behind the removal's back.
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        fs::remove_all(path, error);
+        if (!error) {
+            return;
+        }
+    }
+    // Where files cannot be removed while a connection is open, they shall at least hold nothing.
+    for (auto entry = fs::directory_iterator(path, error); !error && entry != fs::directory_iterator();
+         entry.increment(error)) {
+        std::error_code ignored;
+        fs::resize_file(entry->path(), 0, ignored);
+    }
+}
+
+[[noreturn]] void refuse(const fs::path& where, const std::error_code& error)
+{
+    throw Failure("cannot make a temporary folder in " + platform::toUtf8(where) + ": " + error.message() +
+                  "; the environment variable " + (fs::path::preferred_separator == '/' ? "TMPDIR" : "TMP") +
+                  " names another place");
+}
+
+} // namespace
+
+TemporaryFolder::TemporaryFolder()
+{
+    std::error_code error;
+    fs::path where;
+    try {
+        where = fs::temp_directory_path();
+    } catch (const fs::filesystem_error& missing) {
+        refuse(missing.path1(), missing.code());
+    }
+    std::random_device random;
+    Folders& all = folders();
+    const std::lock_guard lock(all.mutex);
+    do {
+        m_path = where / ("dbservice-" + std::to_string(random()));
+    } while (!fs::create_directory(m_path, error) && !error);
+    if (error) {
+        refuse(where, error);
+    }
+    all.paths.insert(m_path);
+    fs::permissions(m_path, fs::perms::owner_all, error);
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+    Folders& all = folders();
+    const std::lock_guard lock(all.mutex);
+    removeFolder(m_path);
+    all.paths.erase(m_path);
+}
+
+void TemporaryFolder::removeAllForGood()
+{
+    Folders& all = folders();
+    all.mutex.lock(); // and never unlocked
+    for (const fs::path& path : all.paths) {
+        removeFolder(path);
+    }
+}
+
+} // namespace dbservice
