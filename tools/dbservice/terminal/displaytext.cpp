@@ -87,6 +87,19 @@ std::string printable(std::string_view text)
     return result;
 }
 
+std::string inCell(std::string_view text)
+{
+    std::string result = printable(text);
+    if (result == text && !text.starts_with("$'")) {
+        return result;
+    }
+    std::string marked;
+    for (const char letter : text) {
+        marked += letter == '\\' || letter == '\'' ? std::string("\\") + letter : std::string(1, letter);
+    }
+    return "$'" + printable(marked) + "'";
+}
+
 int cellWidth(std::string_view text)
 {
     int width = 0;

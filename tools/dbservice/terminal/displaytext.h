@@ -10,6 +10,10 @@ namespace dbservice {
 /// With everything escaped that would move the cursor or turn the text around: "\n", "\x1b", "\u{202e}".
 std::string printable(std::string_view text);
 
+/// Text for a list, which tells every two texts apart: where `printable` escapes anything the text stands between
+/// marks, as shells write it, and its own quotes and backslashes are escaped, too.
+std::string inCell(std::string_view text);
+
 /// How many cells of a terminal the text takes. Wide characters take two, combining ones none.
 int cellWidth(std::string_view text);
 

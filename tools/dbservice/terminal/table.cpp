@@ -20,7 +20,7 @@ void Table::add(std::vector<std::string> cells)
 {
     cells.resize(m_columns.size());
     for (std::string& cell : cells) {
-        cell = printable(cell);
+        cell = inCell(cell);
     }
     m_rows.push_back(std::move(cells));
 }
