@@ -331,8 +331,8 @@ TEST_F(Migration, RefusesWhatIsNoLegacyFileAndTouchesNoStore)
              {"cut at its end", damaged},
              {"other", "it has none of the tables of the earlier client generation"},
              {"today",
-              "its table GalleryFile is of another shape, so it comes from another program or is one of today's "
-              "stores"},
+              "its table GalleryFile lacks the column CoverUniqueId, so it comes from another program or is one of "
+              "today's stores"},
          }) {
         SCOPED_TRACE(name);
         const std::string before = testsupport::bytesOf(folder / name);

@@ -165,7 +165,7 @@ TEST_F(ToolMigrate, RefusesWithTheReasonAndMakesNothing)
              {bytes.substr(0, 20'000), ": it is no database, damaged, "},
              {bytes.substr(0, bytes.size() - 1), ": it is no database, damaged, cut short or locked"},
              {"folder", " is not a file"},
-             {"missing", "there is no 7.dat in "},
+             {"missing", "cannot read the legacy file: there is no 7.dat in "},
          }) {
         SCOPED_TRACE(reason);
         // A new name each time: this process still has the sample open, and not every system lets go of it.

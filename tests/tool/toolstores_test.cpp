@@ -106,6 +106,8 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
     }
     fs::create_directories(m_folder.path() / "foreign" / "FastAccess.dat");
     writeFile(m_folder.path() / "foreign" / "g", "");
+    fs::create_directories(m_folder.path() / "other");
+    SqliteFile(m_folder.path() / "other" / "FastAccess.dat").exec("CREATE TABLE other(x)");
     const std::string folder = platform::toUtf8(m_folder.path());
     struct Case {
         std::string store;
@@ -143,6 +145,7 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
         {"foreign", {"transfers", "simulate", "1"}, 1, "is not a database"},
         {"foreign", {"gallery", "show", "x", "--gallery", "g"}, 1, "is empty"},
         {"foreign", {"reset", "--all", "--yes"}, 1, "is a database that can be read"},
+        {"other", {"shortcuts", "list"}, 1, "FastAccess.dat has no table FastAccess"},
         {"nowhere", {"properties", "list"}, 1, "does not exist"},
         {"nowhere", {"reset", "--all", "--yes"}, 1, "does not exist"},
     };
@@ -374,6 +377,31 @@ TEST_F(ToolStores, ShowingChangesNoByte)
         EXPECT_EQ(import(withoutPrivileges()).code, 1);
         fs::permissions(store(), fs::perms::owner_all);
         EXPECT_EQ(contents(store()), before);
+    }
+}
+
+TEST_F(ToolStores, AnInterruptedCommandLeavesNoCopy)
+{
+    if constexpr (onPosix) {
+        ASSERT_EQ(onStore({"init"}).code, 0);
+        SqliteFile(store() / "FastAccess.dat")
+            .exec("INSERT INTO FastAccess(Title) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                  "WHERE i < 1000) SELECT hex(zeroblob(500)) FROM n");
+        const fs::path temporary = m_folder.path() / "temporary";
+        const EnvironmentVariable missing("TMPDIR", platform::toUtf8(temporary));
+        const std::string told = onStore({"shortcuts", "list"}).err;
+        EXPECT_NE(told.find("(TMPDIR=" + platform::toUtf8(temporary) + ")"), std::string::npos) << told;
+        fs::create_directory(temporary);
+        // The list is longer than a pipe, so that the command still runs when its first line is there.
+        const std::string interrupt = "pipe=$TMPDIR.$0; mkfifo \"$pipe\"; \"$@\" >\"$pipe\" & exec 3<\"$pipe\"; "
+                                      "read line <&3; ls \"$TMPDIR\"; if [ $0 = PIPE ]; then exec 3<&-; "
+                                      "else kill -s $0 $!; fi; wait $!";
+        for (const auto& [name, number] : std::map<std::string, int>{{"HUP", 1}, {"PIPE", 13}, {"TERM", 15}}) {
+            const Ran ran = onStore({"shortcuts", "list"}, {"sh", "-c", interrupt, name});
+            EXPECT_EQ(ran.code, 128 + number) << ran.err;
+            EXPECT_NE(ran.out.find("dbservice-"), std::string::npos);
+            EXPECT_TRUE(fs::is_empty(temporary)) << name;
+        }
     }
 }
 

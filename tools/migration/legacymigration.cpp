@@ -213,8 +213,9 @@ void requireLegacyFile(const fs::path& file)
         if (look.hasTable(table.name)) {
             any = true;
             if (!look.hasColumn(table.name, table.ownColumn)) {
-                throw Error("its table " + std::string(table.name) +
-                            " is of another shape, so it comes from another program or is one of today's stores");
+                throw Error("its table " + std::string(table.name) + " lacks the column " +
+                            std::string(table.ownColumn) +
+                            ", so it comes from another program or is one of today's stores");
             }
         }
     }

@@ -44,6 +44,8 @@ constexpr std::array fields{
     ShortcutField{"Rotate", &FastAccessTable::Rotate},
 };
 
+constexpr const char* tableName = "FastAccess";
+
 struct RemoveOptions {
     int id = 0;
     std::string cache;
@@ -126,6 +128,11 @@ void show(const Session& session, const std::vector<FastAccessTable>& rows)
 int list(Session& session)
 {
     session.readStore(shortcutFileName, ReadableStore::Copy::Always);
+    const std::vector<std::string> present = StoreFile(shortcutFileName).tables();
+    session.stopIfFailed("read the shortcuts");
+    if (std::find(present.begin(), present.end(), tableName) == present.end()) {
+        throw Failure("cannot read the shortcuts: " + std::string(shortcutFileName) + " has no table " + tableName);
+    }
     const std::vector<FastAccessTable> rows = readAll(session.module<FastAccessDBModule>());
     session.stopIfFailed("read the shortcuts");
     show(session, rows);

@@ -23,7 +23,7 @@ LegacySource::LegacySource(const fs::path& file)
 {
     const fs::path folder = file.parent_path();
     const fs::path name = file.filename();
-    m_readable.emplace(folder, name, ReadableStore::Copy::WhereNeeded);
+    m_readable.emplace(folder, name, ReadableStore::Copy::WhereNeeded, "the legacy file");
     m_file = m_readable->folder() / name;
     try {
         migration::requireLegacyFile(m_file);
@@ -31,7 +31,7 @@ LegacySource::LegacySource(const fs::path& file)
         throw Failure("cannot migrate " + platform::toUtf8(file) + ": " + error.what());
     }
     if (m_readable->folder() == folder && (!migration::isComplete(file) || !isWritable(file))) {
-        m_readable.emplace(folder, name, ReadableStore::Copy::Always);
+        m_readable.emplace(folder, name, ReadableStore::Copy::Always, "the legacy file");
         m_file = m_readable->folder() / name;
     }
 }

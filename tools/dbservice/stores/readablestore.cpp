@@ -19,36 +19,43 @@ namespace {
 /// numbers for writing and reading, which are 2 for a write-ahead log.
 using Header = std::array<char, 20>;
 
+constexpr const char* theStore = "the store";
+
 constexpr std::string_view magic{"SQLite format 3\0", 16};
 
 /// Without the first bytes for an empty file. Throws for what is no database.
-bool readHeader(const fs::path& file, Header& header)
+bool readHeader(const fs::path& file, Header& header, const std::string& called = theStore)
 {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (!fs::is_regular_file(status)) {
-        throw Failure("cannot read the store: " + platform::toUtf8(file) + " is not a file");
+        throw Failure("cannot read " + called + ": " + platform::toUtf8(file) + " is not a file");
     }
     std::ifstream stream(file, std::ios::binary);
     header.fill('\0');
     stream.read(header.data(), static_cast<std::streamsize>(header.size()));
     if (!stream.is_open() || stream.bad()) {
-        throw Failure("cannot read the store: " + platform::toUtf8(file) + " cannot be opened for reading");
+        throw Failure("cannot read " + called + ": " + platform::toUtf8(file) + " cannot be opened for reading");
     }
     if (stream.gcount() == 0) {
         return false;
     }
     if (std::string_view(header.data(), magic.size()) != magic) {
-        throw Failure("cannot read the store: " + platform::toUtf8(file) +
+        throw Failure("cannot read " + called + ": " + platform::toUtf8(file) +
                       " is not a database (it is damaged, encrypted or something else)");
     }
     return true;
 }
 
+/// Throws where the system does not say, as in a folder without permission.
 bool isThere(const fs::path& path)
 {
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(path, ignored));
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (!fs::status_known(status)) {
+        throw Failure("cannot look at " + platform::toUtf8(path) + ": " + error.message());
+    }
+    return fs::exists(status);
 }
 
 fs::path withSuffix(fs::path path, const char* suffix)
@@ -59,19 +66,20 @@ fs::path withSuffix(fs::path path, const char* suffix)
 
 /// The file itself, without links on the way: a journal lies beside the file and not beside a link. Throws unless it
 /// is a database.
-fs::path locateStoreFile(const fs::path& folder, const fs::path& fileName, Header& header)
+fs::path locateStoreFile(const fs::path& folder, const fs::path& fileName, Header& header,
+                         const std::string& called = theStore)
 {
     if (!isThere(folder / fileName)) {
-        throw Failure("cannot read the store: there is no " + platform::toUtf8(fileName) + " in " +
+        throw Failure("cannot read " + called + ": there is no " + platform::toUtf8(fileName) + " in " +
                       platform::toUtf8(folder));
     }
     std::error_code error;
     fs::path file = fs::canonical(folder / fileName, error);
     if (error) {
-        throw Failure("cannot read the store: " + platform::toUtf8(folder / fileName) + ": " + error.message());
+        throw Failure("cannot read " + called + ": " + platform::toUtf8(folder / fileName) + ": " + error.message());
     }
-    if (!readHeader(file, header)) {
-        throw Failure("cannot read the store: " + platform::toUtf8(file) + " is empty");
+    if (!readHeader(file, header, called)) {
+        throw Failure("cannot read " + called + ": " + platform::toUtf8(file) + " is empty");
     }
     return file;
 }
@@ -103,19 +111,20 @@ void requireStoreFile(const fs::path& folder, const fs::path& fileName)
     locateStoreFile(folder, fileName, header);
 }
 
-ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName, Copy copied) : m_folder(folder)
+ReadableStore::ReadableStore(const fs::path& folder, const fs::path& fileName, Copy copied, const std::string& called)
+    : m_folder(folder)
 {
     Header header;
-    const fs::path file = locateStoreFile(folder, fileName, header);
+    const fs::path file = locateStoreFile(folder, fileName, header, called);
     const bool writeAheadLog = header[18] == 2 || header[19] == 2;
     if (copied == Copy::Always || writeAheadLog || isThere(withSuffix(file, "-journal")) ||
         isThere(withSuffix(file, "-wal"))) {
         m_copy.emplace();
-        makeCopy(file, fileName);
+        makeCopy(file, fileName, called);
     }
 }
 
-void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName)
+void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName, const std::string& called)
 {
     const std::array<fs::path, 3> sources{file, withSuffix(file, "-journal"), withSuffix(file, "-wal")};
     const fs::path copied = m_copy->path() / fileName;
@@ -148,7 +157,7 @@ void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName)
             return;
         }
     }
-    throw Failure("cannot read the store: " + platform::toUtf8(file) + " is being written all the time");
+    throw Failure("cannot read " + called + ": " + platform::toUtf8(file) + " is being written all the time");
 }
 
 } // namespace dbservice

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 
 namespace dbservice {
 
@@ -16,14 +17,16 @@ class ReadableStore {
 public:
     enum class Copy { WhereNeeded, Always };
 
-    ReadableStore(const std::filesystem::path& folder, const std::filesystem::path& fileName, Copy copied);
+    /// `called` is what the person knows the file as.
+    ReadableStore(const std::filesystem::path& folder, const std::filesystem::path& fileName, Copy copied,
+                  const std::string& called = "the store");
     ReadableStore(const ReadableStore&) = delete;
     ReadableStore& operator=(const ReadableStore&) = delete;
 
     const std::filesystem::path& folder() const { return m_copy ? m_copy->path() : m_folder; }
 
 private:
-    void makeCopy(const std::filesystem::path& file, const std::filesystem::path& fileName);
+    void makeCopy(const std::filesystem::path& file, const std::filesystem::path& fileName, const std::string& called);
 
     std::filesystem::path m_folder;
     std::optional<TemporaryFolder> m_copy;

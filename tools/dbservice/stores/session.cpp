@@ -30,8 +30,12 @@ namespace {
 bool holdsStoreFiles(const fs::path& folder)
 {
     for (const std::string_view name : storeFileNames) {
-        std::error_code ignored;
-        if (fs::exists(folder / name, ignored)) {
+        std::error_code error;
+        const fs::file_status status = fs::status(folder / name, error);
+        if (!fs::status_known(status)) {
+            throw Failure("cannot look at " + platform::toUtf8(folder / name) + ": " + error.message());
+        }
+        if (fs::exists(status)) {
             return true;
         }
     }
@@ -253,7 +257,9 @@ void Session::requireStoreFolder() const
     const fs::file_status status = fs::status(m_folder, error);
     if (!fs::is_directory(status)) {
         throw Failure("cannot open the store: " + platform::toUtf8(m_folder) +
-                      (fs::exists(status) ? " is not a folder" : " does not exist"));
+                      (!fs::status_known(status) ? ": " + error.message()
+                           : fs::exists(status)  ? " is not a folder"
+                                                 : " does not exist"));
     }
 }
 

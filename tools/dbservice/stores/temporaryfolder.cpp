@@ -1,7 +1,8 @@
 #include "stores/temporaryfolder.h"
 
-#include "terminal/failure.h"
+#include "platform/environment.h"
 #include "platform/paths.h"
+#include "terminal/failure.h"
 
 #include <mutex>
 #include <random>
@@ -44,32 +45,37 @@ void removeFolder(const fs::path& path)
     }
 }
 
-[[noreturn]] void refuse(const fs::path& where, const std::error_code& error)
+/// The system's folder for temporary files.
+fs::path parentFolder()
 {
-    throw Failure("cannot make a temporary folder in " + platform::toUtf8(where) + ": " + error.message() +
-                  "; the environment variable " + (fs::path::preferred_separator == '/' ? "TMPDIR" : "TMP") +
-                  " names another place");
+    std::error_code error;
+    fs::path folder = fs::temp_directory_path(error);
+    if (error) {
+        std::string told;
+        for (const char* name : {"TMPDIR", "TMP", "TEMP", "TEMPDIR"}) {
+            const std::string value = platform::environmentVariable(name);
+            told += value.empty() ? "" : std::string(told.empty() ? " (" : ", ") + name + '=' + value;
+        }
+        throw Failure("cannot find the folder for temporary files" + told + (told.empty() ? "" : ")") + ": " +
+                      error.message());
+    }
+    return folder;
 }
 
 } // namespace
 
 TemporaryFolder::TemporaryFolder()
 {
+    const fs::path parent = parentFolder();
     std::error_code error;
-    fs::path where;
-    try {
-        where = fs::temp_directory_path();
-    } catch (const fs::filesystem_error& missing) {
-        refuse(missing.path1(), missing.code());
-    }
     std::random_device random;
     Folders& all = folders();
     const std::lock_guard lock(all.mutex);
     do {
-        m_path = where / ("dbservice-" + std::to_string(random()));
+        m_path = parent / ("dbservice-" + std::to_string(random()));
     } while (!fs::create_directory(m_path, error) && !error);
     if (error) {
-        refuse(where, error);
+        throw Failure("cannot make a temporary folder in " + platform::toUtf8(parent) + ": " + error.message());
     }
     all.paths.insert(m_path);
     fs::permissions(m_path, fs::perms::owner_all, error);
