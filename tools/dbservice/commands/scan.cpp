@@ -9,11 +9,29 @@
 #include "terminal/table.h"
 
 #include <chrono>
+#include <cmath>
 #include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace dbservice {
 
 namespace {
+
+/// What each step took, in whole parts of a second, and at last what is left of the total, so that it adds up.
+std::vector<std::pair<std::string, double>> stepsOf(const TreeSync& sync, double total, int parts)
+{
+    std::vector<std::pair<std::string, double>> steps;
+    double rest = std::round(total * parts);
+    for (std::size_t i = 0; i < TreeSync::stepNames.size(); ++i) {
+        const double step = std::floor(sync.seconds()[i] * parts);
+        steps.emplace_back(TreeSync::stepNames[i], step / parts);
+        rest -= step;
+    }
+    steps.emplace_back("other", rest / parts);
+    return steps;
+}
 
 void printJson(const SourceFolder& source, const TreeSync& sync, double total)
 {
@@ -31,8 +49,8 @@ void printJson(const SourceFolder& source, const TreeSync& sync, double total)
         {"odd", source.odd()},
         {"lost", source.lost()},
     };
-    for (std::size_t i = 0; i < TreeSync::stepNames.size(); ++i) {
-        json["seconds"][TreeSync::stepNames[i]] = toMilliseconds(sync.seconds()[i]);
+    for (const auto& [step, seconds] : stepsOf(sync, total, 1000)) {
+        json["seconds"][step] = seconds;
     }
     json["seconds"]["total"] = toMilliseconds(total);
     std::cout << toLine(json) << '\n';
@@ -56,8 +74,8 @@ void printTable(const SourceFolder& source, const TreeSync& sync, double total)
     rows.print(std::cout, width);
 
     Table steps({{"Step"}, {"Seconds", Table::Align::Right}});
-    for (std::size_t i = 0; i < TreeSync::stepNames.size(); ++i) {
-        steps.add({TreeSync::stepNames[i], twoDecimals(sync.seconds()[i])});
+    for (const auto& [step, seconds] : stepsOf(sync, total, 100)) {
+        steps.add({step, twoDecimals(seconds)});
     }
     steps.add({"all", twoDecimals(total)});
     steps.print(std::cout, width);
@@ -110,7 +128,9 @@ Command scanCommand()
             "vanish\n"
             "during the walk are lost: the exit code is 1.\n"
             "Times are stored in seconds since 1970 UTC, contentVersion is the modification time in nanoseconds.\n"
-            "Steps: walk the folder, read the store, mark, write and sweep rows.",
+            "Steps: walk the folder, read the store, mark, write and sweep rows; other is what remains, such as "
+            "opening\n"
+            "the store and checking its order of names.",
         .example = "dbservice scan ~/Pictures",
         .run = scan,
     };

@@ -151,14 +151,14 @@ std::optional<DriveTree::Place> DriveTree::placeOf(const std::string& id)
     return id.empty() || child.empty() ? std::nullopt : std::optional(Place{{}, child.front().GetParentId()});
 }
 
-std::vector<DriveDataTable> DriveTree::rowsById(const std::vector<std::string>& ids)
+std::vector<DriveDataTable> DriveTree::rowsById(const std::vector<std::string>& ids, const std::string& condition)
 {
-    return rowsWhere("fileId", ids);
+    return rowsWhere("fileId", ids, condition);
 }
 
-std::vector<DriveDataTable> DriveTree::childrenOf(const std::vector<std::string>& ids)
+std::vector<DriveDataTable> DriveTree::childrenOf(const std::vector<std::string>& ids, const std::string& condition)
 {
-    return rowsWhere("parentId", ids);
+    return rowsWhere("parentId", ids, condition);
 }
 
 bool DriveTree::isItsOwnAncestor(const std::string& id)
@@ -174,7 +174,8 @@ bool DriveTree::isItsOwnAncestor(const std::string& id)
                 .empty();
 }
 
-std::vector<DriveDataTable> DriveTree::rowsWhere(const std::string& column, const std::vector<std::string>& values)
+std::vector<DriveDataTable> DriveTree::rowsWhere(const std::string& column, const std::vector<std::string>& values,
+                                                 const std::string& condition)
 {
     constexpr std::size_t atOnce = 400;
     std::vector<DriveDataTable> rows;
@@ -186,7 +187,8 @@ std::vector<DriveDataTable> DriveTree::rowsWhere(const std::string& column, cons
             where += (i == start ? "" : ", ") + parameter;
             bind.Bind(values[i], parameter);
         }
-        std::vector<DriveDataTable> found = m_drive.GetDriveDataByWhereSql(where + ")", bind);
+        std::vector<DriveDataTable> found =
+            m_drive.GetDriveDataByWhereSql(where + ")" + (condition.empty() ? "" : " AND ") + condition, bind);
         if (rows.empty()) {
             rows = std::move(found);
         } else {

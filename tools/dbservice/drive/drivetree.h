@@ -50,10 +50,13 @@ public:
     /// Whether a row that is not deleted has this name in the folder, or will have it after a pending move.
     bool isTaken(const std::string& folderId, const std::string& name);
 
-    /// Rows in no particular order, unknown ids left out. A few hundred ids share one statement.
-    std::vector<DatabaseService::DriveDataTable> rowsById(const std::vector<std::string>& ids);
-    /// The direct children of all these folders, those in the bin too.
-    std::vector<DatabaseService::DriveDataTable> childrenOf(const std::vector<std::string>& ids);
+    /// Rows in no particular order, unknown ids left out, and rows for which the condition does not hold, if there is
+    /// one. A few hundred ids share one statement.
+    std::vector<DatabaseService::DriveDataTable> rowsById(const std::vector<std::string>& ids,
+                                                          const std::string& condition = {});
+    /// The direct children of all these folders, those in the bin too; likewise.
+    std::vector<DatabaseService::DriveDataTable> childrenOf(const std::vector<std::string>& ids,
+                                                            const std::string& condition = {});
 
     /// Whether a walk down from the row would come back to it. Each row has one parent, so a circle that can be
     /// reached from a row downwards goes through the row itself, and looking upwards finds it.
@@ -70,8 +73,8 @@ private:
     std::optional<Place> placeOf(const std::string& id);
     DatabaseService::DriveDataTable child(const std::string& folderId, const std::string& name, Among among,
                                           const std::string& path);
-    std::vector<DatabaseService::DriveDataTable> rowsWhere(const std::string& column,
-                                                           const std::vector<std::string>& values);
+    std::vector<DatabaseService::DriveDataTable>
+    rowsWhere(const std::string& column, const std::vector<std::string>& values, const std::string& condition = {});
     DatabaseService::DriveDataTable root();
 
     DatabaseService::DriverDBProvider& m_drive;

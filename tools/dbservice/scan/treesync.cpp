@@ -4,6 +4,7 @@
 #include "drive/fileclass.h"
 #include "platform/paths.h"
 #include "stores/session.h"
+#include "stores/storefile.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
 
@@ -47,6 +48,11 @@ bool takeFromDisk(DriveDataTable& row, const DiskEntry& entry, const std::string
     row.SetFileExtSign(sign);
     row.SetClassIndex(number);
     return true;
+}
+
+std::string isBinary(const std::string& column)
+{
+    return "typeof(" + inQuotes(column, '"') + ") = 'blob'";
 }
 
 /// Whether the row stays although the disk no longer has it.
@@ -102,6 +108,11 @@ void TreeSync::run()
     const std::int64_t rowsBefore = m_drive.CountDriverData();
     m_session.stopIfFailed("read the store");
     m_firstScan = rowsBefore == 0;
+    m_columns = StoreFile(driveFileName).texts("SELECT name FROM pragma_table_info('DriveDataTable')");
+    for (const std::string& column : m_columns) {
+        m_anyBinary += (m_anyBinary.empty() ? "(" : " OR ") + isBinary(column);
+    }
+    m_anyBinary += ')';
     syncSource();
     while (!m_waiting.empty()) {
         std::vector<Folder> folders = walk();
@@ -120,6 +131,34 @@ void TreeSync::run()
     }
 }
 
+/// The library passes over binary values and reads what follows in their place, so rows that hold any come out wrong.
+void TreeSync::requireWellRead(bool well)
+{
+    for (const std::string& column : well ? std::vector<std::string>() : m_columns) {
+        const int rows =
+            StoreFile(driveFileName).number("SELECT COUNT(*) FROM DriveDataTable WHERE " + isBinary(column));
+        if (rows > 0) {
+            throw Failure("cannot scan into this store: " + counted(rows, "row", "rows") +
+                          " of DriveDataTable cannot be read right, with a binary value in the column " + column);
+        }
+    }
+}
+
+/// Rows that could not be added, and are there all the same, are somebody else's.
+void TreeSync::stopIfNotAdded(const std::vector<DriveDataTable>& rows)
+{
+    if (m_session.libraryFailures() > 0) {
+        std::vector<std::string> ids;
+        for (const DriveDataTable& row : rows) {
+            ids.push_back(row.GetFileid());
+        }
+        if (m_tree.rowsById(ids).size() == rows.size()) {
+            throw Failure("cannot scan into this store: another program is writing to it, and has added the same rows");
+        }
+    }
+    m_session.stopIfFailed("add rows to the store");
+}
+
 /// The row of the source itself, which tells whose tree the store holds.
 void TreeSync::syncSource()
 {
@@ -127,9 +166,12 @@ void TreeSync::syncSource()
     const DiskEntry self = m_source.self();
     ++m_counts.folders;
     if (m_firstScan) {
-        m_drive.InsertDriveData(newRow({}, self, {}));
+        const DriveDataTable row = newRow({}, self, {});
+        m_drive.InsertDriveData(row);
+        stopIfNotAdded({row});
         ++m_counts.added;
     } else {
+        requireWellRead(m_tree.rowsById({self.id}, m_anyBinary).empty());
         DriveDataTable row = m_drive.GetDriveDataById(self.id);
         const std::string source = platform::toUtf8(m_source.absolute({}));
         if (row.Empty()) {
@@ -188,6 +230,7 @@ TreeSync::Stored TreeSync::read(const std::vector<Folder>& folders)
     for (const Folder& folder : folders) {
         ids.push_back(folder.id);
     }
+    requireWellRead(m_tree.childrenOf(ids, m_anyBinary).empty());
     *stored.rows = m_tree.childrenOf(ids);
     stored.index();
 
@@ -200,6 +243,7 @@ TreeSync::Stored TreeSync::read(const std::vector<Folder>& folders)
             }
         }
     }
+    requireWellRead(m_tree.rowsById(ids, m_anyBinary).empty());
     std::vector<DriveDataTable> elsewhere = m_tree.rowsById(ids);
     std::move(elsewhere.begin(), elsewhere.end(), std::back_inserter(*stored.rows));
     stored.index();
@@ -278,7 +322,12 @@ void TreeSync::findGoneRows(std::vector<Folder>& folders, const Stored& stored, 
         if (stored.onDisk[i]) {
             continue;
         }
-        Folder& folder = *folderById.at(row.GetParentId());
+        const auto known = folderById.find(row.GetParentId());
+        if (known == folderById.end()) {
+            throw Failure("cannot scan into this store: it gives id:" + row.GetFileid() + " as a child of " +
+                          "a folder that it is not in");
+        }
+        Folder& folder = *known->second;
         if (belongsToClient(row)) {
             ++m_counts.leftAlone;
             if (isSwept(row)) {
@@ -305,6 +354,7 @@ void TreeSync::addGoneSubtrees(const Stored& stored, Changes& changes)
         const std::size_t rest = folders.size() - std::min(folders.size(), foldersPerBatch);
         const std::vector<std::string> some(folders.begin() + static_cast<std::ptrdiff_t>(rest), folders.end());
         folders.resize(rest);
+        requireWellRead(m_tree.childrenOf(some, m_anyBinary).empty());
         for (const DriveDataTable& row : m_tree.childrenOf(some)) {
             if (stored.isOnDisk(row.GetFileid())) {
                 continue;
@@ -341,7 +391,7 @@ void TreeSync::write(const Changes& changes)
             rows.push_back(newRow(folder->path, *entry, folder->id));
             if (rows.size() == entriesPerBatch || added + 1 == changes.added.end()) {
                 m_drive.InsertDriveDataBatch(rows);
-                m_session.stopIfFailed("add rows to the store");
+                stopIfNotAdded(rows);
                 m_counts.added += static_cast<std::int64_t>(rows.size());
                 rows.clear();
             }

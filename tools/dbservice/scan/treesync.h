@@ -83,6 +83,8 @@ private:
         std::vector<std::shared_ptr<DatabaseService::DriveDataTable>> kept;
     };
 
+    void requireWellRead(bool well);
+    void stopIfNotAdded(const std::vector<DatabaseService::DriveDataTable>& rows);
     void syncSource();
     std::vector<Folder> walk();
     Stored read(const std::vector<Folder>& folders);
@@ -100,6 +102,8 @@ private:
     DatabaseService::DriverDBProvider& m_drive;
     SourceFolder& m_source;
     DriveTree m_tree;
+    std::vector<std::string> m_columns; // of the table
+    std::string m_anyBinary;            // holds for rows with a binary value
     std::vector<Folder> m_waiting;
     bool m_firstScan = false;
     double m_done = 0;
