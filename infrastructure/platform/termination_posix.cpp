@@ -69,8 +69,7 @@ void onTermination(std::function<void()> handler)
     ::sigaddset(&watched, SIGPIPE);
     sigset_t before;
     ::pthread_sigmask(SIG_BLOCK, &watched, &before);
-    const ThreadHandle thread =
-        startThread([watched, handler = std::move(handler)] { watch(watched, handler); }, 0, nullptr);
+    ThreadHandle thread = startThread([watched, handler = std::move(handler)] { watch(watched, handler); }, 0, nullptr);
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (thread != nullptr) {
         ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);

@@ -132,9 +132,10 @@ void TreeSync::run()
 }
 
 /// The library passes over binary values and reads what follows in their place, so rows that hold any come out wrong.
-void TreeSync::requireWellRead(bool well)
+/// `found` are rows with any.
+void TreeSync::refuseBinaryValues(const std::vector<DriveDataTable>& found)
 {
-    for (const std::string& column : well ? std::vector<std::string>() : m_columns) {
+    for (const std::string& column : found.empty() ? std::vector<std::string>() : m_columns) {
         const int rows =
             StoreFile(driveFileName).number("SELECT COUNT(*) FROM DriveDataTable WHERE " + isBinary(column));
         if (rows > 0) {
@@ -171,7 +172,7 @@ void TreeSync::syncSource()
         stopIfNotAdded({row});
         ++m_counts.added;
     } else {
-        requireWellRead(m_tree.rowsById({self.id}, m_anyBinary).empty());
+        refuseBinaryValues(m_tree.rowsById({self.id}, m_anyBinary));
         DriveDataTable row = m_drive.GetDriveDataById(self.id);
         const std::string source = platform::toUtf8(m_source.absolute({}));
         if (row.Empty()) {
@@ -230,7 +231,7 @@ TreeSync::Stored TreeSync::read(const std::vector<Folder>& folders)
     for (const Folder& folder : folders) {
         ids.push_back(folder.id);
     }
-    requireWellRead(m_tree.childrenOf(ids, m_anyBinary).empty());
+    refuseBinaryValues(m_tree.childrenOf(ids, m_anyBinary));
     *stored.rows = m_tree.childrenOf(ids);
     stored.index();
 
@@ -243,7 +244,7 @@ TreeSync::Stored TreeSync::read(const std::vector<Folder>& folders)
             }
         }
     }
-    requireWellRead(m_tree.rowsById(ids, m_anyBinary).empty());
+    refuseBinaryValues(m_tree.rowsById(ids, m_anyBinary));
     std::vector<DriveDataTable> elsewhere = m_tree.rowsById(ids);
     std::move(elsewhere.begin(), elsewhere.end(), std::back_inserter(*stored.rows));
     stored.index();
@@ -354,7 +355,7 @@ void TreeSync::addGoneSubtrees(const Stored& stored, Changes& changes)
         const std::size_t rest = folders.size() - std::min(folders.size(), foldersPerBatch);
         const std::vector<std::string> some(folders.begin() + static_cast<std::ptrdiff_t>(rest), folders.end());
         folders.resize(rest);
-        requireWellRead(m_tree.childrenOf(some, m_anyBinary).empty());
+        refuseBinaryValues(m_tree.childrenOf(some, m_anyBinary));
         for (const DriveDataTable& row : m_tree.childrenOf(some)) {
             if (stored.isOnDisk(row.GetFileid())) {
                 continue;

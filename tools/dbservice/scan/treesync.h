@@ -83,7 +83,7 @@ private:
         std::vector<std::shared_ptr<DatabaseService::DriveDataTable>> kept;
     };
 
-    void requireWellRead(bool well);
+    void refuseBinaryValues(const std::vector<DatabaseService::DriveDataTable>& found);
     void stopIfNotAdded(const std::vector<DatabaseService::DriveDataTable>& rows);
     void syncSource();
     std::vector<Folder> walk();
