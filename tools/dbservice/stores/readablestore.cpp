@@ -139,13 +139,7 @@ void ReadableStore::makeCopy(const fs::path& file, const fs::path& fileName, con
         }
         for (std::size_t i = 0; i < sources.size(); ++i) {
             fs::remove(targets[i]);
-            error.clear();
-            if (isThere(sources[i]) && fs::copy_file(sources[i], targets[i], error)) {
-                fs::permissions(targets[i], fs::perms::owner_read | fs::perms::owner_write);
-            } else if (error && error != std::errc::no_such_file_or_directory) {
-                throw Failure("cannot copy " + platform::toUtf8(sources[i]) + " to " +
-                              platform::toUtf8(m_copy->path()) + ": " + error.message());
-            }
+            m_copy->addCopy(sources[i], targets[i].filename());
         }
         bool same = true;
         for (std::size_t i = 0; i < sources.size(); ++i) {

@@ -4,10 +4,15 @@
 #include "platform/paths.h"
 #include "terminal/failure.h"
 
+#include <cerrno>
+#include <chrono>
+#include <fstream>
 #include <mutex>
 #include <random>
 #include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -27,17 +32,19 @@ Folders& folders()
     return made;
 }
 
-void removeFolder(const fs::path& path)
+void removeFolder(const fs::path& path, int attempts)
 {
     std::error_code error;
-    // Another thread may put a file into the folder behind the removal's back.
-    for (int attempt = 0; attempt < 10; ++attempt) {
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (attempt > 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
         fs::remove_all(path, error);
         if (!error) {
             return;
         }
     }
-    // Where files cannot be removed while a connection is open, they shall at least hold nothing.
+    // Where a connection is open all the time, its file shall at least hold nothing.
     for (auto entry = fs::directory_iterator(path, error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {
         std::error_code ignored;
@@ -81,11 +88,42 @@ TemporaryFolder::TemporaryFolder()
     fs::permissions(m_path, fs::perms::owner_all, error);
 }
 
+bool TemporaryFolder::addCopy(const fs::path& file, const fs::path& name)
+{
+    constexpr std::streamsize pieceSize = 256 << 10;
+    std::vector<char> piece(static_cast<std::size_t>(pieceSize));
+    const auto require = [&](bool well) {
+        if (!well) {
+            const std::error_code error(errno, std::generic_category());
+            throw Failure("cannot copy " + platform::toUtf8(file) + " to " + platform::toUtf8(m_path) + ": " +
+                          error.message());
+        }
+    };
+    std::ifstream from(file, std::ios::binary);
+    if (!from.is_open() && errno == ENOENT) {
+        return false;
+    }
+    require(from.is_open());
+    std::ios::openmode mode = std::ios::binary | std::ios::trunc;
+    do {
+        from.read(piece.data(), pieceSize);
+        require(!from.bad());
+        // Between two pieces the copy is closed, so that it can be removed on every system.
+        const std::lock_guard lock(folders().mutex);
+        std::ofstream to(m_path / name, mode);
+        to.write(piece.data(), from.gcount());
+        to.close();
+        require(to.good());
+        mode = std::ios::binary | std::ios::app;
+    } while (from);
+    return true;
+}
+
 TemporaryFolder::~TemporaryFolder()
 {
     Folders& all = folders();
     const std::lock_guard lock(all.mutex);
-    removeFolder(m_path);
+    removeFolder(m_path, 1);
     all.paths.erase(m_path);
 }
 
@@ -93,8 +131,10 @@ void TemporaryFolder::removeAllForGood()
 {
     Folders& all = folders();
     all.mutex.lock(); // and never unlocked
+    // Other threads go on, and may have a file open now or put one into the folder behind the removal's back.
+    constexpr int attempts = 50;
     for (const fs::path& path : all.paths) {
-        removeFolder(path);
+        removeFolder(path, attempts);
     }
 }
 

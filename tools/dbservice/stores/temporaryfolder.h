@@ -18,6 +18,10 @@ public:
 
     const std::filesystem::path& path() const { return m_path; }
 
+    /// Puts a copy of a file into the folder, in place of one of the name. False when there is no such file; throws a
+    /// `Failure` when it cannot be copied.
+    bool addCopy(const std::filesystem::path& file, const std::filesystem::path& name);
+
     /// For a process that is about to be ended: removes the folders of all these objects. Whoever makes or destroys one
     /// from then on waits for that end.
     static void removeAllForGood();
