@@ -150,6 +150,7 @@ void TreeSync::stopIfNotAdded(const std::vector<DriveDataTable>& rows)
 {
     if (m_session.libraryFailures() > 0) {
         std::vector<std::string> ids;
+        ids.reserve(rows.size());
         for (const DriveDataTable& row : rows) {
             ids.push_back(row.GetFileid());
         }
