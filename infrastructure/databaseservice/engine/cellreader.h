@@ -1,10 +1,7 @@
 #pragma once
 
 #include "databaseservice/integers.h"
-#include "platform/leadinginteger.h"
-#include "platform/text.h"
 
-#include <cstring>
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
@@ -26,93 +23,24 @@ public:
     void rewind() { m_column = 0; }
 
     /// Moves to the next cell and tells its kind; `None` behind the last.
-    Kind next()
-    {
-        while (m_column < m_columns) {
-            m_value = sqlite3_column_value(m_stmt, m_column++);
-            switch (sqlite3_value_type(m_value)) {
-            case SQLITE_INTEGER:
-                return Kind::Integer;
-            case SQLITE_TEXT:
-            case SQLITE_FLOAT:
-                return Kind::Text;
-            case SQLITE_NULL:
-                if (const Kind kind = kindOfNull(); kind != Kind::None) {
-                    return kind;
-                }
-                break;
-            default:
-                break;
-            }
-        }
-        return Kind::None;
-    }
+    Kind next();
 
     /// The current cell, of kind `Integer`.
     int64 integer() const { return sqlite3_value_int64(m_value); }
 
     /// The current cell, of kind `Text`, up to its first NUL, repaired where it is not valid UTF-8. Good until the
     /// next call.
-    std::string_view text()
-    {
-        const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(m_value));
-        const std::string_view stored = bytes == nullptr ? std::string_view() : std::string_view(bytes);
-        if (!platform::isUtf8(stored)) [[unlikely]] {
-            return m_repaired = platform::repairUtf8(stored);
-        }
-        return stored;
-    }
+    std::string_view text();
 
     /// The next cell as a number, whatever its kind; 0 without a cell.
-    int64 nextInteger()
-    {
-        switch (next()) {
-        case Kind::Integer:
-            return integer();
-        case Kind::Text:
-            return platform::leadingInteger(text());
-        case Kind::None:
-            break;
-        }
-        return 0;
-    }
+    int64 nextInteger();
 
     /// The next cell as text, whatever its kind; empty without a cell.
-    void nextText(std::string& out)
-    {
-        switch (next()) {
-        case Kind::Integer:
-            out = std::to_string(integer());
-            break;
-        case Kind::Text:
-            out.assign(text());
-            break;
-        case Kind::None:
-            out.clear();
-            break;
-        }
-    }
-
-    void nextText(std::wstring& out)
-    {
-        std::string utf8;
-        nextText(utf8);
-        out = platform::toWide(utf8);
-    }
+    void nextText(std::string& out);
+    void nextText(std::wstring& out);
 
 private:
-    /// The declared type is compared whole and with regard to case; an expression has none.
-    Kind kindOfNull() const
-    {
-        const char* declared = sqlite3_column_decltype(m_stmt, m_column - 1);
-        if (declared == nullptr || std::strcmp(declared, "INTEGER") == 0) {
-            return Kind::Integer;
-        }
-        if (std::strcmp(declared, "TEXT") == 0 || std::strcmp(declared, "VARCHAR") == 0) {
-            return Kind::Text;
-        }
-        return Kind::None;
-    }
+    Kind kindOfNull() const;
 
     sqlite3_stmt* m_stmt;
     int m_columns;

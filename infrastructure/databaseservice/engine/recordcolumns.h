@@ -3,7 +3,9 @@
 #include "databaseservice/engine/cellreader.h"
 #include "databaseservice/engine/parameterwriter.h"
 #include "databaseservice/integers.h"
+#include "platform/leadinginteger.h"
 #include "platform/neverdestroyed.h"
+#include "platform/text.h"
 #include "platform/wholenumber.h"
 
 #include <array>
