@@ -16,8 +16,6 @@ namespace dbservice {
 
 using DatabaseService::DriveConfTable;
 using DatabaseService::DriveFullTask;
-using nlohmann::ordered_json;
-
 namespace {
 
 using Conf = MemberField<DriveConfTable>;
@@ -75,9 +73,9 @@ void print(const std::optional<DriveConfTable>& conf, const std::vector<DriveFul
 
 void printJson(const std::optional<DriveConfTable>& conf, const std::vector<DriveFullTask>& tasks)
 {
-    ordered_json json;
-    json["DriveConfTable"] = conf ? toJson(confFields, *conf) : ordered_json();
-    json["DriveFullTask"] = ordered_json::array();
+    Json json;
+    json["DriveConfTable"] = conf ? toJson(confFields, *conf) : Json();
+    json["DriveFullTask"] = Json::array();
     for (const DriveFullTask& task : tasks) {
         json["DriveFullTask"].push_back(toJson(taskFields, task));
     }

@@ -36,14 +36,14 @@ public:
     }
 
 private:
-    void add(nlohmann::ordered_json& place, const std::string& text, int64 rows)
+    void add(Json& place, const std::string& text, int64 rows)
     {
         place = rows;
         m_table.add({text, grouped(rows)});
     }
 
     Table m_table{{{"What"}, {"Rows", Table::Align::Right}}};
-    nlohmann::ordered_json m_json;
+    Json m_json;
 };
 
 void countAll(Session& session, Counts& counts)

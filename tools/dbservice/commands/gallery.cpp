@@ -93,12 +93,12 @@ int counts(Session& session, const GalleryOptions& options)
 {
     const std::vector<std::string> present = openToRead(session, options.name);
     Table table({{"Table"}, {"Rows", Table::Align::Right}});
-    nlohmann::ordered_json json;
+    Json json;
     for (const CountedTable& counted : countedTables) {
         const bool missing = std::find(present.begin(), present.end(), counted.name) == present.end();
         const int rows = missing ? 0 : counted.count();
         table.add({counted.name, missing ? "no table" : grouped(rows)});
-        json[counted.name] = missing ? nlohmann::ordered_json() : nlohmann::ordered_json(rows);
+        json[counted.name] = missing ? Json() : Json(rows);
     }
     session.stopIfFailed("count the gallery's rows");
     if (session.json()) {

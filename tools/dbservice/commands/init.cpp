@@ -39,7 +39,7 @@ void show(const Session& session, const std::filesystem::path& fileName)
     StoreFile store(fileName);
     const std::string file = platform::toUtf8(session.storeFolder() / fileName);
     Table table({{"Table"}, {"Rows", Table::Align::Right}});
-    nlohmann::ordered_json json{{"file", file}, {"tables", nlohmann::ordered_json::object()}};
+    Json json{{"file", file}, {"tables", Json::object()}};
     for (const std::string& name : store.tables()) {
         const int rows = store.countRows(name);
         table.add({name, grouped(rows)});

@@ -46,9 +46,9 @@ private:
     std::optional<ReadableStore> m_readable;
 };
 
-nlohmann::ordered_json toJson(const TableReport& table)
+Json toJson(const TableReport& table)
 {
-    nlohmann::ordered_json json{
+    Json json{
         {"legacyTable", table.legacyTable},
         {"table", table.table},
         {"inLegacy", table.inLegacy},
@@ -62,8 +62,8 @@ nlohmann::ordered_json toJson(const TableReport& table)
         {"notNumbers", table.notNumbers},
         {"mended", table.mended},
         {"failed", table.lost()},
-        {"inStore", table.inStore < 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(table.inStore)},
-        {"dropped", nlohmann::ordered_json::object()},
+        {"inStore", table.inStore < 0 ? Json() : Json(table.inStore)},
+        {"dropped", Json::object()},
         {"trouble", table.trouble},
     };
     for (const auto& [column, rows] : table.dropped) {
@@ -74,11 +74,11 @@ nlohmann::ordered_json toJson(const TableReport& table)
 
 void printJson(const Report& report, const MigrateOptions& options)
 {
-    nlohmann::ordered_json json{{"legacy", options.legacy}, {"dryRun", options.plan.dryRun}};
+    Json json{{"legacy", options.legacy}, {"dryRun", options.plan.dryRun}};
     if (report.earlierRun) {
         json["earlierRun"] = *report.earlierRun;
     } else {
-        json["tables"] = nlohmann::ordered_json::array();
+        json["tables"] = Json::array();
         for (const TableReport& table : report.tables) {
             json["tables"].push_back(toJson(table));
         }

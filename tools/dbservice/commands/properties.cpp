@@ -32,7 +32,7 @@ std::vector<UserProperties> readAll(Session& session)
     return properties;
 }
 
-nlohmann::ordered_json toJson(const std::wstring& key, const std::wstring& value)
+Json toJson(const std::wstring& key, const std::wstring& value)
 {
     return {{"Key", platform::toUtf8(key)}, {"Value", platform::toUtf8(value)}};
 }

@@ -36,7 +36,7 @@ std::vector<std::pair<std::string, double>> stepsOf(const TreeSync& sync, double
 void printJson(const SourceFolder& source, const TreeSync& sync, double total)
 {
     const TreeSync::Counts& counts = sync.counts();
-    nlohmann::ordered_json json{
+    Json json{
         {"source", platform::toUtf8(source.absolute({}))},
         {"folders", counts.folders},
         {"files", counts.files},

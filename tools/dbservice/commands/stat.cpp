@@ -31,7 +31,7 @@ int stat(Session& session, const StatOptions& options)
     warnOfStrays(session, {row});
     const int subtree = drive.GetFilesChildNodeCount(id);
     if (session.json()) {
-        nlohmann::ordered_json json = toJson(row);
+        Json json = toJson(row);
         json["subtree"] = subtree;
         std::cout << toLine(json) << '\n';
         return 0;

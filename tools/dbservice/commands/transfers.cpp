@@ -7,6 +7,7 @@
 #include "stores/storefile.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
+#include "terminal/recordfields.h"
 #include "terminal/table.h"
 #include "transfers/transfersimulation.h"
 #include "transfers/transfertables.h"
@@ -20,7 +21,6 @@
 
 namespace dbservice {
 
-using nlohmann::ordered_json;
 using namespace DatabaseService::TransmissionDB;
 
 namespace {
@@ -57,17 +57,19 @@ TransmissionDBModule& openForWriting(Session& session)
     return transfers;
 }
 
-std::string shown(const ordered_json& value)
+std::string shown(const Json& value)
 {
-    return value.is_string() ? value.get<std::string>() : value.dump();
+    return value.isText() ? value.text() : toLine(value);
 }
 
-void showRows(const Session& session, const TransferTable& table, const std::vector<ordered_json>& rows)
+void showRows(const Session& session, const TransferTable& table, const std::vector<Json>& rows)
 {
     if (session.json()) {
-        for (const ordered_json& row : rows) {
-            ordered_json line{{"table", table.name}};
-            line.update(row);
+        for (const Json& row : rows) {
+            Json line{{"table", table.name}};
+            for (const auto& [name, value] : row.members()) {
+                line[name] = value;
+            }
             std::cout << toLine(line) << '\n';
         }
         return;
@@ -78,10 +80,10 @@ void showRows(const Session& session, const TransferTable& table, const std::vec
     }
     std::vector<Table::Column> columns;
     for (const char* name : table.listed) {
-        columns.push_back({name, rows.front()[name].is_string() ? Table::Align::Left : Table::Align::Right});
+        columns.push_back({name, rows.front()[name].isText() ? Table::Align::Left : Table::Align::Right});
     }
     Table list(std::move(columns));
-    for (const ordered_json& row : rows) {
+    for (const Json& row : rows) {
         std::vector<std::string> cells;
         for (const char* name : table.listed) {
             cells.push_back(shown(row[name]));
@@ -105,7 +107,7 @@ int list(Session& session, const std::vector<const TransferTable*>& wanted)
             }
             continue;
         }
-        const std::vector<ordered_json> rows = table->read(file);
+        const std::vector<Json> rows = table->read(file);
         const std::int64_t lost = file.countRows(table->name) - static_cast<std::int64_t>(rows.size());
         session.stopIfFailed("read the transfers");
         showRows(session, *table, rows);
@@ -119,13 +121,13 @@ int list(Session& session, const std::vector<const TransferTable*>& wanted)
 }
 
 /// Shows the row that the expected one has become. A table that gives the ids itself has given one above `lastId`.
-int showAdded(Session& session, const TransferTable& table, ordered_json expected, std::optional<int> lastId = {})
+int showAdded(Session& session, const TransferTable& table, Json expected, std::optional<int> lastId = {})
 {
     session.stopModules(); // what was posted is written then
     session.stopIfFailed("add the transfer");
     StoreFile file(transferFileName);
-    for (const ordered_json& row : table.read(file)) {
-        if (lastId && row["id"] > *lastId) {
+    for (const Json& row : table.read(file)) {
+        if (lastId && row["id"].number() > *lastId) {
             expected["id"] = row["id"];
         }
         if (row == expected) {
@@ -192,14 +194,14 @@ int addCompleted(Session& session, const AddOptions& options)
 }
 
 /// The library has no operation that adds such a row, and a client's own statement is the way.
-std::string insertStatement(const TransferTable& table, const ordered_json& row)
+std::string insertStatement(const TransferTable& table, const Json& row)
 {
     std::string names;
     std::string values;
-    for (const auto& [name, value] : row.items()) {
+    for (const auto& [name, value] : row.members()) {
         const char* const separator = names.empty() ? "" : ", ";
         names += separator + name;
-        values += separator + (value.is_string() ? inQuotes(shown(value), '\'') : shown(value));
+        values += separator + (value.isText() ? inQuotes(shown(value), '\'') : shown(value));
     }
     return "INSERT INTO " + std::string(table.name) + '(' + names + ") VALUES(" + values + ')';
 }
@@ -219,7 +221,7 @@ int addTask(Session& session, const AddOptions& options)
     task.TransferType = options.type;
     task.LocalFilePath = platform::toWide(options.localPath);
     task.ParentId = platform::toWide(options.parentId);
-    const ordered_json row = toJson(task);
+    const Json row = toJson(task);
     transfers.ExecuteSQL(insertStatement(taskTable, row));
     return showAdded(session, taskTable, row);
 }

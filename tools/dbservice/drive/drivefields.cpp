@@ -1,5 +1,7 @@
 #include "drive/drivefields.h"
 
+#include "terminal/recordfields.h"
+
 #include <array>
 
 namespace dbservice {
@@ -69,7 +71,7 @@ constexpr std::array fields{
 
 } // namespace
 
-nlohmann::ordered_json toJson(const Row& row)
+Json toJson(const Row& row)
 {
     return toJson(fields, row);
 }

@@ -52,7 +52,7 @@ void showPending(const Session& session, DriveTree& tree, const std::vector<Pend
         const auto& [row, marker] = operations[i];
         const std::string target = marker.newParentId.empty() ? marker.newName : folders.at(marker.newParentId);
         if (session.json()) {
-            nlohmann::ordered_json json = toJson(row);
+            Json json = toJson(row);
             json["operation"] = marker.operation;
             json["path"] = paths[i];
             json["batchId"] = marker.batchId;

@@ -32,9 +32,4 @@ double toMilliseconds(double seconds)
     return std::round(seconds * 1000) / 1000;
 }
 
-std::string toLine(const nlohmann::ordered_json& value)
-{
-    return value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-}
-
 } // namespace dbservice

@@ -2,9 +2,8 @@
 
 #include "databaseservice/integers.h"
 #include "platform/text.h"
+#include "terminal/json.h"
 #include "terminal/table.h"
-
-#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -47,9 +46,9 @@ std::string readable(const std::string& value, Shown shown);
 std::string readable(std::int64_t value, Shown shown);
 
 /// The record with its stored columns as keys, in the order of the fields.
-template <class Fields, class Record> nlohmann::ordered_json toJson(const Fields& fields, const Record& record)
+template <class Fields, class Record> Json toJson(const Fields& fields, const Record& record)
 {
-    nlohmann::ordered_json json;
+    Json json;
     for (const auto& field : fields) {
         std::visit([&](auto source) { json[field.name] = stored(std::invoke(source, record)); }, field.source);
     }
@@ -72,8 +71,5 @@ template <class Fields, class Record> Table toTable(const Fields& fields, const 
 
 /// Seconds for JSON, cut to what their measuring is worth.
 double toMilliseconds(double seconds);
-
-/// One line of JSON, with anything repaired that is not UTF-8.
-std::string toLine(const nlohmann::ordered_json& value);
 
 } // namespace dbservice

@@ -2,6 +2,7 @@
 
 #include "databaseservice/transdbconnthread.h"
 #include "terminal/failure.h"
+#include "terminal/recordfields.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +11,6 @@
 
 namespace dbservice {
 
-using nlohmann::ordered_json;
 using namespace DatabaseService::TransmissionDB;
 
 namespace {
@@ -107,9 +107,9 @@ constexpr std::array taskFields{
     Task{"Expand", &DbTransferTask::Expand},
 };
 
-template <class Record> std::vector<ordered_json> toJson(const std::vector<Record>& rows)
+template <class Record> std::vector<Json> toJson(const std::vector<Record>& rows)
 {
-    std::vector<ordered_json> json;
+    std::vector<Json> json;
     json.reserve(rows.size());
     for (const Record& row : rows) {
         json.push_back(dbservice::toJson(row));
@@ -117,7 +117,7 @@ template <class Record> std::vector<ordered_json> toJson(const std::vector<Recor
     return json;
 }
 
-std::vector<ordered_json> readUploads(StoreFile& /*file*/)
+std::vector<Json> readUploads(StoreFile& /*file*/)
 {
     std::vector<UploadTaskProperty> rows;
     TransDbConnThread::GetInstance()->GetAllUploadTaskProperties(rows);
@@ -125,8 +125,7 @@ std::vector<ordered_json> readUploads(StoreFile& /*file*/)
 }
 
 /// The library gives these rows by their type only, so each type that is there is asked for.
-template <class Record, class Read>
-std::vector<ordered_json> readByType(StoreFile& file, const std::string& table, Read read)
+template <class Record, class Read> std::vector<Json> readByType(StoreFile& file, const std::string& table, Read read)
 {
     std::vector<Record> rows;
     for (const std::string& text :
@@ -140,14 +139,14 @@ std::vector<ordered_json> readByType(StoreFile& file, const std::string& table, 
     return toJson(rows);
 }
 
-std::vector<ordered_json> readDownloads(StoreFile& file)
+std::vector<Json> readDownloads(StoreFile& file)
 {
     return readByType<DownloadTaskProperty>(
         file, downloadTable.name,
         [](TransDbConnThread& store, auto& rows, int type) { store.GetAllDownloadTasks(rows, type); });
 }
 
-std::vector<ordered_json> readCompleted(StoreFile& file)
+std::vector<Json> readCompleted(StoreFile& file)
 {
     return readByType<CompletedTaskProperty>(
         file, completedTable.name,
@@ -155,9 +154,9 @@ std::vector<ordered_json> readCompleted(StoreFile& file)
 }
 
 /// One by one, since the library's lists leave out rows of some states, or columns.
-std::vector<ordered_json> readTasks(StoreFile& file)
+std::vector<Json> readTasks(StoreFile& file)
 {
-    std::vector<ordered_json> json;
+    std::vector<Json> json;
     for (const std::string& id : file.texts("SELECT UniqueId FROM TransferTask ORDER BY rowid")) {
         std::wstring uniqueId = platform::toWide(id);
         DbTransferTask task{};
@@ -198,22 +197,22 @@ int freeUploadIds(StoreFile& file, int count)
     return last + 1;
 }
 
-ordered_json toJson(const UploadTaskProperty& row)
+Json toJson(const UploadTaskProperty& row)
 {
     return toJson(uploadFields, row);
 }
 
-ordered_json toJson(const DownloadTaskProperty& row)
+Json toJson(const DownloadTaskProperty& row)
 {
     return toJson(downloadFields, row);
 }
 
-ordered_json toJson(const CompletedTaskProperty& row)
+Json toJson(const CompletedTaskProperty& row)
 {
     return toJson(completedFields, row);
 }
 
-ordered_json toJson(const DbTransferTask& row)
+Json toJson(const DbTransferTask& row)
 {
     return toJson(taskFields, row);
 }

@@ -2,7 +2,7 @@
 
 #include "databaseservice/transferrecords.h"
 #include "stores/storefile.h"
-#include "terminal/recordfields.h"
+#include "terminal/json.h"
 
 #include <string>
 #include <vector>
@@ -15,7 +15,7 @@ struct TransferTable {
     std::vector<const char*> listed; ///< the columns for a person
     /// All rows with their stored columns as keys, the oldest first. Lacks those that no reader of the library gives:
     /// their type is no whole number of 32 bits.
-    std::vector<nlohmann::ordered_json> (*read)(StoreFile& file);
+    std::vector<Json> (*read)(StoreFile& file);
 };
 
 extern const TransferTable uploadTable;
@@ -29,9 +29,9 @@ int highestId(StoreFile& file, const TransferTable& table);
 /// when there are not as many.
 int freeUploadIds(StoreFile& file, int count);
 
-nlohmann::ordered_json toJson(const DatabaseService::TransmissionDB::UploadTaskProperty& row);
-nlohmann::ordered_json toJson(const DatabaseService::TransmissionDB::DownloadTaskProperty& row);
-nlohmann::ordered_json toJson(const DatabaseService::TransmissionDB::CompletedTaskProperty& row);
-nlohmann::ordered_json toJson(const DatabaseService::TransmissionDB::DbTransferTask& row);
+Json toJson(const DatabaseService::TransmissionDB::UploadTaskProperty& row);
+Json toJson(const DatabaseService::TransmissionDB::DownloadTaskProperty& row);
+Json toJson(const DatabaseService::TransmissionDB::CompletedTaskProperty& row);
+Json toJson(const DatabaseService::TransmissionDB::DbTransferTask& row);
 
 } // namespace dbservice
