@@ -1,14 +1,10 @@
 #include "expertdrive.h"
 
+#include "databaseservice/drivecolumns.h"
 #include "expertcells.h"
-#include "platform/paths.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <fmt/format.h>
-#include <string_view>
 #include <tuple>
-#include <utility>
 
 namespace benchmarks {
 
@@ -45,14 +41,9 @@ template struct Expose<
     &D::m_autoUpload, &D::m_riskFileSign, &D::m_riskFileType, &D::m_fileExtSign, &D::m_cloudContentStatus,
     &D::m_classIndex, &D::m_data1, &D::m_data2, &D::m_data3, &D::m_data4>;
 
-constexpr std::string_view allColumns =
-    "fileId,name,kind,mimeType,description,size,attachmentSize,hash,contentVersion,parentId,favorite,"
-    "recycled,directlyRecycled,createdTime,modifiedTime,recycledTime,isSync,thumbnailDownloadLink,"
-    "LCDImageDownloadLink,version,batchOper,localAbsolutePath,localFileSha256,deleteSrcPath,uploadTime,"
-    "renameName,renameTime,moveParentId,moveTime,softDelete,softDeleteSrcPath,softDelTime,hardDelete,"
-    "hardDelTime,localRestore,restoreTime,uploadBatchId,renameBatchId,moveBatchId,softDelBatchId,"
-    "hardDelBatchId,restoreBatchId,newBatchId,autoUpload,riskFileSign,riskFileType,fileExtSign,needToDisplay,"
-    "classIndex,data1,data2,data3,data4";
+using Columns = DatabaseService::DriveDataColumns;
+
+constexpr auto allColumns = pick(Columns::table, Columns::All);
 
 // In the order of `markerColumns`, and last the key.
 template struct Expose<MarkerMembers, &D::m_renameName, &D::m_renameTime, &D::m_renameBatchId, &D::m_moveParentId,
@@ -61,61 +52,35 @@ template struct Expose<MarkerMembers, &D::m_renameName, &D::m_renameTime, &D::m_
                        &D::m_localRestore, &D::m_restoreTime, &D::m_uploadTime, &D::m_uploadBatchId, &D::m_newBatchId,
                        &D::m_restoreBatchId, &D::m_fileId>;
 
-constexpr std::string_view markerColumns =
-    "renameName,renameTime,renameBatchId,moveParentId,moveTime,moveBatchId,softDelete,softDeleteSrcPath,"
-    "softDelTime,softDelBatchId,hardDelete,hardDelTime,hardDelBatchId,localRestore,restoreTime,uploadTime,"
-    "uploadBatchId,newBatchId,restoreBatchId";
+constexpr auto markerColumns = pick(Columns::table, "renameName", "renameTime", "renameBatchId", "moveParentId",
+                                    "moveTime", "moveBatchId", "softDelete", "softDeleteSrcPath", "softDelTime",
+                                    "softDelBatchId", "hardDelete", "hardDelTime", "hardDelBatchId", "localRestore",
+                                    "restoreTime", "uploadTime", "uploadBatchId", "newBatchId", "restoreBatchId");
 
 constexpr auto allMembers = membersOf(AllMembers{});
 constexpr auto markerMembers = membersOf(MarkerMembers{});
-constexpr std::size_t allCount = std::tuple_size_v<decltype(allMembers)>;
 
-// A lookup by id does not select the id.
-constexpr std::size_t firstById = 1;
-
-// The list with each column written as `format` says.
-std::string each(std::string_view columns, fmt::string_view format)
+template <class Record, class... Pointers> auto tied(Record& record, const std::tuple<Pointers...>& members)
 {
-    std::string text;
-    while (!columns.empty()) {
-        const std::string_view column = columns.substr(0, columns.find(','));
-        columns.remove_prefix(std::min(columns.size(), column.size() + 1));
-        text += text.empty() ? "" : ",";
-        text += fmt::vformat(format, fmt::make_format_args(column));
-    }
-    return text;
-}
-
-template <class Members, std::size_t... I>
-bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members, std::index_sequence<I...>)
-{
-    return (bindCell(stmt, static_cast<int>(I) + 1, record.*std::get<I>(members)) && ...);
-}
-
-template <class Members> bool bindMembers(sqlite3_stmt* stmt, const DriveDataTable& record, const Members& members)
-{
-    return bindMembers(stmt, record, members, std::make_index_sequence<std::tuple_size_v<Members>>());
-}
-
-// The statement selects all columns from the one numbered `First` on.
-template <std::size_t First, std::size_t... I>
-void readMembers(sqlite3_stmt* stmt, DriveDataTable& record, std::index_sequence<I...>)
-{
-    (readCell(stmt, static_cast<int>(I), record.*std::get<First + I>(allMembers)), ...);
+    return std::apply([&record](auto... each) { return std::tie(record.*each...); }, members);
 }
 
 } // namespace
 
+template <> struct Members<DriveDataTable> {
+    static auto of(auto& record) { return tied(record, allMembers); }
+};
+
 ExpertDrive::ExpertDrive(ExpertConnection::Kind connection) : m_connection(connection, addNameCompare)
 {
-    const std::string select = fmt::format("SELECT {} FROM DriveDataTable", allColumns);
-    m_texts[Insert] = fmt::format("INSERT INTO DriveDataTable ({}) VALUES ({});", allColumns, each(allColumns, ":{}"));
-    m_texts[ReadAll] = select + ";";
-    m_texts[Children] = select + " WHERE parentId = :parentId;";
-    m_texts[ById] = fmt::format("SELECT {} FROM DriveDataTable WHERE fileId = :fileId ;",
-                                allColumns.substr(allColumns.find(',') + 1));
+    // A lookup by id does not select the id.
+    constexpr auto columnsWithoutKey = pick(Columns::table, Columns::All & ~Columns::Key);
+    m_texts[Insert] = insertStatement("INSERT INTO DriveDataTable (", allColumns).sql;
+    m_texts[ReadAll] = selectText(allColumns, "FROM DriveDataTable;");
+    m_texts[Children] = selectText(allColumns, "FROM DriveDataTable WHERE parentId = :parentId;");
+    m_texts[ById] = selectText(columnsWithoutKey, "FROM DriveDataTable WHERE fileId = :fileId ;");
     m_texts[UpdateMarkers] =
-        fmt::format("UPDATE DriveDataTable SET {} WHERE fileId = :fileId", each(markerColumns, "{0} = :{0}"));
+        updateStatement("UPDATE DriveDataTable", markerColumns, "WHERE fileId = :fileId", Columns::key).sql;
 }
 
 void ExpertDrive::open(const std::filesystem::path& folder)
@@ -128,18 +93,17 @@ void ExpertDrive::close()
     m_connection.close();
 }
 
-template <std::size_t FirstColumn, class Row> void ExpertDrive::forEachRow(sqlite3_stmt* stmt, Row row)
+void ExpertDrive::readRows(sqlite3_stmt* stmt, DriveRecords& records)
 {
-    m_connection.forEachRow(stmt, [&](sqlite3_stmt* standing) {
-        readMembers<FirstColumn>(standing, row(), std::make_index_sequence<allCount - FirstColumn>());
-    });
+    m_connection.forEachRow(stmt,
+                            [&](sqlite3_stmt* row) { benchmarks::readAll(row, membersOf(records.emplace_back())); });
 }
 
 void ExpertDrive::insert(const DriveRecords& records)
 {
     m_connection.transaction("BEGIN IMMEDIATE;", m_texts[Insert], [&](sqlite3_stmt* stmt) {
         m_connection.runForEach(stmt, records, [](sqlite3_stmt* one, const DriveDataTable& record) {
-            return bindMembers(one, record, allMembers);
+            return bindAll(one, membersOf(record));
         });
     });
 }
@@ -147,9 +111,7 @@ void ExpertDrive::insert(const DriveRecords& records)
 DriveRecords ExpertDrive::readAll()
 {
     DriveRecords records;
-    m_connection.transaction("BEGIN DEFERRED", m_texts[ReadAll], [&](sqlite3_stmt* stmt) {
-        forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
-    });
+    m_connection.transaction("BEGIN DEFERRED", m_texts[ReadAll], [&](sqlite3_stmt* stmt) { readRows(stmt, records); });
     return records;
 }
 
@@ -158,7 +120,7 @@ DriveRecords ExpertDrive::children(const std::string& parentId)
     DriveRecords records;
     m_connection.transaction("BEGIN DEFERRED", m_texts[Children], [&](sqlite3_stmt* stmt) {
         m_connection.require(bindCell(stmt, 1, parentId));
-        forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
+        readRows(stmt, records);
     });
     return records;
 }
@@ -168,9 +130,9 @@ DriveDataTable ExpertDrive::byId(const std::string& fileId)
     DriveDataTable record;
     m_connection.transaction("BEGIN DEFERRED", m_texts[ById], [&](sqlite3_stmt* stmt) {
         m_connection.require(bindCell(stmt, 1, fileId));
-        forEachRow<firstById>(stmt, [&]() -> DriveDataTable& {
+        m_connection.forEachRow(stmt, [&](sqlite3_stmt* row) {
             record.SetFileid(fileId);
-            return record;
+            benchmarks::readAll(row, withoutFirst(membersOf(record)));
         });
     });
     return record;
@@ -178,9 +140,7 @@ DriveDataTable ExpertDrive::byId(const std::string& fileId)
 
 void ExpertDrive::select(const std::string& sql, DriveRecords& records)
 {
-    m_connection.once(sql, [&](sqlite3_stmt* stmt) {
-        forEachRow<0>(stmt, [&]() -> DriveDataTable& { return records.emplace_back(); });
-    });
+    m_connection.once(sql, [&](sqlite3_stmt* stmt) { readRows(stmt, records); });
 }
 
 std::int64_t ExpertDrive::count(const std::string& sql)
@@ -196,7 +156,7 @@ void ExpertDrive::updateMarkers(const DriveRecords& records)
 {
     m_connection.transaction("BEGIN IMMEDIATE;", m_texts[UpdateMarkers], [&](sqlite3_stmt* stmt) {
         m_connection.runForEach(stmt, records, [](sqlite3_stmt* one, const DriveDataTable& record) {
-            return bindMembers(one, record, markerMembers);
+            return bindAll(one, tied(record, markerMembers));
         });
     });
 }

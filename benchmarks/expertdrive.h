@@ -34,7 +34,7 @@ public:
 private:
     enum Text { Insert, ReadAll, Children, ById, UpdateMarkers, TextCount };
 
-    template <std::size_t FirstColumn, class Row> void forEachRow(sqlite3_stmt* stmt, Row row);
+    void readRows(sqlite3_stmt* stmt, DriveRecords& records);
 
     ExpertConnection m_connection;
     std::array<std::string, TextCount> m_texts;

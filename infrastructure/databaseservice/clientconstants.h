@@ -788,6 +788,20 @@ constexpr std::string_view iconPathOf(ExtensionGroup group) noexcept
     return unknownIconPath;
 }
 
+static_assert(std::all_of(knownExtensions.begin(), knownExtensions.end(),
+                          [](const KnownExtension& known) {
+                              const auto isCapital = [](char letter) { return letter >= 'A' && letter <= 'Z'; };
+                              const bool isLower =
+                                  std::none_of(known.extension.begin(), known.extension.end(), isCapital);
+                              const bool isAudio = known.group == ExtensionGroup::Audio;
+                              const bool isFont = known.group == ExtensionGroup::Font;
+                              return isLower && iconPathOf(known.group) != unknownIconPath &&
+                                  known.mimeType != folderMimeType &&
+                                  (isAudio || !known.mimeType.starts_with("audio/")) &&
+                                  (isFont || !known.mimeType.starts_with("font/"));
+                          }),
+              "each is in lower case, of a group with an icon, and of that which its mime type tells");
+
 // --- Albums -------------------------------------------------------------------------------------------------------
 // What stands in `Lpath` of the albums that every gallery has; the user's own lie below `userAlbumsPath`.
 

@@ -1,13 +1,14 @@
-// Writers and readers that share one file: SQLite's locks and the engine's waiting are all there is between them.
+// Writers and a reader that share one file: SQLite's locks and the engine's waiting are all there is between them.
 
-#include "support/batches.h"
-#include "support/process.h"
+#include "databaseservice/driverdbproviderbase.h"
+#include "support/drivefields.h"
 #include "support/storetest.h"
 
 #include <atomic>
 #include <thread>
 
 using namespace testsupport;
+using DatabaseService::DriveDataTable;
 using DatabaseService::DriverDBProviderBase;
 
 namespace {
@@ -15,60 +16,34 @@ namespace {
 constexpr int batches = 15;
 constexpr int rowsPerBatch = 40;
 
-class Concurrency : public StoreTest {
-protected:
-    Concurrency() { m_drive.InitDatabase(); }
-
-    /// Reads while the writers run: every transaction is seen whole or not at all.
-    template <class Writers> void readWhile(Writers write)
-    {
-        std::atomic<bool> done = false;
-        std::thread writers([&] {
-            write();
-            done = true;
-        });
-        while (!done) {
-            EXPECT_EQ(m_drive.CountDriverData() % rowsPerBatch, 0);
-        }
-        writers.join();
-    }
-
-    void expectAllRowsOf(const std::vector<std::string>& prefixes)
-    {
-        SqliteFile file(path(L"DriveModuleData.dat"), SqliteFile::Collation::NameCompare);
-        for (const std::string& prefix : prefixes) {
-            EXPECT_EQ(file.value("SELECT count(*) FROM DriveDataTable WHERE fileId GLOB '" + prefix + "*'"),
-                      std::to_string(batches * rowsPerBatch));
-        }
-        EXPECT_EQ(file.value("PRAGMA integrity_check"), "'ok'");
-    }
-
-    DriverDBProviderBase m_drive;
-};
+using Concurrency = StoreTest;
 
 } // namespace
 
+// Every transaction is seen whole or not at all.
 TEST_F(Concurrency, ThreadsOnOneProvider)
 {
-    readWhile([this] {
-        std::thread first([this] { writeBatches(m_drive, "a", batches, rowsPerBatch); });
-        writeBatches(m_drive, "b", batches, rowsPerBatch);
-        first.join();
-    });
-    expectAllRowsOf({"a", "b"});
-}
-
-TEST_F(Concurrency, ProcessesOnOneFile)
-{
-    const auto run = [this](const std::string& prefix) {
-        EXPECT_EQ(runProgram({WRITER_PROGRAM, platform::toUtf8(m_folder.path()), prefix, std::to_string(batches),
-                              std::to_string(rowsPerBatch)}),
-                  0);
+    DriverDBProviderBase drive;
+    drive.InitDatabase();
+    std::atomic<int> writing = 2;
+    const auto write = [&](const std::string& prefix) {
+        for (int batch = 0; batch < batches; ++batch) {
+            std::vector<DriveDataTable> records;
+            for (int row = 0; row < rowsPerBatch; ++row) {
+                records.push_back(treeRecord(prefix + std::to_string(batch * rowsPerBatch + row), "root"));
+            }
+            drive.InsertDriveDataBatch(records);
+        }
+        --writing;
     };
-    readWhile([&] {
-        std::thread first([&] { run("a"); });
-        run("b");
-        first.join();
-    });
-    expectAllRowsOf({"a", "b"});
+    std::thread first(write, "a");
+    std::thread second(write, "b");
+    while (writing > 0) {
+        EXPECT_EQ(drive.CountDriverData() % rowsPerBatch, 0);
+    }
+    first.join();
+    second.join();
+    EXPECT_EQ(drive.CountDriverData(), 2 * batches * rowsPerBatch);
+    SqliteFile file(path(L"DriveModuleData.dat"), SqliteFile::Collation::NameCompare);
+    EXPECT_EQ(file.value("PRAGMA integrity_check"), "'ok'");
 }

@@ -39,35 +39,28 @@ static_assert(!Bindable<char[5]> && !Bindable<wchar_t[5]> && !Bindable<const cha
 
 TEST(BindParameter, KeepsValuesAndNamesInOrder)
 {
-    using Text = std::pair<std::wstring, std::string>;
-    using Number = std::pair<int64, std::string>;
     DatabaseBindParameter bind;
-    bind.Bind(std::wstring(L"wide"), ":a");
-    bind.Bind(true, ":b");
-    bind.Bind(std::string(), ":c");
-    bind.Bind(-5, ":d");
-    bind.Bind(least, ":e");
-    bind.Bind(std::string("\xE5\x90\x8D\xFF"), ":f");
-    bind.Bind(Text(L"pair", ":g"));
-    bind.Bind(Number(7, ":h"));
-    const Text noText(L"untouched", "");
-    const Number noNumber(-1, "untouched");
+    bind.Bind(std::wstring(L"wide"), "a");
+    bind.Bind(true, "b");
+    bind.Bind(std::string(), "c");
+    bind.Bind(-5, "d");
+    bind.Bind(least, "e");
+    bind.Bind(std::string("\xE5\x90\x8D\xFF"), "f");
+    bind.Bind(std::pair<std::wstring, std::string>(L"pair", "g"));
+    bind.Bind(std::pair<int64, std::string>(7, "h"));
     for (int twice = 0; twice < 2; ++twice) {
-        std::vector<std::pair<Text, Number>> elements;
+        std::wstring elements;
         for (bind.Reset(); bind.HasNext(); bind.Next()) {
-            auto& [text, number] = elements.emplace_back(noText, noNumber);
+            std::pair<std::wstring, std::string> text;
+            std::pair<int64, std::string> number;
             EXPECT_EQ(bind.GetValue(text), !bind.IsInt());
             EXPECT_EQ(bind.GetValue(number), bind.IsInt());
+            EXPECT_EQ((bind.IsInt() ? text.second : number.second), "") << "left alone";
+            const std::string& name = bind.IsInt() ? number.second : text.second;
+            elements += std::wstring(name.begin(), name.end()) + L'=' +
+                (bind.IsInt() ? std::to_wstring(number.first) : L'"' + text.first + L'"') + L' ';
         }
-        EXPECT_EQ(elements,
-                  (std::vector<std::pair<Text, Number>>{{{L"wide", ":a"}, noNumber},
-                                                        {noText, {1, ":b"}},
-                                                        {{L"", ":c"}, noNumber},
-                                                        {noText, {-5, ":d"}},
-                                                        {noText, {least, ":e"}},
-                                                        {{L"\u540D\uFFFD", ":f"}, noNumber},
-                                                        {{L"pair", ":g"}, noNumber},
-                                                        {noText, {7, ":h"}}}));
+        EXPECT_EQ(elements, L"a=\"wide\" b=1 c=\"\" d=-5 e=-9223372036854775808 f=\"\u540D\uFFFD\" g=\"pair\" h=7 ");
     }
     EXPECT_FALSE(bind.Next());
     EXPECT_FALSE(DatabaseBindParameter().HasNext());
@@ -76,14 +69,11 @@ TEST(BindParameter, KeepsValuesAndNamesInOrder)
 TEST(QueryResult, TextReadsAsNumberByItsLeadingDigits)
 {
     const std::pair<std::wstring, int64> cases[] = {
-        {L"", 0},
         {L"letters", 0},
         {L"42 letters", 42},
         {L"-12.5", -12},
         {L" \t\n\v\f\r+7", 7},
         {L"- 7", 0},
-        {L"--7", 0},
-        {L"0x10", 0},
         {L"9223372036854775807", most},
         {L"9223372036854775808", most},
         {L"-9223372036854775808", least},
@@ -98,12 +88,10 @@ TEST(QueryResult, TextReadsAsNumberByItsLeadingDigits)
 
 TEST(QueryResult, CellsReadAsEitherKind)
 {
-    for (const auto& [number, digits] : {std::pair<int64, std::string>{-5, "-5"}, {least, "-9223372036854775808"}}) {
-        EXPECT_EQ(rowOf(number).GetString(), digits);
-        EXPECT_EQ(rowOf(number).GetWstring(), std::wstring(digits.begin(), digits.end()));
-        EXPECT_EQ(rowOf(number).GetInt(), number);
-        EXPECT_TRUE(rowOf(number).GetBoolean());
-    }
+    EXPECT_EQ(rowOf(least).GetString(), "-9223372036854775808");
+    EXPECT_EQ(rowOf(int64{-5}).GetWstring(), L"-5");
+    EXPECT_EQ(rowOf(least).GetInt(), least);
+    EXPECT_TRUE(rowOf(least).GetBoolean());
     EXPECT_FALSE(rowOf(int64{0}).GetBoolean());
     EXPECT_EQ(rowOf(std::wstring(L"\u540D")).GetString(), "\xE5\x90\x8D");
     EXPECT_EQ(rowOf(std::wstring(L"\u540D")).GetWstring(), L"\u540D");
@@ -124,14 +112,9 @@ TEST(QueryResult, EachReadConsumesItsCell)
 
     DatabaseQueryResult moved = std::move(row);
     EXPECT_EQ(moved.GetInt(), 3) << "a move takes the cursor along";
-    row = DatabaseQueryResult();
-    EXPECT_FALSE(row.HasNext());
-    for (int twice = 0; twice < 2; ++twice) { // behind the last cell there is nothing, however often
-        EXPECT_FALSE(moved.IsInt());
-        EXPECT_EQ(moved.GetString(), "");
-        EXPECT_EQ(moved.GetInt(), 0);
-        EXPECT_FALSE(moved.HasNext());
-    }
+    EXPECT_FALSE(moved.IsInt() || moved.HasNext()) << "behind the last cell there is nothing";
+    EXPECT_EQ(moved.GetString(), "");
+    EXPECT_EQ(moved.GetInt(), 0);
     moved.Reset();
     EXPECT_EQ(moved.GetInt(), 1);
 }
@@ -147,8 +130,6 @@ TEST(DriveRecord, DefaultsAndEverySetterWithItsGetter)
         EXPECT_TRUE(values.insert(field.get(filled)).second) << "two accessors of one member show as one value twice";
     }
     EXPECT_EQ(values.size(), 53U);
-    EXPECT_EQ(filled.GetSize(), (int64{1006} << 40) + 1006);
-    EXPECT_EQ(filled.GetClassIndex(), -1049);
     EXPECT_EQ(fresh.GetHelpData(), "");
     EXPECT_EQ(fresh.GetFileOperationType(), -1);
 }
@@ -173,11 +154,10 @@ TEST(DriveRecord, EmptyAndFolder)
     EXPECT_TRUE(record.Empty());
     record.SetFileid("id");
     EXPECT_FALSE(record.Empty());
-    const std::string folder = "application/vnd.tessix-apps.folder";
-    record.SetMimeType(folder);
+    record.SetMimeType("application/vnd.tessix-apps.folder");
     EXPECT_TRUE(record.IsFolder());
-    record.SetMimeType(folder + " ");
-    EXPECT_FALSE(record.IsFolder());
-    record.SetMimeType("APPLICATION/VND.TESSIX-APPS.FOLDER");
-    EXPECT_FALSE(record.IsFolder());
+    for (const char* other : {"application/vnd.tessix-apps.folder ", "APPLICATION/VND.TESSIX-APPS.FOLDER"}) {
+        record.SetMimeType(other);
+        EXPECT_FALSE(record.IsFolder());
+    }
 }

@@ -2,6 +2,7 @@
 
 #include "databaseservice/maindbsqlprovider.h"
 #include "support/mainstoretest.h"
+#include "support/recordfields.h"
 
 #include <tuple>
 
@@ -10,52 +11,41 @@ using namespace DatabaseService;
 
 namespace {
 
-template <class Record> auto members(Record& r)
-{
-    return std::tie(r.id, r.fileId, r.deleted, r.changeType, r.fromDevice, r.kind, r.fileName, r.localFileName,
-                    r.mimeType, r.isFolder, r.trashed, r.parentId, r.parentFolder, r.localParentId, r.localParentFolder,
-                    r.createdTime, r.modifiedTime, r.localModifiedTime, r.size, r.thunbnailDownloadLink,
-                    r.localThunbnailDownload, r.status, r.fileStatus, r.isSyncDown, r.isRiskFile, r.imageRotate);
-}
+using R = T_CloudFileTable;
 
-struct Fill {
-    void operator()(std::string& text) { text = "text" + std::to_string(number++); }
-    void operator()(int64& wide) { wide = -(int64{number++} << 40); }
-    void operator()(std::int32_t& narrow) { narrow = number++; }
-    std::int32_t number;
-};
+// clang-format off
+const RecordFields<R> files{"T_CloudFileTable", {
+    {"id", &R::id}, {"fileId", &R::fileId}, {"deleted", &R::deleted}, {"changeType", &R::changeType},
+    {"fromDevice", &R::fromDevice}, {"kind", &R::kind}, {"fileName", &R::fileName},
+    {"localFileName", &R::localFileName}, {"mimeType", &R::mimeType}, {"isFolder", &R::isFolder},
+    {"trashed", &R::trashed}, {"parentId", &R::parentId}, {"parentFolder", &R::parentFolder},
+    {"localParentId", &R::localParentId}, {"localParentFolder", &R::localParentFolder},
+    {"createdTime", &R::createdTime}, {"modifiedTime", &R::modifiedTime}, {"localModifiedTime", &R::localModifiedTime},
+    {"size", &R::size}, {"thunbnailDownloadLink", &R::thunbnailDownloadLink},
+    {"localThunbnailDownload", &R::localThunbnailDownload}, {"status", &R::status}, {"fileStatus", &R::fileStatus},
+    {"isSyncDown", &R::isSyncDown}, {"isRiskFile", &R::isRiskFile}, {"imageRotate", &R::imageRotate}}};
+// clang-format on
 
-/// The higher the seed, the older: no two members are alike.
-T_CloudFileTable filled(const std::string& fileId, const std::string& parentId, int seed, int64 id = 0)
+/// The higher the seed, the newer.
+R filled(const std::string& fileId, const std::string& parentId, int seed, int64 id = 0)
 {
-    T_CloudFileTable record;
-    std::apply([fill = Fill{seed * 100}](auto&... each) mutable { (fill(each), ...); }, members(record));
+    R record = files.filled(seed);
     record.id = id;
     record.fileId = fileId;
     record.parentId = parentId;
     return record;
 }
 
-std::string cell(const std::string& text)
+std::vector<std::string> cellsOf(const R& record)
 {
-    return textCell(text);
-}
-
-std::string cell(int64 number)
-{
-    return std::to_string(number);
-}
-
-std::vector<std::string> cellsOf(const T_CloudFileTable& record)
-{
-    return std::apply([](const auto&... each) { return std::vector{cell(each)...}; }, members(record));
+    return files.cells(record);
 }
 
 class MainCloudFiles : public MainStoreTest {
 protected:
-    void insert(std::vector<T_CloudFileTable> records) { Main::InsertCloudDriveDataBatch(records); }
+    void insert(std::vector<R> records) { Main::InsertCloudDriveDataBatch(records); }
     void removeOldest(int count) { Main::DeleteCloudDriveDataBatchOrderBy(count); }
-    Rows rows() { return m_file.query("SELECT * FROM T_CloudFileTable ORDER BY id"); }
+    Rows rows() { return files.rows(m_file); }
     std::string ids() { return m_file.value("SELECT group_concat(id || fileId) FROM T_CloudFileTable"); }
 
     std::string a = "a";
@@ -67,13 +57,13 @@ protected:
 
 TEST_F(MainCloudFiles, RecordsGoInAndComeOutWhole)
 {
-    insert({filled(a, parent, 2), filled("it's", parent, 1, 77)});
+    insert({filled(a, parent, 1), filled("it's", parent, 2, 77)});
     EXPECT_TRUE(openedTimes(2)) << "one transaction per record";
-    const T_CloudFileTable first = filled(a, parent, 2, 1);
-    const T_CloudFileTable second = filled("it's", parent, 1, 2);
+    const R first = filled(a, parent, 1, 1);
+    const R second = filled("it's", parent, 2, 2);
     std::string quoted = "it's";
     EXPECT_EQ(rows(), (Rows{cellsOf(first), cellsOf(second)}));
-    const std::vector<T_CloudFileTable> all = Main::GetAllCloudDriveDataBatch();
+    const std::vector<R> all = Main::GetAllCloudDriveDataBatch();
     ASSERT_EQ(all.size(), 2U);
     EXPECT_EQ(cellsOf(all[0]), cellsOf(second)) << "the newest first";
     EXPECT_EQ(cellsOf(all[1]), cellsOf(first));
@@ -123,7 +113,7 @@ TEST_F(MainCloudFiles, ReplaceTakesTheFirstRowOfTheFile)
 
 TEST_F(MainCloudFiles, TheOldestRowsGo)
 {
-    insert({filled("c", parent, 2), filled(a, parent, 4), filled("b", parent, 3), filled("d", parent, 1)});
+    insert({filled("c", parent, 3), filled(a, parent, 1), filled("b", parent, 2), filled("d", parent, 4)});
     m_log.take();
     removeOldest(0);
     EXPECT_TRUE(openedTimes(2)) << "an empty transaction";
@@ -141,23 +131,37 @@ TEST_F(MainCloudFiles, CellsOfTheOtherKindArePassedOver)
 {
     insert({filled(a, parent, 1)});
     m_file.exec("UPDATE T_CloudFileTable SET isFolder = 'text', trashed = 4294967303, modifiedTime = 2.5, size = 7");
-    const T_CloudFileTable read = Main::GetCloudDriveDataBatch(a);
+    const R read = Main::GetCloudDriveDataBatch(a);
     EXPECT_EQ(std::tuple(read.isFolder, read.trashed, read.modifiedTime, read.size), std::tuple(0, 7, 0, 7));
 }
 
 TEST_F(MainCloudFiles, AnOlderTableStaysAndIsNotRead)
 {
+    std::string file = platform::toUtf8(path(L"missing.dat"));
+    EXPECT_FALSE(MainDBSQLProvider::GetInstance().CreateTables(file)) << "a missing file is not created";
+    EXPECT_EQ(m_log.take().size(), 8U) << "the open, each statement and the commit";
+    SqliteFile older(path(L"older.dat"));
+    file = platform::toUtf8(path(L"older.dat"));
+    EXPECT_TRUE(MainDBSQLProvider::GetInstance().CreateTables(file));
+    EXPECT_EQ(older.tables(), allTables);
+    for (const char* same : {"T_NotepadCard", "T_WaitHandleCardItem", "UBAUserLog", "UserLogTable"}) {
+        EXPECT_EQ(older.columns(same), m_file.columns(same));
+    }
+    EXPECT_EQ(older.columns("T_CloudFileTable") + " imageRotate", m_file.columns("T_CloudFileTable"));
+    EXPECT_EQ(older.columns("UserProperties"), "TEXT NOT NULL KEY: Key\nTEXT NOT NULL: Value");
+
     Main::DeleteMainCloudFileTable();
-    std::string file = platform::toUtf8(path(L"main.dat"));
+    file = platform::toUtf8(path(L"main.dat"));
     EXPECT_TRUE(MainDBSQLProvider::GetInstance().CreateTables(file));
     Main::InitMainDatabase();
-    m_file.exec("INSERT INTO T_CloudFileTable VALUES(1,'a','','','','','','','',0,0,'parent','','','',1,2,3,4,'','',"
-                "5,6,7,8)");
+    SqliteFile(path(L"main.dat")) // which knows the new table
+        .exec("INSERT INTO T_CloudFileTable "
+              "VALUES(1,'a','','','','','','','',0,0,'parent','','','',1,2,3,4,'','',5,6,7,8)");
     EXPECT_EQ(Main::GetAllCloudDriveDataBatchNum(), 1);
     EXPECT_TRUE(m_log.failuresWere({}));
     EXPECT_EQ(Main::GetCloudDriveDataBatch(a).fileId, "");
     insert({filled(a, parent, 1)});
     EXPECT_TRUE(m_log.failuresWere({lines.prepare, lines.prepare}));
     removeOldest(1);
-    EXPECT_EQ(rows(), Rows());
+    EXPECT_EQ(ids(), "NULL");
 }

@@ -31,28 +31,22 @@ DriveField field(const char* column, void (DriveDataTable::*set)(Set), Get (Driv
 const std::vector<DriveField>& driveFields()
 {
     using R = DriveDataTable;
+    // clang-format off
     static const std::vector<DriveField> fields{
-        field("fileId", &R::SetFileid, &R::GetFileid),
-        field("name", &R::SetName, &R::GetName),
-        field("kind", &R::SetKind, &R::GetKind),
-        field("mimeType", &R::SetMimeType, &R::GetMimeType),
-        field("description", &R::SetDescription, &R::GetDescription),
-        field("size", &R::SetSize, &R::GetSize),
-        field("attachmentSize", &R::SetAttachmentSize, &R::GetAttachmentSize),
-        field("hash", &R::SetHash, &R::GetHash),
+        field("fileId", &R::SetFileid, &R::GetFileid), field("name", &R::SetName, &R::GetName),
+        field("kind", &R::SetKind, &R::GetKind), field("mimeType", &R::SetMimeType, &R::GetMimeType),
+        field("description", &R::SetDescription, &R::GetDescription), field("size", &R::SetSize, &R::GetSize),
+        field("attachmentSize", &R::SetAttachmentSize, &R::GetAttachmentSize), field("hash", &R::SetHash, &R::GetHash),
         field("contentVersion", &R::SetContentVersion, &R::GetContentVersion),
-        field("parentId", &R::SetParentId, &R::GetParentId),
-        field("favorite", &R::SetFavorite, &R::GetFavorite),
+        field("parentId", &R::SetParentId, &R::GetParentId), field("favorite", &R::SetFavorite, &R::GetFavorite),
         field("recycled", &R::SetRecycled, &R::GetRecycled),
         field("directlyRecycled", &R::SetDirectlyRecycled, &R::GetDirectlyRecycled),
         field("createdTime", &R::SetCreatedTime, &R::GetCreatedTime),
         field("modifiedTime", &R::SetModifiedTime, &R::GetModifiedTime),
-        field("recycledTime", &R::SetRecycledTime, &R::GetRecycledTime),
-        field("isSync", &R::SetIsSync, &R::GetIsSync),
+        field("recycledTime", &R::SetRecycledTime, &R::GetRecycledTime), field("isSync", &R::SetIsSync, &R::GetIsSync),
         field("thumbnailDownloadLink", &R::SetThumbnailDownloadLink, &R::GetThumbnailDownloadLink),
         field("LCDImageDownloadLink", &R::SetLcdImageDownloadLink, &R::GetLcdImageDownloadLink),
-        field("version", &R::SetVersion, &R::GetVersion),
-        field("batchOper", &R::SetBatchOper, &R::GetBatchOper),
+        field("version", &R::SetVersion, &R::GetVersion), field("batchOper", &R::SetBatchOper, &R::GetBatchOper),
         field("localAbsolutePath", &R::SetLocalAbsolutePath, &R::GetLocalAbsolutePath),
         field("localFileSha256", &R::SetLocalFileSha256, &R::GetLocalFileSha256),
         field("deleteSrcPath", &R::SetDeleteSrcPath, &R::GetDeleteSrcPath),
@@ -60,8 +54,7 @@ const std::vector<DriveField>& driveFields()
         field("renameName", &R::SetRenameName, &R::GetRenameName),
         field("renameTime", &R::SetRenameTime, &R::GetRenameTime),
         field("moveParentId", &R::SetMoveParentId, &R::GetMoveParentId),
-        field("moveTime", &R::SetMoveTime, &R::GetMoveTime),
-        field("softDelete", &R::SetSoftDelete, &R::GetSoftDelete),
+        field("moveTime", &R::SetMoveTime, &R::GetMoveTime), field("softDelete", &R::SetSoftDelete, &R::GetSoftDelete),
         field("softDeleteSrcPath", &R::SetSoftDeleteSrcPath, &R::GetSoftDeleteSrcPath),
         field("softDelTime", &R::SetSoftDelTime, &R::GetSoftDelTime),
         field("hardDelete", &R::SetHardDelete, &R::GetHardDelete),
@@ -80,12 +73,10 @@ const std::vector<DriveField>& driveFields()
         field("riskFileType", &R::SetRiskFileType, &R::GetRiskFileType),
         field("fileExtSign", &R::SetFileExtSign, &R::GetFileExtSign),
         field("needToDisplay", &R::SetCloudContentStatus, &R::GetCloudContentStatus),
-        field("classIndex", &R::SetClassIndex, &R::GetClassIndex),
-        field("data1", &R::SetData1, &R::GetData1),
-        field("data2", &R::SetData2, &R::GetData2),
-        field("data3", &R::SetData3, &R::GetData3),
-        field("data4", &R::SetData4, &R::GetData4),
-    };
+        field("classIndex", &R::SetClassIndex, &R::GetClassIndex), field("data1", &R::SetData1, &R::GetData1),
+        field("data2", &R::SetData2, &R::GetData2), field("data3", &R::SetData3, &R::GetData3),
+        field("data4", &R::SetData4, &R::GetData4)};
+    // clang-format on
     return fields;
 }
 

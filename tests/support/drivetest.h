@@ -15,7 +15,7 @@ std::vector<std::string> split(const std::string& words);
 /// An update of rows of the drive's table by one statement.
 struct DriveUpdate {
     const char* name;
-    std::function<bool(DatabaseService::DriverDBProviderBase&, const DatabaseService::DriveDataTable&)> call;
+    std::function<bool(DatabaseService::DriverDBProvider&, const DatabaseService::DriveDataTable&)> call;
     std::string columns; ///< in the statement's order, with "=" and the parameter where that is not the namesake
     std::string tail = "WHERE fileId = :fileId";
 };

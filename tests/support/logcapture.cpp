@@ -16,7 +16,8 @@ std::string describe(int severity, const std::string& function, const std::strin
 // The transfer module's lines, which are no failures, by the numbers of the printf-style log.
 bool isOfTransferModule(const Logger::LogEntry& entry)
 {
-    return entry.severity == 0x40003 && entry.module == 1 && entry.line > 0 && !entry.flag && entry.tag == "unknow";
+    return entry.severity == 0x40003 && entry.module == 1 && entry.line > 0 && !entry.flag && entry.tag == "unknow" &&
+        entry.file == "transmissiondbmodule";
 }
 
 std::string describe(const Logger::LogEntry& entry)
@@ -25,7 +26,7 @@ std::string describe(const Logger::LogEntry& entry)
     const bool isOdd = entry.module != 0 || entry.line <= 0 || (entry.severity == 5 && !entry.flag);
     if (isOdd && !isOfTransferModule(entry)) {
         text += " (module " + std::to_string(entry.module) + ", line " + std::to_string(entry.line) + ", flag " +
-            std::to_string(entry.flag) + ')';
+            std::to_string(entry.flag) + (entry.tag.empty() ? "" : ", " + entry.tag + " in " + entry.file) + ')';
     }
     return text;
 }

@@ -9,7 +9,6 @@
 #include "support/faultydisk.h"
 
 #include <iostream>
-#include <memory>
 
 int platform::programMain(const std::vector<std::string>& arguments)
 {

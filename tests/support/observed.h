@@ -1,7 +1,7 @@
 #pragma once
 
 #include "databaseservice/databaseoperationbase.h"
-#include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/driverdbprovider.h"
 #include "support/sqlitefile.h"
 
 #include <deque>
@@ -91,7 +91,8 @@ public:
     bool InitDatabase() override { return true; }
 };
 
-using ObservedDrive = Observed<DatabaseService::DriverDBProviderBase>;
+/// The facade, and so the base behind it.
+using ObservedDrive = Observed<DatabaseService::DriverDBProvider>;
 
 /// The rows as `SqliteFile` would show them, and back with the list.
 template <class Store> Rows takeRows(Store& store, std::list<DatabaseService::DatabaseQueryResult*>* list)

@@ -11,7 +11,8 @@ namespace testsupport {
 /// A line of the plain connections in the client's printf-style log. `function` has its class before it.
 inline std::string plainLine(const std::string& function, const std::string& message)
 {
-    return "262145 " + function + ": " + message + " (module 31, flag 0)";
+    const std::string file = function.starts_with("CommonSqliteDb::") ? "commonsqlitedb" : "clouddriverdb";
+    return "262145 " + function + ": " + message + " (module 31, flag 0, unknow in " + file + ')';
 }
 
 inline std::string notOpen(const std::string& operation)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -12,9 +11,6 @@ namespace testsupport {
 /// where these are empty, where this program's goes.
 int runProgram(const std::vector<std::string>& commandLine, const std::filesystem::path& output = {},
                const std::filesystem::path& errors = {});
-
-/// What this process has used of the processors so far.
-std::chrono::nanoseconds processorTime();
 
 /// A variable of this process's environment, which programs that it runs inherit, for as long as the object lives; an
 /// empty value stands for none.

@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <ctime>
 
 namespace testsupport {
 
@@ -47,13 +46,6 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     }
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::chrono::nanoseconds processorTime()
-{
-    timespec used{};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
-    return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
 }
 
 EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)

@@ -88,21 +88,6 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     return static_cast<int>(code);
 }
 
-std::chrono::nanoseconds processorTime()
-{
-    constexpr long long perTick = 100;
-    const auto ticks = [](const FILETIME& time) {
-        return static_cast<long long>((static_cast<unsigned long long>(time.dwHighDateTime) << 32) |
-                                      time.dwLowDateTime);
-    };
-    FILETIME created{};
-    FILETIME exited{};
-    FILETIME kernel{};
-    FILETIME user{};
-    GetProcessTimes(GetCurrentProcess(), &created, &exited, &kernel, &user);
-    return std::chrono::nanoseconds((ticks(kernel) + ticks(user)) * perTick);
-}
-
 EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
     : m_name(name),
       m_before(platform::environmentVariable(name))

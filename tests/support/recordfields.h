@@ -5,9 +5,9 @@
 #include "support/sqlitefile.h"
 
 #include <functional>
+#include <sstream>
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace testsupport {
@@ -19,9 +19,10 @@ template <class Record> struct RecordField {
     std::function<void(Record&, DatabaseService::int64)> set;
     std::function<std::string(const Record&)> cell; ///< as `SqliteFile` shows it
 
-    template <class Value>
-    RecordField(const char* name, Value Record::*member) : column(name),
-                                                           text(!std::is_integral_v<Value>)
+    /// The member may be of a base of the record.
+    template <class Value, class Owner>
+    RecordField(const char* name, Value Owner::*member) : column(name),
+                                                          text(!std::is_arithmetic_v<Value>)
     {
         set = [label = column, member](Record& record, DatabaseService::int64 number) {
             if constexpr (std::is_same_v<Value, bool>) {
@@ -29,6 +30,8 @@ template <class Record> struct RecordField {
             } else if constexpr (std::is_integral_v<Value>) {
                 // 64-bit numbers reach beyond 32 bits, 32-bit ones below zero.
                 record.*member = static_cast<Value>(sizeof(Value) == 8 ? (number << 40) + number : -number);
+            } else if constexpr (std::is_floating_point_v<Value>) {
+                record.*member = static_cast<Value>(number) + Value{0.5};
             } else if constexpr (std::is_same_v<Value, std::wstring>) {
                 record.*member = platform::toWide(label + " \xE5\x90\x8D '" + std::to_string(number));
             } else {
@@ -36,8 +39,8 @@ template <class Record> struct RecordField {
             }
         };
         cell = [member](const Record& record) {
-            if constexpr (std::is_integral_v<Value>) {
-                return std::to_string(record.*member);
+            if constexpr (std::is_arithmetic_v<Value>) {
+                return (std::ostringstream() << record.*member).str();
             } else if constexpr (std::is_same_v<Value, std::wstring>) {
                 return textCell(platform::toUtf8(record.*member));
             } else {

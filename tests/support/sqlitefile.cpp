@@ -5,7 +5,6 @@
 
 #include <memory>
 #include <stdexcept>
-#include <string_view>
 
 namespace testsupport {
 
@@ -13,28 +12,13 @@ namespace {
 
 std::string cellText(sqlite3_stmt* stmt, int column)
 {
-    const int type = sqlite3_column_type(stmt, column);
-    const auto bytes = [&] {
-        const auto* data = static_cast<const char*>(sqlite3_column_blob(stmt, column));
-        return std::string(data == nullptr ? "" : data, static_cast<std::size_t>(sqlite3_column_bytes(stmt, column)));
-    };
-    switch (type) {
-    case SQLITE_NULL:
+    const int type = sqlite3_column_type(stmt, column); // before the cell becomes a text
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
+    if (text == nullptr) {
         return "NULL";
-    case SQLITE_TEXT:
-        return textCell(bytes());
-    case SQLITE_BLOB: {
-        std::string text = "x'";
-        for (const char byte : bytes()) {
-            constexpr std::string_view digits = "0123456789ABCDEF";
-            text += digits[static_cast<unsigned char>(byte) / 16];
-            text += digits[static_cast<unsigned char>(byte) % 16];
-        }
-        return text + '\'';
     }
-    default:
-        return reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
-    }
+    const std::string bytes(text, static_cast<std::size_t>(sqlite3_column_bytes(stmt, column)));
+    return type == SQLITE_TEXT ? textCell(bytes) : bytes;
 }
 
 } // namespace
@@ -94,6 +78,41 @@ Rows SqliteFile::query(const std::string& sql)
 std::string SqliteFile::value(const std::string& sql)
 {
     return query(sql).at(0).at(0);
+}
+
+std::string SqliteFile::text(const std::string& sql)
+{
+    std::string text;
+    for (const std::vector<std::string>& row : query(sql)) {
+        text += text.empty() ? "" : "\n";
+        for (const std::string& cell : row) {
+            text += (&cell == &row.front() ? "" : "|") + cell;
+        }
+    }
+    return text;
+}
+
+std::string SqliteFile::tables()
+{
+    const std::string names = value("SELECT group_concat(name) FROM (SELECT name FROM sqlite_master WHERE type = "
+                                    "'table' AND name NOT LIKE 'sqlite%' ORDER BY name)");
+    return names == "NULL" ? "" : names.substr(1, names.size() - 2);
+}
+
+std::string SqliteFile::columns(const std::string& table)
+{
+    std::string text;
+    std::string kind;
+    for (const auto& row : query("SELECT name, type || iif(\"notnull\", ' NOT NULL', '') || iif(pk, ' KEY', '') || "
+                                 "ifnull(' DEFAULT ' || dflt_value, '') FROM pragma_table_info('" +
+                                 table + "')")) {
+        if (row[1] != kind) {
+            kind = row[1];
+            text += (text.empty() ? "" : "\n") + kind.substr(1, kind.size() - 2) + ':';
+        }
+        text += ' ' + row[0].substr(1, row[0].size() - 2);
+    }
+    return text;
 }
 
 } // namespace testsupport

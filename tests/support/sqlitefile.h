@@ -7,7 +7,7 @@
 
 namespace testsupport {
 
-/// Cells as SQL writes them, so that the storage class can be told: NULL, 7, 1.5, 'text', x'00FF'.
+/// Cells as SQL writes them, so that the storage class can be told: NULL, 7, 1.5, 'text'. A blob shows its bytes.
 using Rows = std::vector<std::vector<std::string>>;
 
 std::string textCell(const std::string& text);
@@ -30,6 +30,13 @@ public:
     Rows query(const std::string& sql);
     /// The one cell of the one row.
     std::string value(const std::string& sql);
+    /// A line for each row, with its cells between bars.
+    std::string text(const std::string& sql);
+
+    /// The names of the tables, with commas between them; SQLite's own are left out.
+    std::string tables();
+    /// A table's columns in runs of one kind, a line for each: "TEXT NOT NULL: a b".
+    std::string columns(const std::string& table);
 
 private:
     sqlite3* m_db = nullptr;

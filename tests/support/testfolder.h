@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <random>
-#include <string>
 
 namespace testsupport {
 

@@ -17,17 +17,17 @@ namespace {
 /// The program under test, wherever the current folder goes.
 const std::string program = platform::toUtf8(fs::absolute(DBSERVICE_PROGRAM));
 
+std::string textOf(const fs::path& file)
+{
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 } // namespace
 
 fs::path utf8Path(const std::string& text)
 {
     return fs::path(std::u8string(text.begin(), text.end()));
-}
-
-std::string readFile(const fs::path& file, std::ios::openmode mode)
-{
-    std::ifstream stream(file, mode);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 void writeFile(const fs::path& file, const std::string& content)
@@ -40,9 +40,23 @@ std::map<std::string, std::string> contents(const fs::path& folder)
 {
     std::map<std::string, std::string> files;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        files[platform::toUtf8(entry.path().filename())] = readFile(entry.path());
+        files[platform::toUtf8(entry.path().filename())] = bytesOf(entry.path());
     }
     return files;
+}
+
+testing::AssertionResult refused(const Ran& ran, const std::string& told)
+{
+    if (ran.code != 1 || !ran.out.empty()) {
+        return testing::AssertionFailure() << "exit code " << ran.code << ", " << ran.out << ran.err;
+    }
+    return contains(ran.err, told);
+}
+
+testing::AssertionResult contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos ? testing::AssertionSuccess()
+                                                : testing::AssertionFailure() << "no " << part << " in: " << text;
 }
 
 std::vector<int> numbers(const Ran& scan)
@@ -65,7 +79,7 @@ Ran ToolTest::run(const Arguments& arguments, const Arguments& before) const
     commandLine.push_back(program);
     commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
     const int code = runProgram(commandLine, out, err);
-    return {code, readFile(out, std::ios::in), readFile(err, std::ios::in)};
+    return {code, textOf(out), textOf(err)};
 }
 
 Ran ToolTest::onStore(Arguments arguments, const Arguments& before) const

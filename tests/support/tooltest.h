@@ -1,10 +1,10 @@
 #pragma once
 
+#include "support/filebytes.h"
 #include "support/testfolder.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <ios>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -15,7 +15,6 @@ namespace testsupport {
 inline constexpr bool onPosix = std::filesystem::path::preferred_separator == '/';
 
 std::filesystem::path utf8Path(const std::string& text);
-std::string readFile(const std::filesystem::path& file, std::ios::openmode mode = std::ios::binary);
 /// Makes the folders on the way.
 void writeFile(const std::filesystem::path& file, const std::string& content);
 /// Every file of a folder with what is in it.
@@ -27,6 +26,10 @@ struct Ran {
     std::string out;
     std::string err;
 };
+
+/// Whether the program gave up: with code 1, nothing on its standard output, and `told` among what it said.
+testing::AssertionResult refused(const Ran& ran, const std::string& told);
+testing::AssertionResult contains(const std::string& text, const std::string& part);
 
 /// The numbers of a scan: added, changed, unchanged, removed, left alone, rows.
 std::vector<int> numbers(const Ran& scan);

@@ -1,22 +1,16 @@
 #include "clientservices/globalparamwrapper.h"
-#include "databaseservice/driverdbprovider.h"
+#include "databaseservice/drivedatatable.h"
 #include "platform/paths.h"
 #include "support/process.h"
 #include "support/sqlitefile.h"
 #include "support/tooltest.h"
 
-#include <algorithm>
-#include <cctype>
 #include <chrono>
-#include <cstdint>
-#include <iterator>
-#include <sstream>
 #include <numeric>
 #include <string_view>
 
 namespace fs = std::filesystem;
 using namespace testsupport;
-using DatabaseService::DriveDataTable;
 using nlohmann::json;
 
 namespace {
@@ -31,58 +25,42 @@ TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
     fs::create_directories(m_folder.path() / "odd" / "DriveModuleData.dat");
     writeFile(source() / "file", "");
 
-    struct Case {
-        Arguments arguments;
-        int code;
-        std::string told;
-    };
-    const Case cases[]{
+    const std::tuple<Arguments, int, std::string> cases[]{
         {{}, 2, "no command"},
         {{"frobnicate"}, 2, "frobnicate"},
         {{"ls", "--frobnicate"}, 2, "--frobnicate\nTry `dbservice ls --help`."},
-        {{"ls", "--count", "-1"}, 2, "--count"},
-        {{"ls", "--offset", "99999999999999"}, 2, "--offset"},
-        {{"stat"}, 2, "PATH"},
-        {{"count", "count", "count"}, 2, "count"},
-        {{"ls", "--sort", "nam"}, 2, "--sort"},
-        {{"view"}, 2, "CLASS"},
         {{"view", "3"}, 2, "CLASS"},
         {{"ls"}, 1, "--folder STORE"},
         {{"--folder", folder + "/nowhere", "ls"}, 1, "does not exist"},
         {{"--folder", folder + "/source", "ls"}, 1, "there is no DriveModuleData.dat"},
+        {{"--folder", folder + "/source", "reindex"}, 1, "there is no DriveModuleData.dat"},
         {{"--folder", folder + "/source/file", "ls"}, 1, "is not a folder"},
         {{"--folder", folder + "/empty", "count"}, 1, "is empty"},
         {{"--folder", folder + "/odd", "count"}, 1, "is not a file"},
         {{"--folder", folder + "/foreign", "count"}, 1, "is not a database"},
-        {{"--folder", folder + "/foreign", "view", "2"}, 1, "is not a database"},
-        {{"--folder", folder + "/source", "recycle"}, 1, "there is no DriveModuleData.dat"},
-        {{"--folder", folder + "/source", "reindex"}, 1, "there is no DriveModuleData.dat"},
-        {{"--folder", folder + "/foreign", "reindex"}, 1, "is not a database"},
         {{"--folder", folder + "/foreign", "init"}, 1, "is not a database"},
         {{"--folder", folder + "/foreign", "scan", folder + "/source"}, 1, "is not a database"},
-        {{"--folder", folder + "/new", "scan", folder + "/nowhere"}, 1, "cannot read the folder"},
         {{"--folder", folder + "/new", "scan", folder + "/source/file"}, 1, "cannot read the folder"},
         {{"--folder", folder + "/source", "--log", folder + "/odd", "init"}, 1, "cannot write the log file"},
     };
     const fs::path before = fs::current_path();
     fs::current_path(m_folder.path());
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.arguments));
-        const Ran ran = run(c.arguments);
-        EXPECT_EQ(ran.code, c.code);
+    for (const auto& [arguments, code, told] : cases) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const Ran ran = run(arguments);
+        EXPECT_EQ(ran.code, code);
         EXPECT_EQ(ran.out, "");
         EXPECT_EQ(ran.err.rfind("dbservice: ", 0), 0U) << ran.err;
-        EXPECT_NE(ran.err.find(c.told), std::string::npos) << ran.err;
+        EXPECT_TRUE(contains(ran.err, told));
     }
     fs::current_path(before);
     EXPECT_EQ(contents(source()).size(), 1U);
     EXPECT_FALSE(fs::exists(m_folder.path() / "new"));
-    EXPECT_FALSE(fs::exists(m_folder.path() / "nowhere"));
 
     for (const std::string option : {"--version", "--help"}) {
         const Ran ran = run({option});
         EXPECT_EQ(ran.code, 0);
-        EXPECT_NE(ran.out.find(option == "--help" ? "Exit code" : "SQLite 3."), std::string::npos) << ran.out;
+        EXPECT_TRUE(contains(ran.out, option == "--help" ? "Exit code" : "SQLite 3."));
     }
 }
 
@@ -120,7 +98,7 @@ TEST_F(Tool, FindsTheStoreByOptionEnvironmentOrCurrentFolder)
 {
     const Ran made = onStore({"init"});
     ASSERT_EQ(made.code, 0) << made.err;
-    EXPECT_NE(made.err.find("made the folder"), std::string::npos);
+    EXPECT_TRUE(contains(made.err, "made the folder"));
     const fs::path before = fs::current_path();
     fs::current_path(store());
     EXPECT_EQ(run({"count"}).code, 0);
@@ -136,41 +114,31 @@ TEST_F(Tool, RecordsAnUglyFolder)
 {
     std::vector<std::string> names{"plain.txt",
                                    "it's \xC3\xA4 \xCE\xB1\xCE\xB2 \xE5\x86\x99\xE7\x9C\x9F \xD8\xB9\xD8\xB1.jpg",
-                                   "\xF0\x9F\x93\xB7 100%_[a,b] $HOME `x`.PNG", ".hidden", "folder with blanks/empty"};
+                                   "\xF0\x9F\x93\xB7 100%_[a,b] $HOME `x`.PNG", ".hidden", "folder with blanks/file"};
     std::string deep = "deep";
     for (int level = 0; level < 100; ++level) {
         deep += "/d";
     }
     int entries = 1 + static_cast<int>(names.size()) + 1 + 101;
     for (const std::string& name : names) {
-        fs::create_directories((source() / utf8Path(name)).parent_path());
-        if (name.ends_with("empty")) {
-            fs::create_directories(source() / utf8Path(name));
-        } else {
-            writeFile(source() / utf8Path(name), name);
-        }
+        writeFile(source() / utf8Path(name), name);
     }
     fs::create_directories(source() / deep);
-    int odd = 0;
     if constexpr (onPosix) {
         for (const std::string name : {"say \"hi\"\nbye\x1b[31m\\.txt", "id:1", "-rf", "latin\xE9", "latin\xE8"}) {
             writeFile(source() / name, "x");
             ++entries;
         }
-        fs::create_symlink("nowhere", source() / "dangling");
-        fs::create_symlink("loop2", source() / "loop1");
-        fs::create_symlink("loop1", source() / "loop2");
+        fs::create_symlink("loop", source() / "loop");
         fs::create_directory_symlink("../..", source() / "folder with blanks" / "up");
-        fs::create_symlink("plain.txt", source() / "fine");
         ASSERT_EQ(runProgram({"mkfifo", platform::toUtf8(source() / "pipe.jpg")}), 0);
-        entries += 6;
-        odd = 6;
+        entries += 3;
     }
 
     const Ran first = scan(onPosix ? Arguments{"env", "-u", "TERM", "LC_ALL=C"} : Arguments{});
     ASSERT_EQ(first.code, 0) << first.err;
     EXPECT_EQ(numbers(first), (std::vector{entries, 0, 0, 0, 0, entries}));
-    EXPECT_EQ(json::parse(first.out)["odd"], odd) << first.err;
+    EXPECT_EQ(json::parse(first.out)["odd"], onPosix ? 4 : 0) << first.err;
     const std::map<std::string, double> seconds = json::parse(first.out)["seconds"];
     EXPECT_NEAR(std::accumulate(seconds.begin(), seconds.end(), -2 * seconds.at("total"),
                                 [](double sum, const auto& step) { return sum + step.second; }),
@@ -193,21 +161,17 @@ TEST_F(Tool, RecordsAnUglyFolder)
     EXPECT_EQ(row("/")["subtree"], entries);
     EXPECT_EQ(row("/deep/d/./../d")["subtree"], 100);
     EXPECT_EQ(row("/")["parentId"], "");
-    EXPECT_EQ(row(names[2])["mimeType"], "image/png");
-    EXPECT_EQ(row(names[2])["classIndex"], 2);
-    EXPECT_EQ(row(names[2])["needToDisplay"], 1);
-    EXPECT_EQ(row("plain.txt")["size"], 9);
-    EXPECT_EQ(rows({"ls", "/folder with blanks/empty"}).size(), 0U);
-    EXPECT_EQ(rows({"count"}).at(0)["rows"], entries);
+    const json picture = row(names[2]);
+    EXPECT_EQ(picture["mimeType"], "image/png");
+    EXPECT_EQ(picture["classIndex"], 2);
+    EXPECT_EQ(picture["needToDisplay"], 1);
+    EXPECT_EQ(picture["size"], names[2].size());
     if constexpr (onPosix) {
         EXPECT_EQ(row("/pipe.jpg")["mimeType"], "inode/fifo");
-        EXPECT_EQ(row("/folder with blanks/up")["mimeType"], "inode/symlink");
-        EXPECT_EQ(row("/folder with blanks/up")["subtree"], 1);
-        const Ran two = onStore({"stat", "/latin\xE9"});
-        EXPECT_EQ(two.code, 1);
-        EXPECT_NE(two.err.find(" id:"), std::string::npos) << two.err;
+        EXPECT_EQ(row("/folder with blanks/up")["subtree"], 1) << "a link is not followed";
+        EXPECT_TRUE(refused(onStore({"stat", "/latin\xE9"}), " id:"));
         const Ran table = onStore({"ls"});
-        EXPECT_NE(table.out.find("$'say \"hi\"\\nbye\\x1b[31m\\\\.txt'\n"), std::string::npos) << table.out;
+        EXPECT_TRUE(contains(table.out, "$'say \"hi\"\\nbye\\x1b[31m\\\\.txt'\n"));
     }
 }
 
@@ -217,14 +181,10 @@ TEST_F(Tool, PagesInEveryOrderWithFoldersFirst)
     for (const char* name : {"D1", "d2", "d10"}) {
         fs::create_directories(source() / name);
     }
-    struct File {
-        std::string name;
-        std::size_t size;
-        int seconds;
-    };
-    for (const File& file : {File{"a10.txt", 2000, 10}, {"a2.jpg", 3000, 20}, {"B.mp3", 2000, 30}}) {
-        writeFile(source() / file.name, std::string(file.size, 'x'));
-        fs::last_write_time(source() / file.name, start + std::chrono::seconds(file.seconds));
+    using File = std::tuple<const char*, std::size_t, int>;
+    for (const auto& [name, size, seconds] : {File("a10.txt", 2000, 10), {"a2.jpg", 3000, 20}, {"B.mp3", 2000, 30}}) {
+        writeFile(source() / name, std::string(size, 'x'));
+        fs::last_write_time(source() / name, start + std::chrono::seconds(seconds));
     }
     ASSERT_EQ(scan().code, 0);
     // Not every system lets a program set the time of a folder.
@@ -242,28 +202,22 @@ TEST_F(Tool, PagesInEveryOrderWithFoldersFirst)
         {"-ext", {"D1", "d2", "d10", "a10.txt", "B.mp3", "a2.jpg"}},
     };
     for (const auto& [sort, expected] : orders) {
-        for (const std::size_t count : {2U, 4U, 6U}) {
-            std::vector<std::string> seen;
-            for (std::size_t offset = 0; offset <= 6; offset += count) {
-                const std::vector<json> page =
-                    rows({"ls", "--sort", sort, "--count", std::to_string(count), "--offset", std::to_string(offset)});
-                EXPECT_EQ(page.size(), std::min(count, 6 - offset));
-                for (const json& shown : page) {
-                    seen.push_back(shown["name"]);
-                }
-            }
-            EXPECT_EQ(seen, expected) << sort << " by " << count;
+        std::vector<std::string> seen;
+        for (const char* const offset : {"0", "4"}) { // a page that ends among the files, and the rest
+            const std::vector<std::string> page = names({"ls", "--sort", sort, "--count", "4", "--offset", offset});
+            seen.insert(seen.end(), page.begin(), page.end());
         }
+        EXPECT_EQ(seen, expected) << sort;
     }
 
     const Ran page = onStore({"ls", "--count", "2", "--offset", "2"});
-    EXPECT_NE(page.out.find("3-4 of 6: 3 folders, 3 files"), std::string::npos) << page.out;
-    EXPECT_NE(page.err.find("--offset 4"), std::string::npos) << page.err;
-    EXPECT_EQ(onStore({"ls", "--count", "3", "--offset", "3"}).err, "");
+    EXPECT_TRUE(contains(page.out, "3-4 of 6: 3 folders, 3 files"));
+    EXPECT_TRUE(contains(page.err, "--offset 4"));
+    EXPECT_EQ(onStore({"ls", "--count", "4", "--offset", "2"}).err, "");
     const Ran beyond = onStore({"ls", "--offset", "4294967295", "--count", "4294967295"});
-    EXPECT_NE(beyond.out.find("none of 6"), std::string::npos) << beyond.out;
-    EXPECT_NE(onStore({"ls", "/a10.txt"}).out.find("1.9 KiB"), std::string::npos);
-    for (const std::string path : {"/none", "/a10.txt/none", "id:none", "id:", "/' OR 1=1 --"}) {
+    EXPECT_TRUE(contains(beyond.out, "none of 6"));
+    EXPECT_TRUE(contains(onStore({"ls", "/a10.txt"}).out, "1.9 KiB"));
+    for (const std::string path : {"/none", "/a10.txt/none", "id:none", "/' OR 1=1 --"}) {
         EXPECT_EQ(onStore({"ls", path}).code, 1) << path;
     }
 
@@ -278,77 +232,53 @@ TEST_F(Tool, PagesInEveryOrderWithFoldersFirst)
 TEST_F(Tool, ShowsClassesTheBinAndFoldersWithoutARow)
 {
     ASSERT_EQ(onStore({"init"}).code, 0);
-    const std::int64_t now = GlobalParamWrapper::GetInstance()->GetServerTime();
-    const std::int64_t day = 86400;
-    std::vector<DriveDataTable> records;
-    const auto add = [&](const std::string& name, const std::string& parent, const char* mimeType) -> DriveDataTable& {
-        DriveDataTable record;
-        record.SetFileid("id of " + name);
-        record.SetName(name);
-        record.SetParentId(parent);
-        record.SetMimeType(mimeType);
-        record.SetCloudContentStatus(1);
-        return records.emplace_back(record);
-    };
-    const auto recycle = [](DriveDataTable& record, std::int64_t time) {
-        record.SetRecycled(1);
-        record.SetDirectlyRecycled(1);
-        record.SetRecycledTime(time);
-    };
-    const char* const folder = DriveDataTable::folderMimeType;
-    for (const char* name : {"p3", "p1", "p2", "hidden"}) {
-        add(name, "top", "image/png").SetClassIndex(2);
-    }
-    records.back().SetCloudContentStatus(2);
-    add("film", "top", "video/mp4").SetClassIndex(4);
-    add("it's", "top", folder).SetFileid("it's");
-    add("child", "it's", "text/plain");
-    recycle(add("bin2", "top", folder), now - 5);
-    recycle(add("bin1", "top", "text/plain"), now - day);
-    recycle(add("bin10", "top", folder), now - 20 * day);
-    recycle(add("old folder", "top", folder), now - 31 * day);
-    recycle(add("old file", "top", "text/plain"), now - 40 * day);
-    recycle(add("restored", "top", "text/plain"), now - 5);
-    records.back().SetRestoreBatchId(7);
-    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(store().wstring());
-    DatabaseService::DriverDBProvider().InsertDriveDataBatch(records);
+    const std::string now = std::to_string(GlobalParamWrapper::GetInstance()->GetServerTime());
+    const std::string folder = DatabaseService::DriveDataTable::folderMimeType;
+    changeStore(
+        "INSERT INTO DriveDataTable(fileId, name, parentId, mimeType, classIndex, needToDisplay, recycled, "
+        "recycledTime) "
+        "VALUES ('1', 'p3', 'top', 'image/png', 2, 1, 0, 0), ('2', 'p1', 'top', 'image/png', 2, 1, 0, 0), "
+        "('3', 'p2', 'top', 'image/png', 2, 1, 0, 0), ('4', 'hidden', 'top', 'image/png', 2, 2, 0, 0), "
+        "('5', 'film', 'top', 'video/mp4', 4, 1, 0, 0), ('it''s', 'it''s', 'top', 'folder', 0, 1, 0, 0), "
+        "('6', 'child', 'it''s', 'text/plain', 0, 1, 0, 0), ('7', 'bin2', 'top', 'folder', 0, 1, 1, 5), "
+        "('8', 'bin1', 'top', 'text/plain', 0, 1, 1, 86400), ('9', 'bin10', 'top', 'folder', 0, 1, 1, 20 * 86400), "
+        "('10', 'old folder', 'top', 'folder', 0, 1, 1, 31 * 86400), "
+        "('11', 'old file', 'top', 'text/plain', 0, 1, 1, 40 * 86400), "
+        "('12', 'restored', 'top', 'text/plain', 0, 1, 1, 5);"
+        "UPDATE DriveDataTable SET mimeType = '" +
+        folder +
+        "' WHERE mimeType = 'folder';"
+        "UPDATE DriveDataTable SET recycledTime = " +
+        now +
+        " - recycledTime, directlyRecycled = recycled, "
+        "softDelBatchId = 0, moveBatchId = 0, hardDelBatchId = 0, restoreBatchId = iif(name = 'restored', 7, 0)");
 
     using Names = std::vector<std::string>;
     EXPECT_EQ(names({"view", "picture"}), (Names{"p1", "p2", "p3"}));
     EXPECT_EQ(names({"view", "2", "--sort", "-name", "--offset", "1", "--count", "1"}), (Names{"p2"}));
     EXPECT_EQ(names({"view", "video"}), (Names{"film"}));
-    EXPECT_NE(onStore({"view", "picture", "--count", "2"}).out.find("1-2 of 3: pictures"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"view", "picture", "--count", "2"}).out, "1-2 of 3: pictures"));
     EXPECT_EQ(onStore({"view", "pictures"}).code, 2);
 
     EXPECT_EQ(names({"recycle"}), (Names{"bin2", "bin10", "bin1"}));
     EXPECT_EQ(names({"recycle", "--sort", "-name", "--offset", "1", "--count", "2"}), (Names{"bin2", "bin1"}));
-    EXPECT_EQ(names({"recycle", "--offset", "2"}), (Names{"bin1"}));
     EXPECT_EQ(names({"recycle", "--expired"}).size(), 2U);
     EXPECT_EQ(names({"recycle", "--expired", "--offset", "1"}).size(), 1U);
-    EXPECT_NE(onStore({"recycle"}).out.find("1-3 of 3: 2 folders, 1 file; 2 more expired"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"recycle"}).out, "1-3 of 3: 2 folders, 1 file; 2 more expired"));
     EXPECT_EQ(onStore({"recycle", "--expired", "--sort", "size"}).code, 2);
 
     EXPECT_EQ(names({"ls", "id:top"}), (Names{"it's", "film", "p1", "p2", "p3"}));
     for (const char* command : {"ls", "count"}) {
-        const Ran refused = onStore({command, "id:it's"});
-        EXPECT_EQ(refused.code, 1);
-        EXPECT_EQ(refused.out, "");
-        EXPECT_NE(refused.err.find("id:it's: the id holds a quote"), std::string::npos) << refused.err;
+        EXPECT_TRUE(refused(onStore({command, "id:it's"}), "id:it's: the id holds a quote"));
     }
     EXPECT_EQ(row("id:it's")["name"], "it's");
 
     EXPECT_EQ(rows({"count", "id:top"}).at(0), (json{{"all", 12}, {"folders", 1}, {"files", 4}, {"listed", 5}}));
     const json all = rows({"count"}).at(0);
-    for (const auto& [key, value] : std::map<std::string, int>{{"rows", 13},
-                                                               {"total", 7},
-                                                               {"folders", 1},
-                                                               {"files", 6},
-                                                               {"recycled", 6},
-                                                               {"recycledFolders", 3},
-                                                               {"bin", 6},
-                                                               {"binFolders", 3},
-                                                               {"binFiles", 1}}) {
-        EXPECT_EQ(all[key], value) << key;
+    const json expected{{"rows", 13},           {"total", 7}, {"folders", 1},    {"files", 6},   {"recycled", 6},
+                        {"recycledFolders", 3}, {"bin", 6},   {"binFolders", 3}, {"binFiles", 1}};
+    for (const auto& [key, number] : expected.items()) {
+        EXPECT_EQ(all[key], number) << key;
     }
 }
 
@@ -372,8 +302,7 @@ TEST_F(Tool, WritesNoStoreWithNamesInAnotherOrder)
         const std::map<std::string, std::string> before = contents(store());
         for (const Ran& refused : {onStore({"init"}), scan(), onStore({"rename", "id:1", "x"})}) {
             EXPECT_EQ(refused.code, 1);
-            EXPECT_EQ(refused.out, "");
-            EXPECT_NE(refused.err.find("`dbservice reindex`"), std::string::npos) << refused.err;
+            EXPECT_TRUE(contains(refused.err, "`dbservice reindex`"));
         }
         EXPECT_EQ(rows({"count"}).at(0)["rows"], 2);
         EXPECT_NE(onStore({"view", "other"}).err.find("`dbservice reindex`"), std::string::npos);
@@ -463,13 +392,11 @@ TEST_F(Tool, RefusesTheTreeOfAnotherSource)
     const std::map<std::string, std::string> before = contents(store());
     const fs::path other = m_folder.path() / "other";
     writeFile(other / "file", "");
-    const Ran refused = onStore({"scan", platform::toUtf8(other)});
-    EXPECT_EQ(refused.code, 1);
-    EXPECT_NE(refused.err.find("it holds the tree of"), std::string::npos) << refused.err;
+    EXPECT_TRUE(refused(onStore({"scan", platform::toUtf8(other)}), "it holds the tree of"));
     EXPECT_EQ(contents(store()), before);
 
     changeStore("UPDATE DriveDataTable SET fileId = 'a client''s own'");
-    EXPECT_NE(scan().err.find("no scan has written"), std::string::npos);
+    EXPECT_TRUE(contains(scan().err, "no scan has written"));
 }
 
 // The library reads the values behind a binary one in each other's place.
@@ -511,7 +438,7 @@ TEST_F(Tool, KeepsWhatItCannotReadAndSaysSo)
         const Ran ran = scan(withoutPrivileges());
         EXPECT_EQ(ran.code, 1) << ran.err;
         EXPECT_EQ(json::parse(ran.out)["lost"], 2) << ran.err;
-        EXPECT_NE(ran.err.find("/closed: cannot read this folder"), std::string::npos) << ran.err;
+        EXPECT_TRUE(contains(ran.err, "/closed: cannot read this folder"));
         EXPECT_EQ(row("/closed/inner/file")["size"], 1);
         EXPECT_EQ(row("/listed/file")["size"], 1);
         fs::permissions(store(), fs::perms::none);
@@ -539,17 +466,8 @@ TEST_F(Tool, ShowingChangesNoByte)
         SCOPED_TRACE(what);
         const std::map<std::string, std::string> before = contents(store());
         const EnvironmentVariable where(onPosix ? "TMPDIR" : "TMP", platform::toUtf8(temporary));
-        for (const Arguments& command : {Arguments{"ls"},
-                                         {"ls", "--sort", "-size"},
-                                         {"stat", "/file7"},
-                                         {"count"},
-                                         {"count", "/"},
-                                         {"view", "other"},
-                                         {"recycle"},
-                                         {"recycle", "--expired"},
-                                         {"pending"},
-                                         {"config"}}) {
-            const Ran ran = onStore(command);
+        for (const char* const command : {"ls", "count", "recycle", "pending", "config"}) {
+            const Ran ran = onStore({command});
             EXPECT_EQ(ran.code, 0) << ran.err;
         }
         EXPECT_EQ(row("/file7")["name"], "file7");
@@ -567,7 +485,7 @@ TEST_F(Tool, ShowingChangesNoByte)
             fs::copy_file(real / name, store() / name);
         }
     }
-    ASSERT_NE(readFile(storeFile()), readFile(real / "DriveModuleData.dat"));
+    ASSERT_NE(bytesOf(storeFile()), bytesOf(real / "DriveModuleData.dat"));
     look("hot journal");
 
     SqliteFile(real / "DriveModuleData.dat").exec("PRAGMA journal_mode = WAL;");
@@ -588,32 +506,24 @@ TEST_F(Tool, FailuresOfTheLibraryReachThePerson)
 {
     fs::create_directories(store());
     SqliteFile(storeFile()).exec("CREATE TABLE other(x)");
-    const fs::path log = m_folder.path() / "log.txt";
-    for (const Arguments& command : {Arguments{"count"}, {"ls", "id:x"}, {"--quiet", "count"}}) {
-        Arguments arguments{"--log", platform::toUtf8(log)};
-        arguments.insert(arguments.end(), command.begin(), command.end());
-        const Ran ran = onStore(arguments);
-        EXPECT_EQ(ran.code, 1);
-        EXPECT_NE(ran.err.find("dbservice: warning: DriveModuleData.dat: sqlite3_prepare failed"), std::string::npos)
-            << ran.err;
-    }
-    EXPECT_NE(readFile(log).find("sqlite3_prepare failed"), std::string::npos);
+    const std::string log = platform::toUtf8(m_folder.path() / "log.txt");
+    const std::string warning = "dbservice: warning: DriveModuleData.dat: ";
+    EXPECT_TRUE(refused(onStore({"--log", log, "--quiet", "count"}), warning + "sqlite3_prepare failed"));
+    EXPECT_TRUE(contains(bytesOf(log), "sqlite3_prepare failed"));
+    EXPECT_TRUE(refused(onStore({"ls", "id:x"}), warning + "sqlite3_prepare failed"));
 
-    fs::remove_all(store());
-    fs::create_directories(store());
-    SqliteFile(storeFile()).exec("CREATE TABLE DriveDataTable(fileId TEXT)");
+    changeStore("CREATE TABLE DriveDataTable(fileId TEXT)");
     const Ran counted = onStore({"count"});
     EXPECT_EQ(counted.code, 1);
-    EXPECT_NE(counted.err.find("dbservice: warning: DriveModuleData.dat: "), std::string::npos) << counted.err;
-    EXPECT_NE(counted.err.find("no such column: recycled"), std::string::npos) << counted.err;
+    EXPECT_TRUE(contains(counted.err, warning + " failed, errcode=1,errDesc[no such column: recycled]"));
 
     fs::remove_all(store());
     ASSERT_EQ(scan().code, 0);
     changeStore("INSERT INTO DriveDataTable(fileId, parentId, recycled) VALUES ('x', 'y', 0), ('y', 'x', 0), "
                 "('z', 'none', 0);");
-    EXPECT_NE(onStore({"stat", "id:x"}).err.find("its own ancestor"), std::string::npos);
-    EXPECT_NE(onStore({"ls", "id:x"}).err.find("warning: the folder id:y is below itself"), std::string::npos);
-    EXPECT_NE(onStore({"stat", "id:z"}).err.find("warning: the folder id:none has no row"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"stat", "id:x"}).err, "its own ancestor"));
+    EXPECT_TRUE(contains(onStore({"ls", "id:x"}).err, "warning: the folder id:y is below itself"));
+    EXPECT_TRUE(contains(onStore({"stat", "id:z"}).err, "warning: the folder id:none has no row"));
 }
 
 // A table that refuses updates stands for a full disk: nothing may be swept when rows could not be written.
@@ -626,10 +536,7 @@ TEST_F(Tool, AFailedScanRemovesNothing)
                 "SELECT RAISE(ABORT, 'refused'); END;");
     writeFile(source() / "changed", "xx");
     fs::remove(source() / "gone");
-    const Ran ran = scan();
-    EXPECT_EQ(ran.code, 1);
-    EXPECT_EQ(ran.out, "");
-    EXPECT_NE(ran.err.find("refused"), std::string::npos) << ran.err;
+    EXPECT_TRUE(refused(scan(), "refused"));
     EXPECT_EQ(rows({"count"}).at(0)["rows"], 3);
     changeStore("DROP TRIGGER refuse");
     EXPECT_EQ(numbers(scan()), (std::vector{0, 2, 0, 1, 0, 2}));

@@ -3,8 +3,6 @@
 #include "support/sqlitefile.h"
 #include "support/tooltest.h"
 
-#include <algorithm>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -68,35 +66,32 @@ std::vector<int> numbersOf(const Ran& import)
 
 TEST_F(ToolStores, InitStartsEveryStore)
 {
-    const std::vector<std::string> files{"DriveModuleData.dat", "main.dat", gallery, "FastAccess.dat",
-                                         "transmission.dat"};
     fs::create_directories(store());
     writeFile(file("FastAccess.dat"), "this is no database, but long enough for one");
-    EXPECT_NE(onStore({"init", "--gallery", gallery}).err.find("is not a database"), std::string::npos);
-    EXPECT_EQ(contents(store()).size(), 1U); // nothing was made before all were looked at
+    EXPECT_TRUE(contains(onStore({"init", "--gallery", gallery}).err, "is not a database"));
+    EXPECT_EQ(contents(store()).size(), 1U) << "nothing is made before all are looked at";
     fs::remove(file("FastAccess.dat"));
 
     init();
     change("main.dat", "INSERT INTO UserProperties VALUES('k', 'v')");
+    const std::pair<std::string, std::string> stores[]{
+        {"DriveModuleData.dat", "DriveConfTable,DriveDataTable,DriveFolderSync,DriveFullTask"},
+        {"main.dat", "T_CloudFileTable,T_NotepadCard,T_WaitHandleCardItem,UBAUserLog,UserLogTable,UserProperties"},
+        {gallery, "Album,AlbumLocalVersion,DownloadTask,GalleryFile,TransferCompleteCloudTask,UploadTask"},
+        {"FastAccess.dat", "FastAccess"},
+        {"transmission.dat", "CompletedTaskTable,DownloadTaskTable,UploadTaskTable"}};
     const std::vector<json> shown = rows({"init", "--gallery", gallery});
-    ASSERT_EQ(shown.size(), files.size());
-    const std::vector<std::set<std::string>> tables{
-        {"DriveDataTable", "DriveConfTable", "DriveFullTask", "DriveFolderSync"},
-        {"T_CloudFileTable", "T_NotepadCard", "T_WaitHandleCardItem", "UBAUserLog", "UserLogTable", "UserProperties"},
-        {"Album", "AlbumLocalVersion", "GalleryFile", "DownloadTask", "TransferCompleteCloudTask", "UploadTask"},
-        {"FastAccess"},
-        {"CompletedTaskTable", "UploadTaskTable", "DownloadTaskTable"}};
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        EXPECT_EQ(utf8Path(shown[i]["file"]).filename(), utf8Path(files[i]));
-        std::set<std::string> found;
+    ASSERT_EQ(shown.size(), std::size(stores));
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        EXPECT_EQ(utf8Path(shown[i]["file"]), file(stores[i].first));
+        EXPECT_EQ(SqliteFile(file(stores[i].first)).tables(), stores[i].second);
         for (const auto& [table, rowCount] : shown[i]["tables"].items()) {
-            found.insert(table);
+            EXPECT_TRUE(contains(stores[i].second, table));
             EXPECT_EQ(rowCount, table == "UserProperties" ? 1 : 0);
         }
-        EXPECT_EQ(found, tables[i]);
     }
     EXPECT_EQ(rows({"init"}).size(), 4U);
-    EXPECT_NE(onStore({"init"}).out.find("UserProperties           1\n"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"init"}).out, "UserProperties           1\n"));
 }
 
 TEST_F(ToolStores, RefusesWhatCannotBe)
@@ -109,35 +104,17 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
     fs::create_directories(m_folder.path() / "other");
     SqliteFile(m_folder.path() / "other" / "FastAccess.dat").exec("CREATE TABLE other(x)");
     const std::string folder = platform::toUtf8(m_folder.path());
-    struct Case {
-        std::string store;
-        Arguments arguments;
-        int code;
-        std::string told;
-    };
-    std::vector<Case> cases{
-        {"source", {"properties"}, 2, "subcommand"},
+    std::vector<std::tuple<std::string, Arguments, int, std::string>> cases{
         {"source", {"properties", "set", "key"}, 2, "VALUE"},
-        {"source", {"shortcuts", "add"}, 2, "--title"},
-        {"source", {"shortcuts", "add", "--title", "x", "--index", "2147483648"}, 2, "--index"},
-        {"source", {"shortcuts", "remove", "x"}, 2, "ID"},
         {"source", {"gallery", "counts"}, 2, "--gallery"},
-        {"source", {"gallery", "import", "--gallery", "g"}, 2, "FOLDER"},
-        {"source", {"transfers", "add", "upload"}, 2, "--name"},
-        {"source", {"transfers", "simulate", "0"}, 2, "N"},
         {"source", {"reset"}, 2, "--all"},
         {"source", {"reset", "--user", "--gallery", "g"}, 2, "--user"},
-        {"source", {"reset", "--all", "--gallery", "g"}, 2, "--all"},
         {"source", {"reset", "--all", "--yes"}, 1, "holds no store files"},
         {"source", {"reset", "--gallery", "g", "--yes"}, 1, "there is no g in"},
-        {"source", {"properties", "list"}, 1, "there is no main.dat in"},
+        {"source", {"reset", "--user", "--yes"}, 1, "there is no transmission.dat in"},
         {"source", {"properties", "set", "k", "v"}, 1, "there is no main.dat in"},
-        {"source", {"properties", "remove-all", "--yes"}, 1, "there is no main.dat in"},
-        {"source", {"shortcuts", "list"}, 1, "there is no FastAccess.dat in"},
         {"source", {"shortcuts", "add", "--title", "x"}, 1, "there is no FastAccess.dat in"},
         {"source", {"transfers", "list"}, 1, "there is no transmission.dat in"},
-        {"source", {"transfers", "simulate", "1"}, 1, "there is no transmission.dat in"},
-        {"source", {"reset", "--user", "--yes"}, 1, "there is no transmission.dat in"},
         {"source", {"gallery", "counts", "--gallery", "g"}, 1, "there is no g in"},
         {"source", {"gallery", "import", folder + "/nowhere", "--gallery", "g"}, 1, "cannot read the folder"},
         {"foreign", {"properties", "get", "k"}, 1, "is not a database"},
@@ -146,7 +123,6 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
         {"foreign", {"gallery", "show", "x", "--gallery", "g"}, 1, "is empty"},
         {"foreign", {"reset", "--all", "--yes"}, 1, "is a database that can be read"},
         {"other", {"shortcuts", "list"}, 1, "FastAccess.dat has no table FastAccess"},
-        {"nowhere", {"properties", "list"}, 1, "does not exist"},
         {"nowhere", {"reset", "--all", "--yes"}, 1, "does not exist"},
     };
     for (const std::string name : {"", "a/b", "..", "a\\b", "c:d", "MAIN.dat", "g.dat-journal", "main.dat "}) {
@@ -155,16 +131,15 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
     if constexpr (onPosix) {
         cases.push_back({"source", {"init", "--gallery", "g\xFF"}, 2, "UTF-8"});
         cases.push_back({"source", {"properties", "set", "k", "\xFF"}, 2, "UTF-8"});
-        cases.push_back({"source", {"shortcuts", "add", "--title", "\xFF"}, 2, "UTF-8"});
     }
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.arguments));
-        Arguments arguments{"--folder", folder + '/' + c.store};
-        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    for (const auto& [where, command, code, told] : cases) {
+        SCOPED_TRACE(testing::PrintToString(command));
+        Arguments arguments{"--folder", folder + '/' + where};
+        arguments.insert(arguments.end(), command.begin(), command.end());
         const Ran ran = run(arguments);
-        EXPECT_EQ(ran.code, c.code);
+        EXPECT_EQ(ran.code, code);
         EXPECT_EQ(ran.out, "");
-        EXPECT_NE(ran.err.find(c.told), std::string::npos) << ran.err;
+        EXPECT_TRUE(contains(ran.err, told));
     }
     EXPECT_TRUE(fs::is_empty(source()));
 }
@@ -172,15 +147,8 @@ TEST_F(ToolStores, RefusesWhatCannotBe)
 TEST_F(ToolStores, PropertiesGoInAndComeOutAsTheyAre)
 {
     init();
-    const std::vector<std::string> texts{"it's \"quoted\" `x` \\ %s",
-                                         "\xCE\xB1\xCE\xB2 \xE5\x86\x99\xE7\x9C\x9F \xD8\xB9",
-                                         "\xF0\x9F\x93\xB7",
-                                         "-5",
-                                         "two\nlines\t",
-                                         "'; DROP TABLE UserProperties; --",
-                                         "",
-                                         "list",
-                                         "[a,b]"};
+    const std::vector<std::string> texts{
+        "it's \"quoted\" `x` \\ %s; --", "\xE5\x86\x99 \xF0\x9F\x93\xB7", "-5", "two\nlines\t", "", "[a,b]"};
     for (const std::string& text : texts) {
         SCOPED_TRACE(text);
         EXPECT_EQ(onStore({"properties", "set", "--", text, "first"}).code, 0);
@@ -190,36 +158,23 @@ TEST_F(ToolStores, PropertiesGoInAndComeOutAsTheyAre)
     }
     EXPECT_EQ(rows({"properties", "list"}).size(), texts.size());
     EXPECT_EQ(onStore({"properties", "get", "two\nlines\t"}).out, "two\\nlines\\t\n");
-    EXPECT_NE(onStore({"properties", "get", "none"}).err.find("cannot find the property none"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"properties", "get", "none"}).err, "cannot find the property none"));
 
-    change("main.dat", "INSERT INTO UserProperties VALUES('bad', CAST(x'41FF42' AS TEXT))");
-    EXPECT_EQ(rows({"properties", "get", "bad"}).at(0)["Value"],
-              "A\xEF\xBF\xBD"
-              "B");
-
-    for (const char* refusal : {"ABORT, 'refused'", "IGNORE"}) {
-        change("main.dat",
-               "DROP TRIGGER IF EXISTS refuse; CREATE TRIGGER refuse BEFORE INSERT ON UserProperties BEGIN "
-               "SELECT RAISE(" +
-                   std::string(refusal) + "); END;");
-        const Ran refused = onStore({"properties", "set", "bad", "better"});
-        EXPECT_EQ(refused.code, 1);
-        EXPECT_NE(refused.err.find("cannot set the property bad"), std::string::npos) << refused.err;
-    }
-    EXPECT_EQ(rows({"properties", "remove-all", "--yes"}).at(0)["removed"], static_cast<int>(texts.size()) + 1);
+    change("main.dat", "CREATE TRIGGER refuse BEFORE INSERT ON UserProperties BEGIN SELECT RAISE(IGNORE); END;");
+    EXPECT_TRUE(refused(onStore({"properties", "set", "bad", "better"}), "cannot set the property bad"));
+    EXPECT_EQ(rows({"properties", "remove-all", "--yes"}).at(0)["removed"], texts.size());
     EXPECT_EQ(rows({"properties", "list"}).size(), 0U);
 }
 
 TEST_F(ToolStores, ShortcutsAreAddedListedAndRemoved)
 {
     init();
-    const json added =
-        rows({"shortcuts", "add",  "--title", "it's \xE5\x86\x99", "--tip", "t",       "--icon", "i",      "--path",
-              "/p",        "--id", "f",       "--parent",          "q",     "--index", "-3",     "--type", "4",
-              "--rotate",  "90"})
-            .at(0);
+    const std::string title = "it's \xE5\x86\x99";
+    const json added = rows({"shortcuts", "add", "--title",  title, "--tip",   "t",  "--icon", "i", "--path",   "/p",
+                             "--id",      "f",   "--parent", "q",   "--index", "-3", "--type", "4", "--rotate", "90"})
+                           .at(0);
     expectColumns(added, "FastAccess.dat", "FastAccess");
-    json expected{{"Id", 1},    {"Index", -3},      {"DataType", 4}, {"IconPath", "i"}, {"Title", "it's \xE5\x86\x99"},
+    json expected{{"Id", 1},    {"Index", -3},      {"DataType", 4}, {"IconPath", "i"}, {"Title", title},
                   {"Tip", "t"}, {"FilePath", "/p"}, {"FileId", "f"}, {"ParentId", "q"}, {"Rotate", 90}};
     expected["UpdataTime"] = added["UpdataTime"];
     EXPECT_EQ(added, expected);
@@ -234,16 +189,16 @@ TEST_F(ToolStores, ShortcutsAreAddedListedAndRemoved)
     const std::vector<json> listed = rows({"shortcuts", "list"});
     ASSERT_EQ(listed.size(), 3U);
     EXPECT_EQ(listed[2], added); // the highest index first
-    EXPECT_NE(onStore({"shortcuts", "list"}).out.find(" 1     -3  it's"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"shortcuts", "list"}).out, " 1     -3  it's"));
 
-    EXPECT_NE(onStore({"shortcuts", "remove", "2"}).err.find("--cache PATH"), std::string::npos);
-    EXPECT_NE(onStore({"shortcuts", "remove", "3", "--cache", slash}).err.find("outside the cache"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"shortcuts", "remove", "2"}).err, "--cache PATH"));
+    EXPECT_TRUE(contains(onStore({"shortcuts", "remove", "3", "--cache", slash}).err, "outside the cache"));
     EXPECT_EQ(rows({"shortcuts", "list"}).size(), 3U);
     EXPECT_EQ(onStore({"shortcuts", "remove", "2", "--cache", slash}).code, 0);
     EXPECT_FALSE(fs::exists(cache / "FastAccess" / "own.png"));
     EXPECT_TRUE(fs::exists(m_folder.path() / "FastAccess-foreign.png"));
     EXPECT_EQ(rows({"shortcuts", "remove", "1"}).at(0), added);
-    EXPECT_NE(onStore({"shortcuts", "remove", "1"}).err.find("cannot find the shortcut 1"), std::string::npos);
+    EXPECT_TRUE(contains(onStore({"shortcuts", "remove", "1"}).err, "cannot find the shortcut 1"));
     EXPECT_EQ(rows({"shortcuts", "list"}).size(), 1U);
 }
 
@@ -265,18 +220,17 @@ TEST_F(ToolStores, AGalleryIsImportedOnceAndBroughtUpToDate)
     ASSERT_EQ(first.code, 0) << first.err;
     EXPECT_EQ(numbersOf(first), (std::vector{3, files, files, 0, 0, 0}));
     EXPECT_EQ(json::parse(first.out)["odd"], onPosix ? 1 : 0);
+    EXPECT_EQ(numbersOf(import()), (std::vector{3, files, 0, files, 0, 0}));
     const json expected{{"Album", 3},        {"AlbumLocalVersion", 0},         {"GalleryFile", files},
                         {"DownloadTask", 0}, {"TransferCompleteCloudTask", 0}, {"UploadTask", 0}};
-    EXPECT_EQ(counts(), expected);
-    EXPECT_EQ(numbersOf(import()), (std::vector{3, files, 0, files, 0, 0}));
     EXPECT_EQ(counts(), expected);
 
     const json film = shown("film.mp4");
     expectColumns(film, gallery, "GalleryFile");
     EXPECT_EQ(film["Size"], 18);
     EXPECT_EQ(film["LocalPath"], platform::toUtf8(fs::canonical(source()) / "2024" / "deep" / "film.mp4"));
-    EXPECT_EQ(SqliteFile(file(gallery)).query("SELECT AlbumName, Lpath FROM Album ORDER BY Lpath"),
-              (Rows{{"'source'", "'/'"}, {"'2024'", "'/2024'"}, {"'deep'", "'/2024/deep'"}}));
+    EXPECT_EQ(SqliteFile(file(gallery)).text("SELECT AlbumName, Lpath FROM Album ORDER BY Lpath"),
+              "'source'|'/'\n'2024'|'/2024'\n'deep'|'/2024/deep'");
     EXPECT_EQ(value(gallery, "SELECT COUNT(DISTINCT Hash) FROM GalleryFile"), std::to_string(files));
 
     // An album stays as the client left it. A changed file is written again, keeps what the client knows of it, and
@@ -301,8 +255,7 @@ TEST_F(ToolStores, AGalleryIsImportedOnceAndBroughtUpToDate)
               0);
     EXPECT_EQ(counts()["GalleryFile"], files + 1);
     EXPECT_EQ(counts()["Album"], 4);
-    EXPECT_NE(onStore({"gallery", "show", "none", "--gallery", gallery}).err.find("cannot find none"),
-              std::string::npos);
+    EXPECT_TRUE(contains(onStore({"gallery", "show", "none", "--gallery", gallery}).err, "cannot find none"));
 }
 
 // Triggers that pass over rows stand for what makes a writer fail in silence.
@@ -327,14 +280,12 @@ TEST_F(ToolStores, AnImportTellsWhatDidNotLand)
     const Ran ran = import(withoutPrivileges());
     EXPECT_EQ(ran.code, 1);
     EXPECT_EQ(numbersOf(ran), (std::vector{1, 3 - lost, 2 - lost, 0, 2, lost})) << ran.err;
-    EXPECT_NE(ran.err.find("2 rows are not in the store"), std::string::npos) << ran.err;
+    EXPECT_TRUE(contains(ran.err, "2 rows are not in the store"));
     EXPECT_EQ(ran.err.find("closed.jpg: cannot be read") != std::string::npos, onPosix) << ran.err;
 
     change(gallery, "DROP TRIGGER refuseGalleryFile; DELETE FROM GalleryFile;");
     refuse("GalleryFile", "1");
-    const Ran none = import();
-    EXPECT_EQ(none.code, 1);
-    EXPECT_NE(none.err.find("none is in the store"), std::string::npos) << none.err;
+    EXPECT_TRUE(refused(import(), "none is in the store"));
 }
 
 // FastAccess.dat lacks its newest column and the gallery a table, which the library adds before it reads.
@@ -371,9 +322,7 @@ TEST_F(ToolStores, ShowingChangesNoByte)
     EXPECT_EQ(counts()["Album"], 0);
     EXPECT_TRUE(fs::is_empty(temporary));
     if constexpr (onPosix) {
-        const Ran refused = onStore({"properties", "set", "k", "w"}, withoutPrivileges());
-        EXPECT_EQ(refused.code, 1);
-        EXPECT_NE(refused.err.find("warning: main.dat: "), std::string::npos) << refused.err;
+        EXPECT_TRUE(refused(onStore({"properties", "set", "k", "w"}, withoutPrivileges()), "warning: main.dat: "));
         EXPECT_EQ(import(withoutPrivileges()).code, 1);
         fs::permissions(store(), fs::perms::owner_all);
         EXPECT_EQ(contents(store()), before);
@@ -418,13 +367,13 @@ TEST_F(ToolStores, ResetAsksAndDropsWhatItSays)
                                      {"properties", "remove-all"}}) {
         const Ran ran = onStore(command);
         EXPECT_EQ(ran.code, 2);
-        EXPECT_NE(ran.err.find("--yes"), std::string::npos) << ran.err;
+        EXPECT_TRUE(contains(ran.err, "--yes"));
     }
     if constexpr (onPosix) {
         const Ran refused = answer("n", {"reset", "--all"});
         EXPECT_EQ(refused.code, 1);
-        EXPECT_NE(refused.out.find("main.dat (6 tables, 1 row)"), std::string::npos) << refused.out;
-        EXPECT_NE(refused.out.find("nothing has been changed"), std::string::npos) << refused.out;
+        EXPECT_TRUE(contains(refused.out, "main.dat (6 tables, 1 row)"));
+        EXPECT_TRUE(contains(refused.out, "nothing has been changed"));
         EXPECT_EQ(contents(store()), before);
         EXPECT_EQ(answer("y", {"properties", "remove-all"}).code, 0);
         EXPECT_EQ(rows({"properties", "list"}).size(), 0U);
@@ -440,9 +389,9 @@ TEST_F(ToolStores, ResetAsksAndDropsWhatItSays)
     writeFile(file("text.dat"), "this is no database, but long enough for one");
     const Ran all = onStore({"--json", "reset", "--all", "--yes"});
     EXPECT_EQ(all.code, 1);
-    EXPECT_NE(all.out.find(R"({"file":"more.dat","tables":1,"rows":0})"), std::string::npos) << all.out;
-    EXPECT_NE(all.err.find("1 table is still there"), std::string::npos) << all.err;
-    EXPECT_NE(all.err.find("text.dat"), std::string::npos) << all.err;
+    EXPECT_TRUE(contains(all.out, R"({"file":"more.dat","tables":1,"rows":0})"));
+    EXPECT_TRUE(contains(all.err, "1 table is still there"));
+    EXPECT_TRUE(contains(all.err, "text.dat"));
     EXPECT_EQ(value("kept.DAT", "SELECT COUNT(*) FROM sqlite_master"), "1");
     fs::remove(file("more.dat"));
     fs::remove(file("text.dat"));

@@ -28,11 +28,7 @@ protected:
     }
 
     std::string value(const std::string& sql) { return SqliteFile(path(L"transmission.dat")).value(sql); }
-    std::string tables()
-    {
-        return value("SELECT group_concat(name) FROM (SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT "
-                     "LIKE 'sqlite%' ORDER BY rowid)");
-    }
+    std::string tables() { return SqliteFile(path(L"transmission.dat")).tables(); }
 };
 
 template <class Record> auto list(std::initializer_list<std::shared_ptr<Record>> records)
@@ -108,20 +104,16 @@ TEST_F(TransferFront, ReadsCreateTheTablesFirst)
     for (int number = 1; const auto& read : reads) {
         SCOPED_TRACE(number++);
         EXPECT_EQ(opens([&] { EXPECT_TRUE(read()); }), 5);
-        EXPECT_EQ(tables(), "'CompletedTaskTable,UploadTaskTable,DownloadTaskTable,TransferTask'");
+        EXPECT_EQ(tables(), "CompletedTaskTable,DownloadTaskTable,TransferTask,UploadTaskTable");
         EXPECT_EQ(opens([] { EXPECT_TRUE(Front::DeleteTable(L"elsewhere")); }), 8);
-        EXPECT_EQ(tables(), "NULL");
+        EXPECT_EQ(tables(), "");
     }
-}
-
-TEST_F(TransferFront, WritesCreateNothing)
-{
-    EXPECT_EQ(opens([] { writeAll(); }), 24);
-    EXPECT_EQ(tables(), "NULL");
 }
 
 TEST_F(TransferFront, WritesReachTheRowsThatTheyName)
 {
+    EXPECT_EQ(opens([] { writeAll(); }), 24);
+    EXPECT_EQ(tables(), "") << "writes create nothing";
     EXPECT_EQ(Front::CountDownloadTaskUnDone(), 0);
     TransDbConnThread::GetInstance()->ExecuteSQL(
         "INSERT INTO TransferTask(UniqueId, ModuleType, TransferType, TaskStatus, FileName) VALUES ('a',1,2,0,'n'), "
@@ -184,11 +176,4 @@ TEST_F(TransferFront, NullsIdsOfNoRowAndFixedAnswersOpenNothing)
               }),
               0);
     EXPECT_EQ(sum + upload.id, 14);
-    EXPECT_EQ(opens([&] {
-                  Front::DeleteCompletedTasks(list<Completed>({noRow, nullptr}));
-                  Front::DeleteDownloadTasks(list<Download>({noDownload}));
-                  Front::InsertDownloadTasks(list<Download>({}));
-              }),
-              3)
-        << "an empty list is handed on";
 }
