@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <system_error>
 
 namespace platform {
@@ -18,5 +19,13 @@ struct FileStatus {
 /// Looks at the entry itself and never at what a link points to. On failure `error` is set and the result is
 /// a default one.
 FileStatus readStatus(const std::filesystem::path& path, std::error_code& error) noexcept;
+
+/// `error` tells what kept the system from looking at the entry.
+using VisitEntry = std::function<void(const std::filesystem::path::string_type& name, const FileStatus& status,
+                                      const std::error_code& error)>;
+
+/// Looks at each entry of a folder as `readStatus` does, in no particular order. `error` is set when the folder cannot
+/// be read to its end.
+void readFolder(const std::filesystem::path& folder, const VisitEntry& visit, std::error_code& error);
 
 } // namespace platform

@@ -1,9 +1,13 @@
 #include "platform/filestatus.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <limits>
+#include <memory>
+#include <string>
 
 namespace platform {
 
@@ -37,6 +41,16 @@ FileKind kindOf(mode_t mode)
     }
 }
 
+FileStatus statusOf(const struct stat& found)
+{
+    FileStatus status;
+    status.kind = kindOf(found.st_mode);
+    status.size = status.kind == FileKind::Regular ? static_cast<std::int64_t>(found.st_size) : 0;
+    status.modifiedNanoseconds = nanoseconds(found.st_mtim);
+    status.createdNanoseconds = status.modifiedNanoseconds;
+    return status;
+}
+
 } // namespace
 
 FileStatus readStatus(const std::filesystem::path& path, std::error_code& error) noexcept
@@ -47,12 +61,36 @@ FileStatus readStatus(const std::filesystem::path& path, std::error_code& error)
         error.assign(errno, std::generic_category());
         return {};
     }
-    FileStatus status;
-    status.kind = kindOf(found.st_mode);
-    status.size = status.kind == FileKind::Regular ? static_cast<std::int64_t>(found.st_size) : 0;
-    status.modifiedNanoseconds = nanoseconds(found.st_mtim);
-    status.createdNanoseconds = status.modifiedNanoseconds;
-    return status;
+    return statusOf(found);
+}
+
+// From the open folder on, so that the system does not walk the whole path for each entry.
+void readFolder(const std::filesystem::path& folder, const VisitEntry& visit, std::error_code& error)
+{
+    const auto fail = [&error] { error.assign(errno, std::generic_category()); };
+    error.clear();
+    const std::unique_ptr<DIR, int (*)(DIR*)> open(::opendir(folder.c_str()), ::closedir);
+    if (open == nullptr) {
+        fail();
+        return;
+    }
+    std::string name;
+    errno = 0;
+    while (const dirent* const entry = ::readdir(open.get())) {
+        name = static_cast<const char*>(entry->d_name);
+        if (name != "." && name != "..") {
+            struct stat found { };
+            std::error_code refused;
+            if (::fstatat(::dirfd(open.get()), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
+                refused.assign(errno, std::generic_category());
+            }
+            visit(name, refused ? FileStatus{} : statusOf(found), refused);
+        }
+        errno = 0;
+    }
+    if (errno != 0) {
+        fail();
+    }
 }
 
 } // namespace platform

@@ -69,4 +69,15 @@ FileStatus readStatus(const std::filesystem::path& path, std::error_code& error)
     return status;
 }
 
+void readFolder(const std::filesystem::path& folder, const VisitEntry& visit, std::error_code& error)
+{
+    namespace fs = std::filesystem;
+    for (fs::directory_iterator file(folder, error); !error && file != fs::directory_iterator();
+         file.increment(error)) {
+        std::error_code refused;
+        const FileStatus status = readStatus(file->path(), refused);
+        visit(file->path().filename().native(), status, refused);
+    }
+}
+
 } // namespace platform
