@@ -5,31 +5,46 @@
 
 #include <fstream>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 namespace dbservice {
 
 namespace {
 
-std::string digits(const XXH128_hash_t& hash)
+Digest toDigest(const XXH128_hash_t& hash)
 {
-    XXH128_canonical_t bytes;
-    XXH128_canonicalFromHash(&bytes, hash);
-    std::string text;
-    for (const unsigned char byte : bytes.digest) {
-        constexpr std::string_view hexadecimal = "0123456789abcdef";
-        text += hexadecimal[byte >> 4];
-        text += hexadecimal[byte & 15];
-    }
-    return text;
+    return {hash.high64, hash.low64};
 }
 
 } // namespace
 
+Digest digestOf(std::string_view bytes)
+{
+    return toDigest(XXH3_128bits(bytes.data(), bytes.size()));
+}
+
+std::string textOf(const Digest& digest)
+{
+    constexpr std::string_view hexadecimal = "0123456789abcdef";
+    constexpr std::size_t bits = 64;
+    std::string text(32, '0');
+    auto digit = text.begin();
+    for (const std::uint64_t half : {digest.high, digest.low}) {
+        for (std::size_t shift = bits; shift > 0; shift -= 4) {
+            *digit++ = hexadecimal[(half >> (shift - 4)) & 15];
+        }
+    }
+    return text;
+}
+
+Digest digestOfPath(const std::filesystem::path::string_type& path)
+{
+    return toDigest(XXH3_128bits(path.data(), path.size() * sizeof(path.front())));
+}
+
 std::string idOf(const std::filesystem::path::string_type& path)
 {
-    return digits(XXH3_128bits(path.data(), path.size() * sizeof(path.front())));
+    return textOf(digestOfPath(path));
 }
 
 std::optional<std::string> contentHash(const std::filesystem::path& file)
@@ -45,7 +60,7 @@ std::optional<std::string> contentHash(const std::filesystem::path& file)
     if (!stream.eof() || stream.bad()) {
         return std::nullopt;
     }
-    return digits(XXH3_128bits_digest(state.get()));
+    return textOf(toDigest(XXH3_128bits_digest(state.get())));
 }
 
 } // namespace dbservice

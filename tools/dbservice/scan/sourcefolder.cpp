@@ -16,11 +16,6 @@ namespace dbservice {
 
 namespace {
 
-NativeText join(const NativeText& folder, const NativeText& name)
-{
-    return folder.empty() ? name : folder + NativeText(1, '/') + name;
-}
-
 bool isAbsent(const std::error_code& error)
 {
     return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
@@ -46,6 +41,26 @@ std::string_view specialMimeType(const fs::path& path)
 bool isAtOrAbove(const fs::path& above, const fs::path& below)
 {
     return std::mismatch(above.begin(), above.end(), below.begin(), below.end()).first == above.end();
+}
+
+/// What `platform::toUtf8` makes of a path, without a path.
+template <class Text> std::string shown(const Text& name)
+{
+    if constexpr (sizeof name.front() == 1) {
+        return platform::repairUtf8(name);
+    } else {
+        return platform::toUtf8(name);
+    }
+}
+
+/// By its name alone.
+bool isStoreFile(const fs::path& file)
+{
+    const std::string name = platform::toUtf8(file.filename());
+    return std::any_of(storeFileNames.begin(), storeFileNames.end(), [&](std::string_view store) {
+        const std::string_view rest = std::string_view(name).substr(std::min(store.size(), name.size()));
+        return name.starts_with(store) && (rest.empty() || rest == "-journal" || rest == "-wal" || rest == "-shm");
+    });
 }
 
 } // namespace
@@ -75,8 +90,8 @@ DiskEntry SourceFolder::self() const
 {
     DiskEntry entry;
     entry.name = m_source.has_filename() ? m_source.filename().native() : m_source.native();
-    entry.shownName = platform::toUtf8(fs::path(entry.name));
-    entry.id = idOf({});
+    entry.shownName = shown(entry.name);
+    entry.key = digestOfPath({});
     std::error_code error;
     entry.status = platform::readStatus(m_source, error);
     if (error) {
@@ -90,12 +105,24 @@ std::optional<std::vector<DiskEntry>> SourceFolder::list(const NativeText& folde
 {
     std::vector<DiskEntry> entries;
     const fs::path path = absolute(folder);
-    std::error_code error;
-    for (fs::directory_iterator file(path, error); !error && file != fs::directory_iterator(); file.increment(error)) {
-        if (std::optional<DiskEntry> entry = examine(folder, *file)) {
+    const bool holdsStore = path == m_storeFolder;
+    m_below = folder;
+    if (!folder.empty()) {
+        m_below += '/';
+    }
+    const std::size_t prefix = m_below.size();
+    const auto visit = [&](const NativeText& name, const platform::FileStatus& status, const std::error_code& refused) {
+        m_below.resize(prefix);
+        m_below += name;
+        if (holdsStore && isStoreFile(fs::path(name))) {
+            return;
+        }
+        if (std::optional<DiskEntry> entry = examine(name, status, refused)) {
             entries.push_back(std::move(*entry));
         }
-    }
+    };
+    std::error_code error;
+    platform::readFolder(path, visit, error);
     if (error) {
         warnLost(path, "cannot read this folder (" + error.message() + "); what the store holds of it stays");
         return std::nullopt;
@@ -108,24 +135,20 @@ fs::path SourceFolder::absolute(const NativeText& below) const
     return below.empty() ? m_source : m_source / fs::path(below).make_preferred();
 }
 
-std::optional<DiskEntry> SourceFolder::examine(const NativeText& folder, const fs::directory_entry& file)
+std::optional<DiskEntry> SourceFolder::examine(const NativeText& name, const platform::FileStatus& status,
+                                               const std::error_code& error)
 {
-    const fs::path& path = file.path();
-    if (isStoreFile(path)) {
-        return std::nullopt;
-    }
     DiskEntry entry;
-    entry.name = path.filename().native();
-    entry.shownName = platform::toUtf8(path.filename());
-    entry.id = idOf(join(folder, entry.name));
-    std::error_code error;
-    entry.status = platform::readStatus(path, error);
+    entry.name = name;
+    entry.shownName = shown(name);
+    entry.key = digestOfPath(m_below);
+    entry.status = status;
     if (error) {
         if (isAbsent(error)) {
-            warnLost(path, "vanished during the walk");
+            warnLost(current(), "vanished during the walk");
             return std::nullopt;
         }
-        warnLost(path, "cannot look at this entry (" + error.message() + "); what the store holds of it stays");
+        warnLost(current(), "cannot look at this entry (" + error.message() + "); what the store holds of it stays");
         entry.examined = false;
         return entry;
     }
@@ -141,24 +164,34 @@ std::optional<DiskEntry> SourceFolder::examine(const NativeText& folder, const f
         entry.mimeType = constants::linkMimeType;
         break;
     case platform::FileKind::Other:
-        entry.mimeType = specialMimeType(path);
+        entry.mimeType = specialMimeType(current());
         break;
     }
     if (!entry.isFolder() && m_wanted && !m_wanted(entry)) {
         return std::nullopt;
     }
-    if (!isUnicode(path.filename())) {
-        warnOdd(path, "the name is not UTF-8, recorded with what is wrong replaced");
+    constexpr std::string_view replacement = "\xEF\xBF\xBD";
+    if (entry.shownName.find(replacement) != std::string::npos && !isUnicode(fs::path(name))) {
+        warnOdd(current(), "the name is not UTF-8, recorded with what is wrong replaced");
     }
     if (entry.status.kind == platform::FileKind::Link) {
-        checkLink(path);
+        checkLink(current());
     }
     return entry;
+}
+
+std::string SourceFolder::shownPrefix(const NativeText& folder) const
+{
+    return platform::toUtf8(absolute(folder) / fs::path());
 }
 
 void SourceFolder::checkLink(const fs::path& link)
 {
     std::error_code error;
+    const fs::file_status status = fs::status(link, error);
+    if (!error && fs::exists(status) && !fs::is_directory(status)) {
+        return; // nearly always, and to find the place that a link leads to takes many more looks
+    }
     const fs::path target = fs::canonical(link, error);
     if (isAbsent(error)) {
         warnOdd(link, "the link leads nowhere");
@@ -167,18 +200,6 @@ void SourceFolder::checkLink(const fs::path& link)
     } else if (!error && isAtOrAbove(target, link.parent_path())) {
         warnOdd(link, "the link leads to a folder above it");
     }
-}
-
-bool SourceFolder::isStoreFile(const fs::path& file) const
-{
-    if (file.parent_path() != m_storeFolder) {
-        return false;
-    }
-    const std::string name = platform::toUtf8(file.filename());
-    return std::any_of(storeFileNames.begin(), storeFileNames.end(), [&](std::string_view store) {
-        const std::string_view rest = std::string_view(name).substr(std::min(store.size(), name.size()));
-        return name.starts_with(store) && (rest.empty() || rest == "-journal" || rest == "-wal" || rest == "-shm");
-    });
 }
 
 void SourceFolder::warnOdd(const fs::path& path, const std::string& what)

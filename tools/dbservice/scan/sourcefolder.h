@@ -2,6 +2,7 @@
 
 #include "databaseservice/clientconstants.h"
 #include "platform/filestatus.h"
+#include "scan/digest.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace dbservice {
@@ -22,13 +24,14 @@ using NativeText = std::filesystem::path::string_type;
 struct DiskEntry {
     NativeText name;
     std::string shownName; ///< UTF-8, repaired
-    std::string id;        ///< the same for the same path below the source, whatever else changes
+    Digest key{};          ///< the same for the same path below the source, whatever else changes
     platform::FileStatus status;
     std::string_view mimeType;
     DatabaseService::ClientConstants::ExtensionGroup group = DatabaseService::ClientConstants::ExtensionGroup::Unknown;
     /// False where the entry is there but the system would not tell what it is; then only name and id count.
     bool examined = true;
 
+    std::string id() const { return textOf(key); }
     bool isFolder() const { return examined && status.kind == platform::FileKind::Folder; }
 };
 
@@ -53,6 +56,8 @@ public:
     std::optional<std::vector<DiskEntry>> list(const NativeText& folder);
 
     std::filesystem::path absolute(const NativeText& below) const;
+    /// The same of a folder as UTF-8, with a separator at its end.
+    std::string shownPrefix(const NativeText& folder) const;
 
     /// Counts an entry or a folder as lost, with a warning.
     void warnLost(const std::filesystem::path& path, const std::string& what);
@@ -63,15 +68,17 @@ public:
     int lost() const { return m_lost; }
 
 private:
-    std::optional<DiskEntry> examine(const NativeText& folder, const std::filesystem::directory_entry& file);
+    std::optional<DiskEntry> examine(const NativeText& name, const platform::FileStatus& status,
+                                     const std::error_code& error);
+    std::filesystem::path current() const { return absolute(m_below); }
     void checkLink(const std::filesystem::path& link);
-    bool isStoreFile(const std::filesystem::path& file) const;
     void warnOdd(const std::filesystem::path& path, const std::string& what);
 
     std::filesystem::path m_source;
     std::filesystem::path m_storeFolder;
     Reporter& m_reporter;
     Wanted m_wanted;
+    NativeText m_below; // the path of the entry that is looked at
     int m_odd = 0;
     int m_lost = 0;
 };
