@@ -12,6 +12,9 @@ std::filesystem::path toPath(const std::wstring& wide);
 /// A path's text: as the system shows it, repaired where it is not Unicode.
 std::string toUtf8(const std::filesystem::path& path);
 
+/// Where programs keep for the user what they can make again. Empty where the system names no place.
+std::filesystem::path userCacheFolder();
+
 /// Whether something is there. False also when the system cannot tell.
 bool exists(const std::wstring& path) noexcept;
 

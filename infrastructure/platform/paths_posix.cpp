@@ -1,5 +1,6 @@
 #include "platform/paths.h"
 
+#include "platform/environment.h"
 #include "platform/text.h"
 
 namespace platform {
@@ -12,6 +13,16 @@ std::filesystem::path toPath(const std::wstring& wide)
 std::string toUtf8(const std::filesystem::path& path)
 {
     return repairUtf8(path.native());
+}
+
+std::filesystem::path userCacheFolder()
+{
+    const std::filesystem::path named = environmentVariable("XDG_CACHE_HOME");
+    if (named.is_absolute()) {
+        return named;
+    }
+    const std::filesystem::path home = environmentVariable("HOME");
+    return home.is_absolute() ? home / ".cache" : std::filesystem::path();
 }
 
 const wchar_t folderSeparator = L'/';

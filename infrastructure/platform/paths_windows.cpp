@@ -1,5 +1,6 @@
 #include "platform/paths.h"
 
+#include "platform/environment.h"
 #include "platform/text.h"
 
 #include <array>
@@ -15,6 +16,11 @@ std::filesystem::path toPath(const std::wstring& wide)
 std::string toUtf8(const std::filesystem::path& path)
 {
     return toUtf8(path.native());
+}
+
+std::filesystem::path userCacheFolder()
+{
+    return toPath(toWide(environmentVariable("LOCALAPPDATA")));
 }
 
 const wchar_t folderSeparator = L'\\';

@@ -67,6 +67,7 @@ std::vector<int> numbers(const Ran& scan)
 }
 
 ToolTest::ToolTest()
+    : m_cacheFolder(onPosix ? "XDG_CACHE_HOME" : "LOCALAPPDATA", platform::toUtf8(m_folder.path() / "cache"))
 {
     fs::create_directories(source());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/filebytes.h"
+#include "support/process.h"
 #include "support/testfolder.h"
 
 #include <filesystem>
@@ -62,6 +63,10 @@ protected:
     Arguments withoutPrivileges() const;
 
     TestFolder m_folder;
+
+private:
+    /// Where the tool remembers what it has seen.
+    EnvironmentVariable m_cacheFolder;
 };
 
 } // namespace testsupport

@@ -15,14 +15,14 @@ namespace {
 int reindex(Session& session)
 {
     DatabaseService::DriverDBProvider& drive = session.mendDrive();
-    const NameIndex before = examineNameIndex(drive);
+    const NameIndex before = examineNameIndex();
     session.stopIfFailed("look at the index of names");
     if (before == NameIndex::Absent) {
         throw Failure("cannot rebuild the index of names: the store has none; `dbservice init` makes it");
     }
     rebuildNameIndex(drive);
     session.stopIfFailed("rebuild the index of names");
-    if (examineNameIndex(drive) != NameIndex::Agrees) {
+    if (examineNameIndex() != NameIndex::Agrees) {
         throw Failure("cannot rebuild the index of names: it is still in another order");
     }
     const bool agreed = before == NameIndex::Agrees;

@@ -4,6 +4,7 @@
 #include "drive/drivefields.h"
 #include "drive/drivemarkers.h"
 #include "drive/pendinglist.h"
+#include "stores/nameindexmark.h"
 #include "stores/session.h"
 #include "terminal/failure.h"
 
@@ -80,7 +81,10 @@ void DriveEdit::requireFreeName(const std::string& folderId, const std::string& 
 void DriveEdit::write(Writer writer, const std::vector<Row>& rows)
 {
     m_session.stopIfFailed(m_verb + " anything");
-    (m_drive.*writer)(rows);
+    NameIndexMark(m_session.storeFolder() / driveFileName).keepThrough([&] {
+        (m_drive.*writer)(rows);
+        return !m_session.hasTrouble();
+    });
     std::vector<std::string> ids;
     for (const Row& row : rows) {
         ids.push_back(row.GetFileid());

@@ -79,7 +79,8 @@ namespace {
 
 void warnOfNameOrder(Session& session)
 {
-    if (examineNameIndex(session.readDrive()) == NameIndex::Disagrees) {
+    session.readDrive();
+    if (examineNameIndex() == NameIndex::Disagrees) {
         session.reporter().warning(
             "rows may come in the wrong order, on the wrong page or not at all: the store's index of "
             "names is in another order than this build's (" +

@@ -1,8 +1,15 @@
 #include "stores/nameindex.h"
 
 #include "databaseservice/driverdbprovider.h"
+#include "platform/namecompare.h"
+#include "stores/nameindexmark.h"
+#include "stores/rowwalk.h"
 
+#include <cstdint>
+#include <optional>
+#include <sqlite3.h>
 #include <string>
+#include <string_view>
 
 namespace dbservice {
 
@@ -11,30 +18,70 @@ namespace {
 constexpr const char* stored = "SELECT COUNT(*) FROM pragma_index_xinfo('nameIndex') "
                                "WHERE seqno = 0 AND name = 'name' AND coll = 'NameCompare' AND \"desc\" = 0";
 
-// The rows come in the order of the index, and each is compared with the one before it in the order of this build.
-// Equal names stand in the order of their row numbers.
-constexpr const char* misplaced =
-    "SELECT COUNT(*) FROM (SELECT name AS here, rowid AS hereRow, LAG(name) OVER () AS before, "
-    "LAG(rowid) OVER () AS beforeRow FROM DriveDataTable INDEXED BY nameIndex) "
-    "WHERE here < before COLLATE NameCompare OR (here = before COLLATE NameCompare AND hereRow < beforeRow)";
+// The rows come in the order of the index.
+constexpr const char* inOrder = "SELECT name, rowid FROM DriveDataTable INDEXED BY nameIndex";
 
-constexpr const char* missing = "SELECT (SELECT COUNT(*) FROM DriveDataTable NOT INDEXED) <> "
-                                "(SELECT COUNT(rowid) FROM DriveDataTable INDEXED BY nameIndex)";
+constexpr const char* inTable = "SELECT COUNT(*) FROM DriveDataTable NOT INDEXED";
 
-int valueOf(DatabaseService::DriverDBProvider& drive, std::string statement)
+/// Nothing on failure.
+std::optional<std::int64_t> numberOf(const char* query)
 {
-    return drive.GetCountBySelectSQL(statement);
+    std::int64_t number = 0;
+    const bool whole = RowWalk().run(query, [&](sqlite3_stmt* row) { number = sqlite3_column_int64(row, 0); });
+    return whole ? std::optional(number) : std::nullopt;
+}
+
+/// How many rows the index has if each name is in its place behind the one before it in the order of this build. Equal
+/// names stand in the order of their row numbers.
+std::optional<std::int64_t> rowsInOrder()
+{
+    std::int64_t rows = 0;
+    bool agrees = true;
+    std::string before;
+    std::int64_t beforeRow = 0;
+    bool comparable = false;
+    const bool whole = RowWalk().run(inOrder, [&](sqlite3_stmt* row) {
+        ++rows;
+        if (sqlite3_column_type(row, 0) != SQLITE_TEXT) {
+            comparable = false; // the order of what is no text is the same in every build
+            return;
+        }
+        const std::string_view name = textAt(row, 0);
+        const std::int64_t number = sqlite3_column_int64(row, 1);
+        if (comparable) {
+            const int order = platform::compareNames(before, name);
+            agrees = agrees && (order < 0 || (order == 0 && beforeRow < number));
+        }
+        before = name;
+        beforeRow = number;
+        comparable = true;
+    });
+    return whole && agrees ? std::optional(rows) : std::nullopt;
 }
 
 } // namespace
 
-NameIndex examineNameIndex(DatabaseService::DriverDBProvider& drive)
+NameIndex examineNameIndex()
 {
-    if (valueOf(drive, stored) == 0) {
+    if (numberOf(stored) == 0) {
         return NameIndex::Absent;
     }
-    const bool agrees = valueOf(drive, misplaced) == 0 && valueOf(drive, missing) == 0;
-    return agrees ? NameIndex::Agrees : NameIndex::Disagrees;
+    const std::optional<std::int64_t> rows = rowsInOrder();
+    return rows && rows == numberOf(inTable) ? NameIndex::Agrees : NameIndex::Disagrees;
+}
+
+NameIndex examineNameIndexUnlessMarked(const std::filesystem::path& file)
+{
+    const NameIndexMark mark(file);
+    const std::optional<NameIndexMark::State> state = mark.state(); // as it was before the look
+    if (state && mark.isFor(*state)) {
+        return NameIndex::Agrees;
+    }
+    const NameIndex found = examineNameIndex();
+    if (state && found == NameIndex::Agrees) {
+        mark.set(*state);
+    }
+    return found;
 }
 
 void rebuildNameIndex(DatabaseService::DriverDBProvider& drive)

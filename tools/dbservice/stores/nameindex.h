@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+
 namespace DatabaseService {
 class DriverDBProvider;
 }
@@ -14,7 +16,10 @@ enum class NameIndex {
 
 /// Whether the stored index of names is in this build's order. Reads all of the index, and writes nothing. What the
 /// library logs as a failure meanwhile makes the answer worthless.
-NameIndex examineNameIndex(DatabaseService::DriverDBProvider& drive);
+NameIndex examineNameIndex();
+
+/// The same of the drive store's file, without a look when nobody has written to it since the last one.
+NameIndex examineNameIndexUnlessMarked(const std::filesystem::path& file);
 
 /// Brings the stored index of names into this build's order.
 void rebuildNameIndex(DatabaseService::DriverDBProvider& drive);

@@ -167,7 +167,7 @@ DatabaseService::DriverDBProvider& Session::writeDrive()
     makeStore(driveFileName);
     std::error_code ignored;
     if (fs::exists(m_folder / driveFileName, ignored)) {
-        const NameIndex index = examineNameIndex(m_drive);
+        const NameIndex index = examineNameIndexUnlessMarked(m_folder / driveFileName);
         stopIfFailed("look at the order of names in the drive store");
         if (index == NameIndex::Disagrees) {
             throw Failure("cannot write to the store: its index of names is in another order than this build's (" +
