@@ -167,7 +167,7 @@ int import(Session& session, const GalleryOptions& options)
     session.makeStore(file);
     store::InitGalleryDatabase(platform::toWide(options.name));
     session.stopIfFailed("lay down the gallery");
-    GalleryImport import(session, StoreFile(file), source);
+    GalleryImport import(session, file, source);
     import.run();
     const GalleryImport::Counts& done = import.counts();
     showImport(session, source, done);

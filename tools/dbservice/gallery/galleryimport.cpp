@@ -4,11 +4,13 @@
 #include "drive/fileclass.h"
 #include "platform/paths.h"
 #include "scan/digest.h"
+#include "stores/rowwalk.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
 
 #include <algorithm>
+#include <sqlite3.h>
 #include <utility>
 
 namespace dbservice {
@@ -19,12 +21,18 @@ namespace gallery = DatabaseService::GalleryDBProvider;
 
 namespace {
 
-constexpr std::size_t filesPerBatch = 500;
+constexpr std::size_t filesPerBatch = 4000;
 
 /// The path of a folder below the source as an album has it, "/" for the source itself.
 std::string albumPath(const NativeText& path)
 {
     return '/' + platform::toUtf8(std::filesystem::path(path));
+}
+
+/// What tells that a file is as it was, without a look at what is in it.
+Digest versionOf(std::int64_t size, std::string_view version)
+{
+    return digestOf(std::to_string(size) + ' ' + std::string(version));
 }
 
 } // namespace
@@ -35,15 +43,17 @@ bool GalleryImport::wants(const DiskEntry& entry)
     return entry.status.kind == platform::FileKind::Regular && (kind == FileClass::Picture || kind == FileClass::Video);
 }
 
-GalleryImport::GalleryImport(Session& session, StoreFile store, SourceFolder& source)
+GalleryImport::GalleryImport(Session& session, const std::filesystem::path& file, SourceFolder& source)
     : m_session(session),
-      m_store(std::move(store)),
+      m_file(file),
+      m_store(file),
       m_source(source)
 {
 }
 
 void GalleryImport::run()
 {
+    readStored();
     const DiskEntry self = m_source.self();
     m_waiting.push_back({{}, self.shownName, self.status.createdNanoseconds, 1});
     while (!m_waiting.empty()) {
@@ -53,6 +63,17 @@ void GalleryImport::run()
     }
     write();
     m_session.reporter().endProgress();
+}
+
+void GalleryImport::readStored()
+{
+    RowWalk rows(m_file);
+    rows.run("SELECT UniqueId, Size, Sdsmtime FROM GalleryFile NOT INDEXED", [this](sqlite3_stmt* row) {
+        m_storedFiles.emplace_back(digestOf(textAt(row, 0)), versionOf(sqlite3_column_int64(row, 1), textAt(row, 2)));
+    });
+    std::sort(m_storedFiles.begin(), m_storedFiles.end());
+    rows.run("SELECT AlbumId FROM Album", [this](sqlite3_stmt* row) { m_storedAlbums.emplace(textAt(row, 0)); });
+    m_session.stopIfFailed("read the gallery");
 }
 
 void GalleryImport::import(const Folder& folder)
@@ -83,7 +104,7 @@ void GalleryImport::import(const Folder& folder)
         return;
     }
     ++m_counts.albums;
-    if (m_store.number("SELECT COUNT(*) FROM Album WHERE AlbumId = '" + albumId + "'") == 0) {
+    if (!m_storedAlbums.contains(albumId)) {
         AlbumTable& album = m_albums.emplace_back();
         album.AlbumId = albumId;
         album.AlbumName = folder.name;
@@ -99,8 +120,10 @@ bool GalleryImport::importFile(const Folder& folder, const std::string& albumId,
     std::string id = idOf(path.native());
     // In nanoseconds, so that a change within one second is seen.
     const std::string version = std::to_string(entry.status.modifiedNanoseconds);
-    GalleryFileTable row = gallery::GetGalleryFileOneData(id);
-    if (row.UniqueId == id && row.Size == entry.status.size && row.Sdsmtime == version) {
+    const Digest key = digestOf(id);
+    const auto stored = std::lower_bound(m_storedFiles.begin(), m_storedFiles.end(), std::pair(key, Digest{}));
+    const bool isStored = stored != m_storedFiles.end() && stored->first == key;
+    if (isStored && stored->second == versionOf(entry.status.size, version)) {
         ++m_counts.files;
         ++m_counts.unchanged;
         return true;
@@ -118,6 +141,10 @@ bool GalleryImport::importFile(const Folder& folder, const std::string& albumId,
     }
     ++m_counts.files;
     m_counts.bytes += entry.status.size;
+    GalleryFileTable row;
+    if (isStored) {
+        row = gallery::GetGalleryFileOneData(id);
+    }
     row.UniqueId = id;
     row.Hash = *hash;
     row.CreateTime = wholeSeconds(entry.status.createdNanoseconds);
@@ -148,6 +175,10 @@ void GalleryImport::write()
         m_counts.failedAlbums += static_cast<std::int64_t>(m_albums.size()) - landed;
         m_albums.clear();
     }
+    // In the order of the keys each page of their index is touched once.
+    std::sort(m_files.begin(), m_files.end(), [](const GalleryFileTable& left, const GalleryFileTable& right) {
+        return left.UniqueId < right.UniqueId;
+    });
     std::string hashes;
     for (const GalleryFileTable& file : m_files) {
         hashes += (hashes.empty() ? "('" : ",('") + file.UniqueId + "','" + file.Hash + "')";

@@ -1,11 +1,15 @@
 #pragma once
 
 #include "databaseservice/gallerytables.h"
+#include "scan/digest.h"
 #include "scan/sourcefolder.h"
 #include "stores/storefile.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace dbservice {
@@ -34,7 +38,8 @@ public:
     /// Whether an entry of the source is of interest.
     static bool wants(const DiskEntry& entry);
 
-    GalleryImport(Session& session, StoreFile store, SourceFolder& source);
+    /// `file` is the name of the store's file.
+    GalleryImport(Session& session, const std::filesystem::path& file, SourceFolder& source);
 
     /// Throws when of a whole batch nothing lands.
     void run();
@@ -48,13 +53,17 @@ private:
         double share; ///< of the whole, of what is in it
     };
 
+    void readStored();
     void import(const Folder& folder);
     bool importFile(const Folder& folder, const std::string& albumId, const DiskEntry& entry);
     void write();
 
     Session& m_session;
+    std::filesystem::path m_file;
     StoreFile m_store;
     SourceFolder& m_source;
+    std::vector<std::pair<Digest, Digest>> m_storedFiles; // sorted: of the id, and of size and time
+    std::unordered_set<std::string> m_storedAlbums;
     std::vector<Folder> m_waiting;
     std::vector<DatabaseService::AlbumTable> m_albums;
     std::vector<DatabaseService::GalleryFileTable> m_files;
