@@ -74,6 +74,14 @@ public:
         });
     }
 
+    /// The value of the first key column. Text lies in the record or in `scratch`.
+    static Value key(const Legacy& row, std::string& scratch)
+    {
+        constexpr auto first =
+            std::ranges::find_if(Table::rules, [](const RuleType& rule) { return (rule.traits & RuleType::Key) != 0; });
+        return first->look(row, scratch).value;
+    }
+
     /// As `FileLook::scan` wants them.
     static std::string columns()
     {
