@@ -3,6 +3,9 @@
 # The folder that `make demo` looks at.
 FOLDER ?= /usr/share
 export FOLDER
+# The folder that `make bench-scan` scans.
+SCAN ?= /usr
+export SCAN
 # How many pictures and videos `make legacy-sample` makes up.
 ROWS ?= 10000
 # How many tests and checks run at a time.
@@ -59,6 +62,11 @@ bench-large: benchmark ## the same with a million records
 .PHONY: bench-instructions
 bench-instructions: benchmark checks-packages ## count instructions and fail if the library needs too many
 	scripts/bench-instructions.sh build/release
+
+.PHONY: bench-scan
+bench-scan: build/release/build.ninja ## measure `dbservice scan` and more on a real folder beside a plain program (SCAN=/usr)
+	cmake --build --preset release --target scan_benchmark
+	build/release/bin/scan_benchmark "$$SCAN"
 
 .PHONY: format
 format: checks-packages ## format the sources

@@ -21,7 +21,16 @@ bool hasRoom(const std::filesystem::path& folder, std::uintmax_t bytes)
 
 ScratchFolder::ScratchFolder(std::uintmax_t bytes) : m_inMemory(hasRoom(memoryFileSystem, bytes))
 {
-    const std::filesystem::path parent = m_inMemory ? memoryFileSystem : std::filesystem::temp_directory_path();
+    makeIn(m_inMemory ? memoryFileSystem : std::filesystem::temp_directory_path());
+}
+
+ScratchFolder::ScratchFolder(const std::filesystem::path& parent) : m_inMemory(false)
+{
+    makeIn(parent);
+}
+
+void ScratchFolder::makeIn(const std::filesystem::path& parent)
+{
     std::random_device random;
     do {
         m_path = parent / ("databaseservice-benchmark-" + std::to_string(random()));

@@ -10,6 +10,8 @@ namespace benchmarks {
 class ScratchFolder {
 public:
     explicit ScratchFolder(std::uintmax_t bytes);
+    /// The same in a folder of the caller's choice.
+    explicit ScratchFolder(const std::filesystem::path& parent);
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
@@ -18,6 +20,8 @@ public:
     bool inMemory() const { return m_inMemory; }
 
 private:
+    void makeIn(const std::filesystem::path& parent);
+
     bool m_inMemory;
     std::filesystem::path m_path;
 };
