@@ -11,6 +11,7 @@ struct WalkedEntry {
     std::string_view path; ///< below the folder
     std::string_view name;
     std::string_view parent; ///< the path of the folder that it is in
+    std::int64_t parentModifiedNanoseconds = 0;
     enum class Kind { File, Folder, Link, Fifo, Socket, Block, Character } kind = Kind::File;
     std::int64_t size = 0;
     std::int64_t modifiedNanoseconds = 0;

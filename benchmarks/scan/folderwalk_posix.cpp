@@ -42,9 +42,9 @@ WalkedEntry::Kind kindOf(mode_t mode)
 
 void walkFolder(const std::string& folder, const std::function<void(const WalkedEntry&)>& visit)
 {
-    std::vector<std::string> waiting{""};
+    std::vector<std::pair<std::string, std::int64_t>> waiting{{"", modifiedNanoseconds(folder)}};
     while (!waiting.empty()) {
-        const std::string below = std::move(waiting.back());
+        const auto [below, modified] = std::move(waiting.back());
         waiting.pop_back();
         const std::unique_ptr<DIR, int (*)(DIR*)> open(::opendir((folder + '/' + below).c_str()), ::closedir);
         if (open == nullptr) {
@@ -61,11 +61,11 @@ void walkFolder(const std::string& folder, const std::function<void(const Walked
             }
             path.resize(prefix);
             path += name;
-            WalkedEntry entry{path, name, below, kindOf(status.st_mode), 0, nanoseconds(status.st_mtim)};
+            WalkedEntry entry{path, name, below, modified, kindOf(status.st_mode), 0, nanoseconds(status.st_mtim)};
             entry.size = S_ISREG(status.st_mode) ? static_cast<std::int64_t>(status.st_size) : 0;
             visit(entry);
             if (entry.kind == WalkedEntry::Kind::Folder) {
-                waiting.push_back(path);
+                waiting.emplace_back(path, entry.modifiedNanoseconds);
             }
         }
     }

@@ -1,3 +1,6 @@
+#include "clientservices/globalparamwrapper.h"
+#include "databaseservice/driverdbprovider.h"
+#include "databaseservice/gallerydbprovider.h"
 #include "plainprogram.h"
 #include "scratchfolder.h"
 #include "usage.h"
@@ -26,7 +29,7 @@ struct Options {
     std::string store;
 };
 
-const std::vector<std::string> plainJobs{"fill", "walk-and-read", "count", "count-below-root"};
+const std::vector<std::string> plainJobs{"fill", "walk-and-read", "count", "count-below-root", "fill-gallery"};
 
 struct Limits {
     double time;
@@ -101,13 +104,24 @@ private:
     std::vector<std::pair<Usage, Usage>> m_rounds;
 };
 
+constexpr const char* driveFile = "DriveModuleData.dat";
+constexpr const char* galleryFile = "gallery.dat";
+
+/// Empty stores for the plain program, with all tables and indexes.
+void layDown(const fs::path& folder)
+{
+    fs::create_directory(folder);
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(folder.generic_wstring());
+    DatabaseService::DriverDBProvider().InitDatabase();
+    DatabaseService::GalleryDBProvider::InitGalleryDatabase(fs::path(galleryFile).generic_wstring());
+}
+
 void compare(const Options& options, const std::string& self)
 {
     const ScratchFolder scratch(options.stores);
     const std::string folder = fs::canonical(options.folder).string();
     const fs::path store = scratch.path() / "store";
-    const fs::path storeFile = store / "DriveModuleData.dat";
-    const fs::path plainStore = scratch.path() / "plain.dat";
+    const fs::path plainStore = scratch.path() / "plain";
     const auto tool = [&](std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {DBSERVICE_PROGRAM, "--quiet", "--folder", store.string()});
         return arguments;
@@ -116,27 +130,33 @@ void compare(const Options& options, const std::string& self)
         return std::vector<std::string>{self, "--plain", job, "--store", file.string(), folder};
     };
 
-    Job fill("first scan", tool({"scan", folder}), plain("fill", plainStore), {1.0, 1.5, maximumMemory});
-    Job rescan("scan without changes", tool({"scan", folder}), plain("walk-and-read", storeFile),
-               {1.5, 0, maximumMemory});
-    Job count("count", tool({"count"}), plain("count", storeFile), {1.2});
-    Job stat("stat /", tool({"stat", "/"}), plain("count-below-root", storeFile), {1.2});
+    std::vector<Job> jobs;
+    jobs.emplace_back("first scan", tool({"scan", folder}), plain("fill", plainStore / driveFile),
+                      Limits{1.0, 1.5, maximumMemory});
+    // What only reads gets the same store on both sides.
+    jobs.emplace_back("scan without changes", tool({"scan", folder}), plain("walk-and-read", store / driveFile),
+                      Limits{1.5, 0, maximumMemory});
+    jobs.emplace_back("count", tool({"count"}), plain("count", store / driveFile), Limits{1.2});
+    jobs.emplace_back("stat /", tool({"stat", "/"}), plain("count-below-root", store / driveFile), Limits{1.2});
+    jobs.emplace_back("gallery import", tool({"gallery", "import", "--gallery", galleryFile, folder}),
+                      plain("fill-gallery", plainStore / galleryFile), Limits{1.0, 1.5, maximumMemory});
     for (int round = 0; round < options.rounds; ++round) {
         fmt::print(stderr, "round {} ...\n", round + 1);
-        const bool toolFirst = round % 2 == 0;
         fs::remove_all(store);
-        fs::remove(plainStore);
-        fill.runRound(toolFirst);
-        requireSameRows(storeFile.string(), plainStore.string());
-        for (Job* const job : {&rescan, &count, &stat}) {
-            job->runRound(toolFirst);
+        fs::remove_all(plainStore);
+        layDown(plainStore);
+        for (Job& job : jobs) {
+            job.runRound(round % 2 == 0);
         }
+        requireSameRows(store / driveFile, plainStore / driveFile, "DriveDataTable");
+        requireSameRows(store / galleryFile, plainStore / galleryFile, "GalleryFile");
+        requireSameRows(store / galleryFile, plainStore / galleryFile, "Album");
     }
     fmt::print("{}; {} rounds; stores in {}\n", folder, options.rounds, scratch.path().parent_path().string());
     fmt::print("{:<32}{:>8}  {:<12}{:>11}{:>11}{:>10}  {:<12}{:>11}{:>11}\n", "dbservice / plain program", "time",
                "limit", "dbservice", "plain", "written", "limit", "dbservice", "plain");
-    for (const Job* const job : {&fill, &rescan, &count, &stat}) {
-        job->print();
+    for (const Job& job : jobs) {
+        job.print();
     }
 }
 
@@ -149,6 +169,8 @@ void runPlain(const Options& options)
         program.walkAndRead(options.folder);
     } else if (options.plain == "count") {
         program.count();
+    } else if (options.plain == "fill-gallery") {
+        program.fillGallery(options.folder);
     } else {
         program.countBelowRoot();
     }

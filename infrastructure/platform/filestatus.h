@@ -20,12 +20,16 @@ struct FileStatus {
 /// a default one.
 FileStatus readStatus(const std::filesystem::path& path, std::error_code& error) noexcept;
 
+using WantEntry = std::function<bool(const std::filesystem::path::string_type& name, FileKind kind)>;
+
 /// `error` tells what kept the system from looking at the entry.
 using VisitEntry = std::function<void(const std::filesystem::path::string_type& name, const FileStatus& status,
                                       const std::error_code& error)>;
 
-/// Looks at each entry of a folder as `readStatus` does, in no particular order. `error` is set when the folder cannot
-/// be read to its end.
-void readFolder(const std::filesystem::path& folder, const VisitEntry& visit, std::error_code& error);
+/// Looks at the entries of a folder as `readStatus` does, in no particular order: at those that are `wanted`, or at all
+/// if that is empty. Where the system tells what an entry is, the others are not looked at. `error` is set when the
+/// folder cannot be read to its end.
+void readFolder(const std::filesystem::path& folder, const WantEntry& wanted, const VisitEntry& visit,
+                std::error_code& error);
 
 } // namespace platform

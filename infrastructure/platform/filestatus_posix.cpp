@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace platform {
@@ -41,6 +42,23 @@ FileKind kindOf(mode_t mode)
     }
 }
 
+/// Nothing where the folder's entry does not tell.
+std::optional<FileKind> kindOf(const dirent& entry)
+{
+    switch (entry.d_type) {
+    case DT_UNKNOWN:
+        return std::nullopt;
+    case DT_REG:
+        return FileKind::Regular;
+    case DT_DIR:
+        return FileKind::Folder;
+    case DT_LNK:
+        return FileKind::Link;
+    default:
+        return FileKind::Other;
+    }
+}
+
 FileStatus statusOf(const struct stat& found)
 {
     FileStatus status;
@@ -65,7 +83,8 @@ FileStatus readStatus(const std::filesystem::path& path, std::error_code& error)
 }
 
 // From the open folder on, so that the system does not walk the whole path for each entry.
-void readFolder(const std::filesystem::path& folder, const VisitEntry& visit, std::error_code& error)
+void readFolder(const std::filesystem::path& folder, const WantEntry& wanted, const VisitEntry& visit,
+                std::error_code& error)
 {
     const auto fail = [&error] { error.assign(errno, std::generic_category()); };
     error.clear();
@@ -78,13 +97,17 @@ void readFolder(const std::filesystem::path& folder, const VisitEntry& visit, st
     errno = 0;
     while (const dirent* const entry = ::readdir(open.get())) {
         name = static_cast<const char*>(entry->d_name);
-        if (name != "." && name != "..") {
+        const std::optional<FileKind> kind = kindOf(*entry);
+        if (name != "." && name != ".." && (!kind || !wanted || wanted(name, *kind))) {
             struct stat found { };
             std::error_code refused;
             if (::fstatat(::dirfd(open.get()), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
                 refused.assign(errno, std::generic_category());
             }
-            visit(name, refused ? FileStatus{} : statusOf(found), refused);
+            const FileStatus status = refused ? FileStatus{} : statusOf(found);
+            if (kind || refused || !wanted || wanted(name, status.kind)) {
+                visit(name, status, refused);
+            }
         }
         errno = 0;
     }

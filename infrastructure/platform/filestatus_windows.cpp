@@ -69,14 +69,18 @@ FileStatus readStatus(const std::filesystem::path& path, std::error_code& error)
     return status;
 }
 
-void readFolder(const std::filesystem::path& folder, const VisitEntry& visit, std::error_code& error)
+void readFolder(const std::filesystem::path& folder, const WantEntry& wanted, const VisitEntry& visit,
+                std::error_code& error)
 {
     namespace fs = std::filesystem;
     for (fs::directory_iterator file(folder, error); !error && file != fs::directory_iterator();
          file.increment(error)) {
         std::error_code refused;
         const FileStatus status = readStatus(file->path(), refused);
-        visit(file->path().filename().native(), status, refused);
+        const std::wstring name = file->path().filename().native();
+        if (refused || !wanted || wanted(name, status.kind)) {
+            visit(name, status, refused);
+        }
     }
 }
 

@@ -302,8 +302,9 @@ bool DriveTree::isTaken(const std::string& folderId, const std::string& name)
     DatabaseBindParameter bind;
     bind.Bind(folderId, ":folder");
     bind.Bind(name, ":name");
-    const std::vector<DriveDataTable> rows =
-        m_drive.GetDriveDataByWhereSql("name = :name AND (parentId = :folder OR moveParentId = :folder)", bind);
+    // The first comparison is for the index of names, which holds equal names beside some that only sort alike.
+    const std::vector<DriveDataTable> rows = m_drive.GetDriveDataByWhereSql(
+        "name COLLATE NameCompare = :name AND name = :name AND (parentId = :folder OR moveParentId = :folder)", bind);
     return std::any_of(rows.begin(), rows.end(), [&](const DriveDataTable& row) {
         return folderToBe(row) == folderId && !isInBin(row) && row.GetSoftDelBatchId() == 0;
     });

@@ -37,10 +37,10 @@ Digest versionOf(std::int64_t size, std::string_view version)
 
 } // namespace
 
-bool GalleryImport::wants(const DiskEntry& entry)
+bool GalleryImport::wants(platform::FileKind kind, DatabaseService::ClientConstants::ExtensionGroup group)
 {
-    const FileClass kind = classOf(entry.group);
-    return entry.status.kind == platform::FileKind::Regular && (kind == FileClass::Picture || kind == FileClass::Video);
+    const FileClass number = classOf(group);
+    return kind == platform::FileKind::Regular && (number == FileClass::Picture || number == FileClass::Video);
 }
 
 GalleryImport::GalleryImport(Session& session, const std::filesystem::path& file, SourceFolder& source)

@@ -36,7 +36,7 @@ public:
     };
 
     /// Whether an entry of the source is of interest.
-    static bool wants(const DiskEntry& entry);
+    static bool wants(platform::FileKind kind, DatabaseService::ClientConstants::ExtensionGroup group);
 
     /// `file` is the name of the store's file.
     GalleryImport(Session& session, const std::filesystem::path& file, SourceFolder& source);

@@ -121,8 +121,12 @@ std::optional<std::vector<DiskEntry>> SourceFolder::list(const NativeText& folde
             entries.push_back(std::move(*entry));
         }
     };
+    platform::WantEntry wanted;
+    if (m_wanted) {
+        wanted = [this](const NativeText& name, platform::FileKind kind) { return wants(name, kind); };
+    }
     std::error_code error;
-    platform::readFolder(path, visit, error);
+    platform::readFolder(path, wanted, visit, error);
     if (error) {
         warnLost(path, "cannot read this folder (" + error.message() + "); what the store holds of it stays");
         return std::nullopt;
@@ -157,8 +161,12 @@ std::optional<DiskEntry> SourceFolder::examine(const NativeText& name, const pla
         entry.mimeType = constants::folderMimeType;
         break;
     case platform::FileKind::Regular:
-        entry.mimeType = constants::mimeTypeOf(entry.shownName);
-        entry.group = constants::groupOf(entry.shownName);
+        if (const constants::KnownExtension* const known = constants::findExtension(entry.shownName)) {
+            entry.mimeType = known->mimeType;
+            entry.group = known->group;
+        } else {
+            entry.mimeType = constants::unknownMimeType;
+        }
         break;
     case platform::FileKind::Link:
         entry.mimeType = constants::linkMimeType;
@@ -166,9 +174,6 @@ std::optional<DiskEntry> SourceFolder::examine(const NativeText& name, const pla
     case platform::FileKind::Other:
         entry.mimeType = specialMimeType(current());
         break;
-    }
-    if (!entry.isFolder() && m_wanted && !m_wanted(entry)) {
-        return std::nullopt;
     }
     constexpr std::string_view replacement = "\xEF\xBF\xBD";
     if (entry.shownName.find(replacement) != std::string::npos && !isUnicode(fs::path(name))) {
@@ -183,6 +188,14 @@ std::optional<DiskEntry> SourceFolder::examine(const NativeText& name, const pla
 std::string SourceFolder::shownPrefix(const NativeText& folder) const
 {
     return platform::toUtf8(absolute(folder) / fs::path());
+}
+
+bool SourceFolder::wants(const NativeText& name, platform::FileKind kind) const
+{
+    using Kind = platform::FileKind;
+    const bool isFile = kind == Kind::Regular;
+    return kind == Kind::Folder ||
+        m_wanted(kind, isFile ? constants::groupOf(shown(name)) : constants::ExtensionGroup::Unknown);
 }
 
 void SourceFolder::checkLink(const fs::path& link)

@@ -42,7 +42,8 @@ std::int64_t wholeSeconds(std::int64_t nanoseconds);
 /// looked at but not followed. What is odd is a warning with its path and is counted.
 class SourceFolder {
 public:
-    using Wanted = std::function<bool(const DiskEntry&)>;
+    /// By what an entry is, and by what its name says if it is a file.
+    using Wanted = std::function<bool(platform::FileKind, DatabaseService::ClientConstants::ExtensionGroup)>;
 
     /// Throws a `Failure` when `source` is no folder that can be read. The files of a store in `storeFolder` are left
     /// out wherever they turn up, and so is without a word what is neither a folder nor `wanted`.
@@ -70,6 +71,7 @@ public:
 private:
     std::optional<DiskEntry> examine(const NativeText& name, const platform::FileStatus& status,
                                      const std::error_code& error);
+    bool wants(const NativeText& name, platform::FileKind kind) const;
     std::filesystem::path current() const { return absolute(m_below); }
     void checkLink(const std::filesystem::path& link);
     void warnOdd(const std::filesystem::path& path, const std::string& what);
