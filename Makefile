@@ -64,9 +64,9 @@ bench-instructions: benchmark checks-packages ## count instructions and fail if 
 	scripts/bench-instructions.sh build/release
 
 .PHONY: bench-scan
-bench-scan: build/release/build.ninja ## measure `dbservice scan` and more on a real folder beside a plain program (SCAN=/usr)
+bench-scan: build/release/build.ninja ## measure `dbservice` on a real folder beside a plain program, and fail above its limits (SCAN=/usr)
 	cmake --build --preset release --target scan_benchmark
-	build/release/bin/scan_benchmark "$$SCAN"
+	build/release/bin/scan_benchmark --strict "$$SCAN"
 
 .PHONY: format
 format: checks-packages ## format the sources

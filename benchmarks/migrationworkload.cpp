@@ -103,7 +103,7 @@ std::vector<Operation> MigrationWorkload::operations()
     return {
         {"migrate",
          fmt::format("migration of {} gallery files", m_rows),
-         1.15,
+         1.00,
          {contender("library", &MigrationWorkload::migrate), contender("expert", &MigrationWorkload::readConvertInsert),
           contender("copy row by row", &MigrationWorkload::copyRowByRow)},
          {}}};

@@ -294,6 +294,7 @@ TEST_F(Tool, WritesNoStoreWithNamesInAnotherOrder)
     for (const std::string values : {"('1', 'c9'), ('2', 'c10')", "('1', 'a'), ('2', 'A')"}) {
         fs::remove_all(store());
         ASSERT_EQ(onStore({"init"}).code, 0);
+        ASSERT_EQ(onStore({"init"}).code, 0); // has looked at the index, and remembers it
         {
             SqliteFile file(storeFile());
             sqlite3_create_collation(file.handle(), "NameCompare", SQLITE_UTF8, nullptr, byBytes);
@@ -384,6 +385,39 @@ TEST_F(Tool, AScanMendsWhatOthersLeft)
     EXPECT_EQ(row("/d")["data2"], "");
     EXPECT_EQ(row("/e")["name"], "e");
     EXPECT_EQ(row("/")["subtree"], 6);
+}
+
+// Of the rows, which come in the order of their keys, some are there, and no index is.
+TEST_F(Tool, CompletesAFirstScanThatWasCutOff)
+{
+    for (const char* name : {"a/b/c", "a/d", "e/f", "g", "h/i"}) {
+        writeFile(source() / name, "x");
+    }
+    const auto indexes = [this] {
+        return SqliteFile(storeFile()).query("SELECT name FROM sqlite_master WHERE type = 'index' ORDER BY name");
+    };
+    ASSERT_EQ(numbers(scan()), (std::vector{10, 0, 0, 0, 0, 10}));
+    const auto before = indexes();
+    changeStore("DROP INDEX nameIndex; DROP INDEX mimeTypeIndex; DROP INDEX sizeIndex; DROP INDEX modifiedTimeIndex;"
+                "DROP INDEX fileExtSignIndex; DROP INDEX parentIdIndex;"
+                "DELETE FROM DriveDataTable WHERE parentId <> '' AND fileId > '8'");
+    const int left = rows({"count"}).at(0)["rows"];
+    EXPECT_EQ(numbers(scan()), (std::vector{10 - left, 0, left, 0, 0, 10}));
+    EXPECT_EQ(row("/")["subtree"], 10);
+    EXPECT_EQ(indexes(), before);
+}
+
+// The store has /a/x below another folder, which is gone. What is swept with that folder is still on the disk.
+TEST_F(Tool, FindsAgainWhatWentWithAFolderThatIsGone)
+{
+    writeFile(source() / "a" / "x" / "f", "x");
+    writeFile(source() / "g" / "h", "x");
+    ASSERT_EQ(scan().code, 0);
+    fs::remove_all(source() / "g");
+    changeStore("UPDATE DriveDataTable SET parentId = (SELECT fileId FROM DriveDataTable WHERE name = 'g') "
+                "WHERE name = 'x'");
+    EXPECT_EQ(numbers(scan()), (std::vector{2, 1, 1, 4, 0, 4}));
+    EXPECT_EQ(row("/a/x/f")["size"], 1);
 }
 
 TEST_F(Tool, RefusesTheTreeOfAnotherSource)

@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Which rows the store holds already.
@@ -74,13 +76,15 @@ public:
         });
     }
 
-    /// The value of the first key column. Text lies in the record or in `scratch`.
-    static Value key(const Legacy& row, std::string& scratch)
+    /// Of a table with a text for a key, which is its first column.
+    static std::string_view key(const Legacy& row)
     {
-        constexpr auto first =
-            std::ranges::find_if(Table::rules, [](const RuleType& rule) { return (rule.traits & RuleType::Key) != 0; });
-        return first->look(row, scratch).value;
+        static_assert((Table::rules.front().traits & RuleType::Key) != 0);
+        std::string unused;
+        return Table::rules.front().look(row, unused).value.text;
     }
+
+    static Value key(sqlite3_stmt* stored) { return Value::stored(stored, 1); }
 
     /// As `FileLook::scan` wants them.
     static std::string columns()
@@ -138,18 +142,68 @@ public:
 
     std::vector<Entry>& entries() { return m_entries; }
 
-    /// Calls `visit` with each run of entries of one number.
-    template <class Visit> void forEachGroup(const Visit& visit)
+private:
+    std::vector<Entry> m_entries;
+};
+
+/// The rows of a table with a text for a key, in the order of the keys.
+template <class Table> class RowsByKey {
+public:
+    using Rows = std::vector<typename Table::Legacy>;
+
+    struct Entry {
+        std::uint64_t front; // the first letters, which most often tell
+        std::size_t row;
+    };
+
+    explicit RowsByKey(const Rows& rows) : m_rows(rows)
     {
-        for (auto first = m_entries.begin(); first != m_entries.end();) {
-            const auto end =
-                std::find_if(first, m_entries.end(), [&](const Entry& entry) { return entry.number != first->number; });
-            visit(std::span<Entry>(first, end));
-            first = end;
+        m_entries.reserve(rows.size());
+        for (std::size_t row = 0; row < rows.size(); ++row) {
+            m_entries.push_back({frontOf(key(row)), row});
         }
+        std::ranges::sort(m_entries, [this](const Entry& left, const Entry& right) {
+            const int order = compare(left, right.front, key(right.row));
+            return order != 0 ? order < 0 : left.row < right.row;
+        });
+    }
+
+    const std::vector<Entry>& entries() const { return m_entries; }
+
+    std::span<const Entry> with(std::string_view text) const
+    {
+        const std::uint64_t front = frontOf(text);
+        const auto first = std::ranges::partition_point(
+            m_entries, [&](const Entry& entry) { return compare(entry, front, text) < 0; });
+        const auto end =
+            std::find_if(first, m_entries.end(), [&](const Entry& entry) { return compare(entry, front, text) != 0; });
+        return {first, end};
+    }
+
+    /// Whether both have the same key.
+    bool areAlike(const Entry& left, const Entry& right) const
+    {
+        return compare(left, right.front, key(right.row)) == 0;
     }
 
 private:
+    std::string_view key(std::size_t row) const { return Comparison<Table>::key(m_rows[row]); }
+
+    int compare(const Entry& entry, std::uint64_t front, std::string_view text) const
+    {
+        return entry.front != front ? (entry.front < front ? -1 : 1) : key(entry.row).compare(text);
+    }
+
+    static std::uint64_t frontOf(std::string_view text)
+    {
+        std::uint64_t front = 0;
+        for (std::size_t i = 0; i < sizeof front; ++i) {
+            front = (front << 8) | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0);
+        }
+        return front;
+    }
+
+    const Rows& m_rows;
     std::vector<Entry> m_entries;
 };
 
@@ -158,19 +212,28 @@ template <class Table> class KeyedMatch {
 public:
     using Rows = std::vector<typename Table::Legacy>;
 
-    KeyedMatch(const Rows& rows, bool replace) : m_rows(rows), m_fates(rows.size(), Fate::Open), m_replace(replace)
+    KeyedMatch(const Rows& rows, bool replace)
+        : m_rows(rows),
+          m_fates(rows.size(), Fate::Open),
+          m_replace(replace),
+          m_byKey(rows)
     {
-        m_byKey.reserve(rows.size());
-        for (std::size_t row = 0; row < rows.size(); ++row) {
-            m_byKey.add({Compare::digest(rows[row], By::Key), 0, row});
+        // Those of one key stand in the order in which they were read.
+        const auto& entries = m_byKey.entries();
+        const Entry* last = nullptr;
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            if (last != nullptr && m_byKey.areAlike(*entry, *last)) {
+                const bool same = Compare::equal(m_rows[entry->row], m_rows[last->row], By::All);
+                m_fates[entry->row] = same ? Fate::There : Fate::Lost;
+            } else {
+                last = &*entry;
+            }
         }
-        m_byKey.sort();
-        m_byKey.forEachGroup([this](std::span<Entry> group) { settleSharedKeys(group); });
     }
 
     void storeHolds(sqlite3_stmt* stored)
     {
-        for (const Entry& entry : m_byKey.with(Compare::digest(stored, By::Key))) {
+        for (const Entry& entry : m_byKey.with(Compare::key(stored).text)) {
             if (m_fates[entry.row] == Fate::Open && Compare::equal(m_rows[entry.row], stored, By::Key)) {
                 m_fates[entry.row] = Compare::equal(m_rows[entry.row], stored, By::All) ? Fate::There
                     : m_replace                                                         ? Fate::Replace
@@ -186,30 +249,23 @@ public:
         return std::move(m_fates);
     }
 
+    /// The store finds the place of a key in an index. Keys in their order come to the places one after the other.
+    std::vector<std::size_t> order() const
+    {
+        std::vector<std::size_t> rows(m_rows.size());
+        std::ranges::transform(m_byKey.entries(), rows.begin(), &Entry::row);
+        return rows;
+    }
+
 private:
     using Compare = Comparison<Table>;
     using By = typename Compare::By;
-    using Entry = RowsByNumber::Entry;
-
-    void settleSharedKeys(std::span<Entry> group)
-    {
-        std::vector<std::size_t> last; // of each key
-        for (auto entry = group.rbegin(); group.size() > 1 && entry != group.rend(); ++entry) {
-            const auto later = std::ranges::find_if(
-                last, [&](std::size_t row) { return Compare::equal(m_rows[entry->row], m_rows[row], By::Key); });
-            if (later == last.end()) {
-                last.push_back(entry->row);
-            } else {
-                const bool same = Compare::equal(m_rows[entry->row], m_rows[*later], By::All);
-                m_fates[entry->row] = same ? Fate::There : Fate::Lost;
-            }
-        }
-    }
+    using Entry = typename RowsByKey<Table>::Entry;
 
     const Rows& m_rows;
     std::vector<Fate> m_fates;
     bool m_replace;
-    RowsByNumber m_byKey;
+    RowsByKey<Table> m_byKey;
 };
 
 /// Ids that no row has.
@@ -299,6 +355,14 @@ public:
         m_taken.insert(m_taken.end(), kept.begin(), kept.end());
         std::ranges::sort(m_taken);
         return std::move(m_fates);
+    }
+
+    /// As they were read.
+    std::vector<std::size_t> order() const
+    {
+        std::vector<std::size_t> rows(m_rows.size());
+        std::iota(rows.begin(), rows.end(), std::size_t{0});
+        return rows;
     }
 
     /// After `finish`.

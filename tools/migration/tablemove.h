@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -164,6 +162,7 @@ private:
                                " cannot be read in the store: it is damaged, of another shape or locked");
         }
         m_fates = match.finish();
+        m_order = match.order();
         if constexpr (requires { Table::isReserved(m_rows.front()); }) {
             for (std::size_t row = 0; row < m_rows.size(); ++row) {
                 m_fates[row] = Table::isReserved(m_rows[row]) ? Fate::Kept : m_fates[row];
@@ -187,7 +186,7 @@ private:
             static_cast<std::size_t>(std::ranges::count_if(m_fates, [](Fate fate) { return fate <= Fate::Replace; }));
         const std::size_t batchRows = std::max(fewestBatchRows, meant / batches + 1);
         m_batch.reserve(writes ? std::min(meant, batchRows) : 0);
-        for (const std::size_t row : order()) {
+        for (const std::size_t row : m_order) {
             const Fate fate = m_fates[row];
             if (fate > Fate::Replace) {
                 continue;
@@ -207,39 +206,6 @@ private:
         } else {
             m_landed = m_sent;
         }
-    }
-
-    /// The store finds the place of a text key in an index. Keys in their order come to the places one after the other.
-    std::vector<std::size_t> order() const
-    {
-        std::vector<std::size_t> rows(m_rows.size());
-        if constexpr (Compare::numbered) {
-            std::iota(rows.begin(), rows.end(), std::size_t{0});
-        } else {
-            std::vector<std::pair<std::uint64_t, std::size_t>> byFront; // the first letters, most often enough
-            byFront.reserve(m_rows.size());
-            std::string scratch;
-            for (std::size_t row = 0; row < m_rows.size(); ++row) {
-                byFront.emplace_back(frontOf(Compare::key(m_rows[row], scratch).text), row);
-            }
-            std::string otherScratch;
-            std::ranges::sort(byFront, [&](const auto& left, const auto& right) {
-                return left.first != right.first ? left.first < right.first
-                                                 : Compare::key(m_rows[left.second], scratch).text <
-                        Compare::key(m_rows[right.second], otherScratch).text;
-            });
-            std::ranges::transform(byFront, rows.begin(), [](const auto& each) { return each.second; });
-        }
-        return rows;
-    }
-
-    static std::uint64_t frontOf(std::string_view text)
-    {
-        std::uint64_t front = 0;
-        for (std::size_t i = 0; i < sizeof front; ++i) {
-            front = (front << 8) | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0);
-        }
-        return front;
     }
 
     void convert(Legacy& row, Fate fate)
@@ -309,6 +275,7 @@ private:
     TableReport& m_report;
     std::vector<Legacy> m_rows;
     std::vector<Fate> m_fates;
+    std::vector<std::size_t> m_order; // in which rows are written
     std::optional<FreeIds> m_freeIds;
     std::vector<Current> m_batch;
     int64 m_before = 0;

@@ -65,16 +65,13 @@ void TreeFill::createIndexes()
 
 void TreeFill::fill()
 {
-    {
-        const ScanRecord::Timer timer(m_record, ScanRecord::Step::Write);
-        addRows(m_session, m_drive, {newRow(m_source.self(), {}, platform::toUtf8(m_source.absolute({})))});
-        ++m_record.added;
-    }
     m_found.reserve(mostFound); // growth would need twice the memory for a moment
-    while (!m_walk.atEnd()) {
+    // With the first rows: a run that is cut off in its walk leaves the store empty.
+    m_rows.push_back(newRow(m_source.self(), {}, platform::toUtf8(m_source.absolute({}))));
+    do {
         lookAhead();
         write();
-    }
+    } while (!m_walk.atEnd());
 }
 
 void TreeFill::lookAhead()
@@ -106,21 +103,26 @@ void TreeFill::write()
     }
     std::sort(order.begin(), order.end());
 
-    std::vector<DriveDataTable> rows;
-    rows.reserve(std::min(order.size(), rowsPerTransaction));
+    m_rows.reserve(std::min(order.size() + 1, rowsPerTransaction));
     for (const auto& [key, place] : order) {
         const Found& found = m_found[place];
         const Folder& folder = m_folders[found.folder];
-        rows.push_back(newRow(found.entry, folder.id, folder.shownPath + found.entry.shownName));
-        if (rows.size() == rowsPerTransaction || &key == &order.back().first) {
-            addRows(m_session, m_drive, rows);
-            m_record.added += static_cast<std::int64_t>(rows.size());
-            rows.clear();
-            m_walk.showProgress();
+        m_rows.push_back(newRow(found.entry, folder.id, folder.shownPath + found.entry.shownName));
+        if (m_rows.size() == rowsPerTransaction) {
+            insert();
         }
     }
+    insert();
     m_found.clear();
     m_folders.clear();
+}
+
+void TreeFill::insert()
+{
+    addRows(m_session, m_drive, m_rows);
+    m_record.added += static_cast<std::int64_t>(m_rows.size());
+    m_rows.clear();
+    m_walk.showProgress();
 }
 
 } // namespace dbservice

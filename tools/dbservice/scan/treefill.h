@@ -41,6 +41,7 @@ private:
     void fill();
     void lookAhead();
     void write();
+    void insert();
 
     Session& m_session;
     DatabaseService::DriverDBProvider& m_drive;
@@ -49,6 +50,7 @@ private:
     TreeWalk m_walk;
     std::vector<Folder> m_folders;
     std::vector<Found> m_found;
+    std::vector<DatabaseService::DriveDataTable> m_rows; // of one transaction
 };
 
 } // namespace dbservice
