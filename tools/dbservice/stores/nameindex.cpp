@@ -18,10 +18,10 @@ namespace {
 constexpr const char* stored = "SELECT COUNT(*) FROM pragma_index_xinfo('nameIndex') "
                                "WHERE seqno = 0 AND name = 'name' AND coll = 'NameCompare' AND \"desc\" = 0";
 
-// The rows come in the order of the index.
-constexpr const char* inOrder = "SELECT name, rowid FROM DriveDataTable INDEXED BY nameIndex";
-
-constexpr const char* inTable = "SELECT COUNT(*) FROM DriveDataTable NOT INDEXED";
+// The rows come in the order of the index, and behind them how many the table has. In one statement, since another
+// program may be writing.
+constexpr const char* inOrder = "SELECT name, rowid FROM DriveDataTable INDEXED BY nameIndex "
+                                "UNION ALL SELECT NULL, COUNT(*) FROM DriveDataTable NOT INDEXED";
 
 /// Nothing on failure.
 std::optional<std::int64_t> numberOf(const char* query)
@@ -31,23 +31,24 @@ std::optional<std::int64_t> numberOf(const char* query)
     return whole ? std::optional(number) : std::nullopt;
 }
 
-/// How many rows the index has if each name is in its place behind the one before it in the order of this build. Equal
-/// names stand in the order of their row numbers.
-std::optional<std::int64_t> rowsInOrder()
+/// Whether the index has all rows, and each name is in its place behind the one before it in the order of this build.
+/// Equal names stand in the order of their row numbers.
+bool isInOrder()
 {
-    std::int64_t rows = 0;
+    std::int64_t rows = -1; // the last one is the table's number
+    std::int64_t number = 0;
     bool agrees = true;
     std::string before;
     std::int64_t beforeRow = 0;
     bool comparable = false;
     const bool whole = RowWalk().run(inOrder, [&](sqlite3_stmt* row) {
         ++rows;
+        number = sqlite3_column_int64(row, 1);
         if (sqlite3_column_type(row, 0) != SQLITE_TEXT) {
             comparable = false; // the order of what is no text is the same in every build
             return;
         }
         const std::string_view name = textAt(row, 0);
-        const std::int64_t number = sqlite3_column_int64(row, 1);
         if (comparable) {
             const int order = platform::compareNames(before, name);
             agrees = agrees && (order < 0 || (order == 0 && beforeRow < number));
@@ -56,7 +57,7 @@ std::optional<std::int64_t> rowsInOrder()
         beforeRow = number;
         comparable = true;
     });
-    return whole && agrees ? std::optional(rows) : std::nullopt;
+    return whole && agrees && rows == number;
 }
 
 } // namespace
@@ -66,8 +67,7 @@ NameIndex examineNameIndex()
     if (numberOf(stored) == 0) {
         return NameIndex::Absent;
     }
-    const std::optional<std::int64_t> rows = rowsInOrder();
-    return rows && rows == numberOf(inTable) ? NameIndex::Agrees : NameIndex::Disagrees;
+    return isInOrder() ? NameIndex::Agrees : NameIndex::Disagrees;
 }
 
 NameIndex examineNameIndexUnlessMarked(const std::filesystem::path& file)
