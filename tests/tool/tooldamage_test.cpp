@@ -21,15 +21,16 @@ struct Shown {
     std::string file;
     std::string table;
     Arguments command;
+    bool readsAsBefore = false; ///< the same columns as a command above
 };
 
 const std::vector<Shown> shown{
     {"DriveModuleData.dat", "DriveDataTable", {"--json", "ls"}},
     {"DriveModuleData.dat", "DriveDataTable", {"--json", "count"}},
-    {"DriveModuleData.dat", "DriveDataTable", {"--json", "view", "other"}},
-    {"DriveModuleData.dat", "DriveDataTable", {"--json", "recycle"}},
+    {"DriveModuleData.dat", "DriveDataTable", {"--json", "view", "other"}, true},
+    {"DriveModuleData.dat", "DriveDataTable", {"--json", "recycle"}, true},
     {"DriveModuleData.dat", "DriveDataTable", {"stat", "/b1"}},
-    {"DriveModuleData.dat", "DriveDataTable", {"pending"}},
+    {"DriveModuleData.dat", "DriveDataTable", {"pending"}, true},
     {"DriveModuleData.dat", "DriveConfTable", {"config"}},
     {"DriveModuleData.dat", "DriveFullTask", {"config"}},
     {"main.dat", "UserProperties", {"properties", "list"}},
@@ -88,7 +89,7 @@ TEST_F(ToolDamage, AZeroedPageIsToldWhereItMatters)
 {
     int right = 0;
     int refused = 0;
-    for (const auto& [file, table, command] : shown) {
+    for (const auto& [file, table, command, readsAsBefore] : shown) {
         const std::string good = onStore(command).out;
         const std::string bytes = bytesOf(store() / file);
         for (std::size_t page = 0; page < bytes.size() / 4096; ++page) {
@@ -114,7 +115,10 @@ TEST_F(ToolDamage, AZeroedPageIsToldWhereItMatters)
 
 TEST_F(ToolDamage, WhatATableLacksIsTold)
 {
-    for (const auto& [file, table, command] : shown) {
+    for (const auto& [file, table, command, readsAsBefore] : shown) {
+        if (readsAsBefore) {
+            continue;
+        }
         const std::string good = onStore(command).out;
         const std::string bytes = bytesOf(store() / file);
         const Rows columns = SqliteFile(store() / file).query("PRAGMA table_info(" + table + ")");
@@ -180,7 +184,7 @@ TEST_F(ToolDamage, NoCommandWaitsForALockWithoutEnd)
         {"g.dat", {"gallery", "import", source().string(), "--gallery", "g.dat"}, Kind::Writes},
         {"g.dat", {"reset", "--gallery", "g.dat", "--yes"}, Kind::Writes},
     };
-    for (const auto& [file, table, command] : shown) {
+    for (const auto& [file, table, command, readsAsBefore] : shown) {
         const bool inPlace = file == "DriveModuleData.dat" || file == "main.dat";
         cases.push_back({file, command, inPlace ? Kind::Reads : Kind::ReadsCopy});
     }
