@@ -29,7 +29,7 @@ const std::vector<Shown> shown{
     {"DriveModuleData.dat", "DriveDataTable", {"--json", "count"}},
     {"DriveModuleData.dat", "DriveDataTable", {"--json", "view", "other"}, true},
     {"DriveModuleData.dat", "DriveDataTable", {"--json", "recycle"}, true},
-    {"DriveModuleData.dat", "DriveDataTable", {"stat", "/b1"}},
+    {"DriveModuleData.dat", "DriveDataTable", {"stat", "/b1"}, true},
     {"DriveModuleData.dat", "DriveDataTable", {"pending"}, true},
     {"DriveModuleData.dat", "DriveConfTable", {"config"}},
     {"DriveModuleData.dat", "DriveFullTask", {"config"}},

@@ -79,6 +79,13 @@ bool isBearable(int code)
     }
 }
 
+/// Whether a message is of the layer that calls the system, which tells of what SQLite can do without, too. Where it
+/// cannot, a message about the statement follows.
+bool isOfSystemLayer(std::string_view message)
+{
+    return message.starts_with("os_") || message.starts_with("cannot open file at line");
+}
+
 /// The file that the thread locked or opened last: what SQLite says next on it is about that.
 thread_local std::string fileOfThread;
 thread_local StoreWatch::Fault complaint;
@@ -268,7 +275,7 @@ int openFile(sqlite3_vfs* /*vfs*/, const char* name, sqlite3_file* file, int fla
 void hear(void* /*unused*/, int code, const char* message)
 {
     complaint = {toPath(fileOfThread), withoutStatement(message), false};
-    if (!isBearable(code)) {
+    if (!isBearable(code) && !isOfSystemLayer(message)) {
         const bool damaged = (code & 0xFF) == SQLITE_CORRUPT;
         complaint.reason = (damaged ? "damaged: " : "") + std::string(sqlite3_errstr(code));
         watch->report(complaint);
