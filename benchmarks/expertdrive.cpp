@@ -1,6 +1,6 @@
 #include "expertdrive.h"
 
-#include "databaseservice/drivecolumns.h"
+#include "databaseservice/tables/drivecolumns.h"
 #include "expertcells.h"
 
 #include <cstdint>
