@@ -52,7 +52,7 @@ constexpr auto firstColumns = [] {
 }();
 constexpr auto lastColumns =
     pick(Drive::table, "fileExtSign", "needToDisplay", "classIndex", "data1", "data2", "data3", "data4");
-static_assert(firstColumns.size() + lastColumns.size() == 53);
+static_assert(firstColumns.size() + lastColumns.size() == pick(Drive::table, Drive::All).size());
 
 std::wstring& databasePath()
 {
