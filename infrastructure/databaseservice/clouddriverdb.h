@@ -35,6 +35,16 @@ enum CLOUD_DB_VIEW_TYPE : int {
 
 /// The queries behind the client's file lists, on `DriveModuleData.dat`.
 ///
+/// ```cpp
+/// CloudDriverDb::InitDatabasePath(L"store/DriveModuleData.dat"); // once; `DriverDBProvider` makes the file
+/// CloudDriverDb lists;
+/// std::vector<DriveDataTable> page; // the first twenty files of a folder, by name
+/// lists.QueryChildFile("id-1", 0, 20, CLOUD_DB_SORT_NAME_ASC, page);
+/// for (const DriveDataTable& file : page) {
+///     std::cout << file.GetName() << '\n';
+/// }
+/// ```
+///
 /// Ids and names go into the statements' text between single quotes as they are: give it only what was read from
 /// rows of the store, never what a person or a file system chose. A quote in one makes the statement fail or mean
 /// something else. For untrusted values there are the bound readers of `DriverDBProviderBase`

@@ -6,6 +6,13 @@
 
 /// Start and reset of the stores.
 ///
+/// ```cpp
+/// const std::wstring folder = L"store";                             // a folder that exists
+/// GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(folder); // where each store looks for its file
+/// DatabaseService::InitDataBase(folder, L"gallery.dat");            // main store, gallery, shortcut list
+/// DatabaseService::DriverDBProvider().InitDatabase();               // the drive's store starts by itself
+/// ```
+///
 /// Threads: one at a time; everything runs on the calling thread, and `g_userDataBaseFolder` is not locked.
 /// Failure: when `folder` is empty or does not exist, or a name is empty, a type derived from `std::exception` alone
 /// is thrown, whose `what()` is "The db file folder is empty or does not exist."; nothing else has happened then. A

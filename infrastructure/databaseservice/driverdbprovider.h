@@ -8,6 +8,22 @@ namespace DatabaseService {
 /// then use the operations. The file `DriveModuleData.dat` lies in the folder that `GlobalParamWrapper` names at each
 /// call; there is nothing to open and nothing to close.
 ///
+/// ```cpp
+/// GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(L"store"); // a folder that exists
+/// DriverDBProvider drive;
+/// drive.InitDatabase();
+///
+/// DriveDataTable photo;
+/// photo.SetFileid("id-2");
+/// photo.SetParentId("id-1");
+/// photo.SetName("sunrise.jpg");
+/// drive.ReplaceDriveAllData({photo}); // as many as you like: one transaction
+///
+/// for (const DriveDataTable& child : drive.GetDriveDataByParentId("id-1")) {
+///     std::cout << child.GetName() << '\n';
+/// }
+/// ```
+///
 /// It adds nothing to `DriverDBProviderBase`, whose header says what each operation does, and holds nothing of its own.
 /// Threads, ownership and failures are the base's. Before `InitDatabase` every statement fails for want of its table:
 /// most writers answer true all the same, readers find nothing.
