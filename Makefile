@@ -51,6 +51,10 @@ test-windows: build/mingw/build.ninja ## build for Windows and run all tests und
 	ctest --preset mingw --parallel $(JOBS)
 	scripts/test-windows-tool.sh build/mingw/bin/dbservice.exe
 
+.PHONY: build-clang
+build-clang: build/clang/build.ninja ## build the libraries and their tests with clang, too
+	cmake --build --preset clang
+
 .PHONY: bench
 bench: benchmark ## measure the library beside plain use of the SQLite C interface
 	$(benchmark)
@@ -80,6 +84,10 @@ format-check: checks-packages ## fail if a source is not formatted
 tidy: build/release/build.ninja checks-packages ## run clang-tidy over all sources; takes minutes
 	run-clang-tidy -quiet -p build/release -j $(JOBS) '$(CURDIR)/(infrastructure|tools|tests|benchmarks)/'
 
+.PHONY: tidy-changes
+tidy-changes: build/release/build.ninja checks-packages ## the same over what changed (since SINCE, or in the last day)
+	scripts/tidy-changes build/release $(JOBS)
+
 .PHONY: install-dependencies
 install-dependencies: ## install every Debian package that building, testing and checking need
 	scripts/install-dependencies
@@ -97,6 +105,7 @@ benchmark = build/release/bin/databaseservice_benchmark
 benchmark: build/release/build.ninja
 	cmake --build --preset release --target databaseservice_benchmark
 
+build/clang/build.ninja: | checks-packages
 build/mingw/build.ninja: | windows-packages
 build/%/build.ninja: CMakePresets.json | build-packages
 	cmake --preset $*
