@@ -11,6 +11,7 @@ namespace DatabaseService {
 /// Text is UTF-8; the meaning of cursor, state and time belongs to the client.
 ///
 /// A plain structure: its integers hold no defined value until somebody sets them.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): no defined value, as said
 struct DriveFullTask {
     std::string fileId;
     std::string cursor;
