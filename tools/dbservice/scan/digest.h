@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -13,7 +12,8 @@ namespace dbservice {
 struct Digest {
     std::uint64_t high;
     std::uint64_t low;
-    auto operator<=>(const Digest&) const = default;
+    bool operator==(const Digest&) const = default;
+    bool operator<(const Digest& other) const { return high != other.high ? high < other.high : low < other.low; }
 };
 
 Digest digestOf(std::string_view bytes);

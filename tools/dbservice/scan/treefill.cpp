@@ -11,8 +11,6 @@
 
 namespace dbservice {
 
-using DatabaseService::DriveDataTable;
-
 namespace {
 
 // Some 170 bytes each.
