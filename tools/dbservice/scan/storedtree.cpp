@@ -53,7 +53,6 @@ void StoredTree::read(const std::string& doubtful)
     std::string scratch;
     std::string folder;
     RowWalk().run(query, [&](sqlite3_stmt* row) {
-        ++m_rows;
         folder = textAt(row, 4);
         ++m_inFolder[folder];
         if (isPlain(row)) {

@@ -18,8 +18,6 @@ public:
     /// Rows for which the condition holds are not known to be up to date. Failures are what the library logs.
     void read(const std::string& doubtful);
 
-    std::int64_t rows() const { return m_rows; }
-
     /// Whether the store holds exactly these rows of the folder, with nothing on them that a scan would look at.
     bool isUpToDate(const std::string& folderId, const std::vector<DiskEntry>& entries) const;
 
@@ -31,7 +29,6 @@ private:
 
     std::vector<Digest> m_plain; // of the rows that are no more than what is on disk, sorted
     std::unordered_map<std::string, std::int64_t> m_inFolder;
-    std::int64_t m_rows = 0;
 };
 
 } // namespace dbservice

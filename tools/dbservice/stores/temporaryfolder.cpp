@@ -1,5 +1,6 @@
 #include "stores/temporaryfolder.h"
 
+#include "databaseservice/keptconnections.h"
 #include "platform/environment.h"
 #include "platform/paths.h"
 #include "terminal/failure.h"
@@ -121,6 +122,8 @@ bool TemporaryFolder::addCopy(const fs::path& file, const fs::path& name)
 
 TemporaryFolder::~TemporaryFolder()
 {
+    // The reader of the legacy file leaves its connections open, and not every system removes an open file.
+    DatabaseService::CloseKeptConnections();
     Folders& all = folders();
     const std::lock_guard lock(all.mutex);
     removeFolder(m_path, 1);
