@@ -163,7 +163,7 @@ TEST_F(Engine, TheNameAndTheFolderAreAskedAtEveryOpen)
     EXPECT_TRUE(copy.Execute("SELECT 1"));
     const std::string folder = platform::toUtf8(m_folder.path());
     EXPECT_TRUE(m_log.linesWere({opening(folder + "/\xE5\x90\x8D.dat"), opening(folder + "/engine.dat"),
-                                 opening(folder + "/second/engine.dat")}));
+                                 opening(platform::toUtf8(path(L"second")) + "/engine.dat")}));
 }
 
 TEST_F(Engine, AFailedPrepareIsOneLine)
