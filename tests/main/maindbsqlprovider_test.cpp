@@ -2,19 +2,16 @@
 
 #include "databaseservice/keptconnections.h"
 #include "databaseservice/maindbsqlprovider.h"
+#include "support/limitedmemory.h"
 #include "support/mainstoretest.h"
 
 #include <chrono>
-#include <cstdlib>
-#include <new>
 #include <sqlite3.h>
 
 using namespace testsupport;
 using DatabaseService::MainDBSQLProvider;
 
 namespace {
-
-thread_local int allocationsLeft = -1; // without end
 
 /// Beside `main.dat` in its present shape there is a file without tables.
 class MainDBSQL : public MainStoreTest {
@@ -40,23 +37,6 @@ protected:
 };
 
 } // namespace
-
-void* operator new(std::size_t size)
-{
-    void* const memory = allocationsLeft == 0 ? nullptr : std::malloc(size);
-    allocationsLeft -= allocationsLeft > 0;
-    return memory != nullptr ? memory : throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 TEST_F(MainDBSQL, Tables)
 {
@@ -120,9 +100,10 @@ TEST_F(MainDBSQL, MemoryThatRunsOutLeavesNothingOpen)
     const auto inUse = sqlite3_memory_used();
     bool ranOut = true;
     for (int allocations = 0; ranOut; ++allocations) {
-        allocationsLeft = allocations;
+        setAllocationsLeft(allocations);
         provider.CreateTables(file);
-        ranOut = std::exchange(allocationsLeft, -1) == 0;
+        ranOut = allocationsLeft() == 0;
+        setAllocationsLeft(-1);
         ASSERT_EQ(sqlite3_memory_used(), inUse) << "after " << allocations << " allocations";
         ASSERT_NO_THROW(m_older.exec("BEGIN EXCLUSIVE; ROLLBACK"));
     }
