@@ -1,5 +1,6 @@
 #include "stores/storewatch.h"
 
+#include "platform/neverdestroyed.h"
 #include "terminal/displaytext.h"
 
 #include <algorithm>
@@ -297,7 +298,7 @@ StoreWatch& StoreWatch::instance()
     return theOne;
 }
 
-StoreWatch::StoreWatch() : m_impl(*new Impl)
+StoreWatch::StoreWatch() : m_impl(platform::neverDestroyed(new Impl))
 {
     watch = &m_impl;
     const bool hears =

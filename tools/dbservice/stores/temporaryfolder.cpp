@@ -2,6 +2,7 @@
 
 #include "databaseservice/keptconnections.h"
 #include "platform/environment.h"
+#include "platform/neverdestroyed.h"
 #include "platform/paths.h"
 #include "terminal/failure.h"
 
@@ -26,10 +27,10 @@ struct Folders {
     std::set<fs::path> paths;
 };
 
-/// Never destroyed, since a process can be told to end while it exits.
+/// A process can be told to end while it exits.
 Folders& folders()
 {
-    static auto& made = *new Folders;
+    static auto& made = platform::neverDestroyed(new Folders);
     return made;
 }
 
