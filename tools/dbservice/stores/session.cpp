@@ -57,10 +57,7 @@ fs::path chooseFolder(const std::string& folder)
 
 } // namespace
 
-Session::Session(const GlobalOptions& options)
-    : m_options(options),
-      m_log(std::make_shared<StoreLog>(m_reporter)),
-      m_folder(chooseFolder(options.folder))
+Session::Session(const GlobalOptions& options) : m_options(options), m_log(std::make_shared<StoreLog>(m_reporter))
 {
     StoreWatch::instance().begin(
         std::chrono::milliseconds(std::llround(options.waitSeconds * 1000)), [this](const fs::path& file) {
@@ -98,46 +95,54 @@ int Session::outputWidth()
 void Session::makeStoreFolder()
 {
     std::error_code error;
-    if (fs::create_directories(m_folder, error)) {
-        m_reporter.note("made the folder " + platform::toUtf8(m_folder));
+    if (fs::create_directories(storeFolder(), error)) {
+        m_reporter.note("made the folder " + platform::toUtf8(storeFolder()));
     } else if (error) {
-        throw Failure("cannot make the store folder " + platform::toUtf8(m_folder) + ": " + error.message());
+        throw Failure("cannot make the store folder " + platform::toUtf8(storeFolder()) + ": " + error.message());
     }
 }
 
 void Session::readStore(const fs::path& fileName, ReadableStore::Copy copied)
 {
     requireStoreFolder();
-    m_readable.emplace(m_folder, fileName, copied);
+    m_readable.emplace(storeFolder(), fileName, copied);
     useFolder(m_readable->folder(), fileName);
 }
 
 void Session::editStore(const fs::path& fileName)
 {
     requireStoreFolder();
-    requireStoreFile(m_folder, fileName);
-    useFolder(m_folder, fileName);
+    requireStoreFile(storeFolder(), fileName);
+    useFolder(storeFolder(), fileName);
 }
 
 void Session::makeStore(const fs::path& fileName)
 {
     requireStoreFolder();
-    requireDatabaseOrNothing(m_folder / fileName);
-    useFolder(m_folder, fileName);
+    requireDatabaseOrNothing(storeFolder() / fileName);
+    useFolder(storeFolder(), fileName);
 }
 
 void Session::editAllStores(const std::string& name)
 {
     requireStoreFolder();
-    if (!holdsStoreFiles(m_folder)) {
-        throw Failure("cannot open the stores: " + platform::toUtf8(m_folder) + " holds no store files");
+    if (!holdsStoreFiles(storeFolder())) {
+        throw Failure("cannot open the stores: " + platform::toUtf8(storeFolder()) + " holds no store files");
     }
-    useFolder(m_folder, name);
+    useFolder(storeFolder(), name);
 }
 
 void Session::nameInWarnings(const std::string& name)
 {
     m_log->setStore(name);
+}
+
+const fs::path& Session::storeFolder() const
+{
+    if (m_folder.empty()) {
+        m_folder = chooseFolder(m_options.folder);
+    }
+    return m_folder;
 }
 
 DatabaseService::DriverDBProvider& Session::readDrive()
@@ -166,8 +171,8 @@ DatabaseService::DriverDBProvider& Session::writeDrive()
 {
     makeStore(driveFileName);
     std::error_code ignored;
-    if (fs::exists(m_folder / driveFileName, ignored)) {
-        const NameIndex index = examineNameIndexUnlessMarked(m_folder / driveFileName);
+    if (fs::exists(storeFolder() / driveFileName, ignored)) {
+        const NameIndex index = examineNameIndexUnlessMarked(storeFolder() / driveFileName);
         stopIfFailed("look at the order of names in the drive store");
         if (index == NameIndex::Disagrees) {
             throw Failure("cannot write to the store: its index of names is in another order than this build's (" +
@@ -191,6 +196,18 @@ DatabaseService::DriverDBProvider& Session::mendDrive()
 {
     editStore(driveFileName);
     return m_drive;
+}
+
+Session::OpenedFile::OpenedFile(const fs::path& named)
+    : file(fs::absolute(named).lexically_normal()),
+      readable(file.parent_path(), file.filename(), ReadableStore::Copy::WhereNeeded, platform::toUtf8(named)),
+      database(readable.folder() / file.filename(), Database::Access::Read, platform::toUtf8(named))
+{
+}
+
+Database& Session::openToRead(const fs::path& file)
+{
+    return m_opened.emplace_back(file).database;
 }
 
 void Session::stopModules()
@@ -235,7 +252,10 @@ std::string Session::cause()
     }
     std::string reason = cutShort(fault.file);
     if (reason.empty() && fault.reason.find("no such column") != std::string::npos) {
-        reason = missingColumns(fault.file);
+        try {
+            reason = missingColumns(fault.file);
+        } catch (const Failure&) { // then the first reason is the best
+        }
     }
     return platform::toUtf8(shown(fault.file)) + ": " + (reason.empty() ? fault.reason : reason);
 }
@@ -245,7 +265,7 @@ void Session::examineStore(const std::string& what)
     const std::vector<std::string> found = StoreFile(m_store).texts("PRAGMA integrity_check(1)");
     stopIfFailed(what);
     if (found != std::vector<std::string>{"ok"}) {
-        const fs::path folder = m_readable ? m_readable->folder() : m_folder;
+        const fs::path folder = m_readable ? m_readable->folder() : storeFolder();
         StoreWatch::instance().report({folder / m_store, "damaged: " + (found.empty() ? "" : found.front())});
         throw Failure("cannot " + what);
     }
@@ -254,9 +274,9 @@ void Session::examineStore(const std::string& what)
 void Session::requireStoreFolder() const
 {
     std::error_code error;
-    const fs::file_status status = fs::status(m_folder, error);
+    const fs::file_status status = fs::status(storeFolder(), error);
     if (!fs::is_directory(status)) {
-        throw Failure("cannot open the store: " + platform::toUtf8(m_folder) +
+        throw Failure("cannot open the store: " + platform::toUtf8(storeFolder()) +
                       (!fs::status_known(status) ? ": " + error.message()
                            : fs::exists(status)  ? " is not a folder"
                                                  : " does not exist"));
@@ -273,7 +293,12 @@ void Session::useFolder(const fs::path& folder, const fs::path& store)
 /// A file as the person knows it: a temporary copy stands for its original.
 fs::path Session::shown(const fs::path& file) const
 {
-    return m_readable && file.parent_path() == m_readable->folder() ? m_folder / file.filename() : file;
+    for (const OpenedFile& opened : m_opened) {
+        if (file.parent_path() == opened.readable.folder() && file.filename() == opened.file.filename()) {
+            return opened.file;
+        }
+    }
+    return m_readable && file.parent_path() == m_readable->folder() ? storeFolder() / file.filename() : file;
 }
 
 fs::path pathFromArgument(std::string_view argument)

@@ -2,11 +2,13 @@
 
 #include "databaseservice/clouddriverdb.h"
 #include "databaseservice/driverdbprovider.h"
+#include "stores/database.h"
 #include "stores/readablestore.h"
 #include "terminal/reporter.h"
 
 #include <array>
 #include <filesystem>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,7 +45,7 @@ inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, m
                                                                 shortcutFileName};
 
 /// One run of the tool: the store it works on, what the library logs meanwhile, and where things are told.
-/// Throws a `Failure` where the store or the log file cannot be used.
+/// Throws a `Failure` where the log file cannot be used, and where the store is asked for and cannot be.
 class Session {
 public:
     explicit Session(const GlobalOptions& options);
@@ -53,12 +55,13 @@ public:
 
     bool json() const { return m_options.json; }
     /// Whether the command shows what is in a store and changes nothing of it.
-    bool onlyShows() const { return m_readable.has_value(); }
+    bool onlyShows() const { return m_readable || !m_opened.empty(); }
     Reporter& reporter() { return m_reporter; }
     /// The width to which tables on standard output are cut, 0 for no limit.
     static int outputWidth();
 
-    const std::filesystem::path& storeFolder() const { return m_folder; }
+    /// Throws where the command line names none and the current folder is none.
+    const std::filesystem::path& storeFolder() const;
     /// Makes the folder if it is missing, and says so.
     void makeStoreFolder();
 
@@ -87,6 +90,10 @@ public:
     DatabaseService::DriverDBProvider& editDrive();
     /// The drive store as it is, for a command that mends it.
     DatabaseService::DriverDBProvider& mendDrive();
+
+    /// A database file that a person named, whatever it is called, for a command that only shows: no byte of it
+    /// changes. Good until the end of the run.
+    Database& openToRead(const std::filesystem::path& file);
 
     /// One of the library's modules. Its thread runs from here on until `stopModules`, at the latest until the end of
     /// the command, whichever way that ends.
@@ -122,9 +129,18 @@ private:
     Reporter m_reporter;
     std::shared_ptr<StoreLog> m_log;
     std::shared_ptr<Logger::LogSink> m_logFile;
-    std::filesystem::path m_folder;
-    std::filesystem::path m_store; ///< the name of its file
+    mutable std::filesystem::path m_folder; ///< empty until it is asked for
+    std::filesystem::path m_store;          ///< the name of its file
+    struct OpenedFile {
+        explicit OpenedFile(const std::filesystem::path& named);
+
+        std::filesystem::path file;
+        ReadableStore readable;
+        Database database;
+    };
+
     std::optional<ReadableStore> m_readable;
+    std::list<OpenedFile> m_opened;
     DatabaseService::DriverDBProvider m_drive;
     std::optional<DatabaseService::CloudDriverDb> m_lists; // closed before the copy that it reads is removed
     std::vector<TessixDeskClient::ModuleBase*> m_modules;

@@ -7,12 +7,13 @@
 #include "databaseservice/maindatabaseprovider.h"
 #include "databaseservice/transdbconnthread.h"
 #include "platform/paths.h"
+#include "platform/scopeexit.h"
 #include "platform/text.h"
+#include "stores/database.h"
 #include "stores/session.h"
 
 #include <algorithm>
 #include <map>
-#include <memory>
 #include <sqlite3.h>
 #include <utility>
 #include <vector>
@@ -26,41 +27,14 @@ namespace {
 /// By table and column.
 using Columns = std::vector<std::pair<std::string, std::string>>;
 
-/// A connection to a file that is there, or to one in memory.
-class Connection {
-public:
-    Connection(const std::string& file, int flags, const char* vfs)
-    {
-        sqlite3* db = nullptr;
-        sqlite3_open_v2(file.c_str(), &db, flags, vfs);
-        m_db.reset(db);
-    }
-
-    Columns columns() const
-    {
-        Columns found;
-        sqlite3_stmt* statement = nullptr;
-        sqlite3_prepare_v2(m_db.get(),
-                           "SELECT tables.name, columns.name FROM sqlite_master AS tables, "
-                           "pragma_table_info(tables.name) AS columns WHERE tables.type = 'table'",
-                           -1, &statement, nullptr);
-        while (sqlite3_step(statement) == SQLITE_ROW) {
-            const auto text = [&](int column) {
-                const auto* const cell = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-                return std::string(cell == nullptr ? "" : cell);
-            };
-            found.emplace_back(text(0), text(1));
-        }
-        sqlite3_finalize(statement);
-        return found;
-    }
-
-private:
-    struct Close {
-        void operator()(sqlite3* db) const { sqlite3_close(db); }
-    };
-    std::unique_ptr<sqlite3, Close> m_db;
-};
+Columns columnsOf(Database& database)
+{
+    Columns found;
+    database.run("SELECT tables.name, columns.name FROM sqlite_master AS tables, "
+                 "pragma_table_info(tables.name) AS columns WHERE tables.type = 'table'",
+                 {}, [&](const Database::Row& row) { found.emplace_back(row.text(0), row.text(1)); });
+    return found;
+}
 
 void layDown(const std::string& fileName)
 {
@@ -90,19 +64,20 @@ Columns columnsOfLibrary(const std::string& fileName)
     if (memoryDisk == nullptr) {
         return {};
     }
-    const Connection kept(folder + ("/" + fileName), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, memory);
     GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(std::string(folder)));
     sqlite3_vfs_register(memoryDisk, 1);
+    const platform::ScopeExit backToDisk([disk] { sqlite3_vfs_register(disk, 1); });
+    Database kept(folder + ("/" + fileName), Database::Access::Create);
     layDown(fileName);
-    sqlite3_vfs_register(disk, 1);
-    return kept.columns();
+    return columnsOf(kept);
 }
 
 } // namespace
 
 std::string missingColumns(const fs::path& file)
 {
-    const Columns present = Connection(platform::toUtf8(file), SQLITE_OPEN_READONLY, nullptr).columns();
+    Database database(file);
+    const Columns present = columnsOf(database);
     std::map<std::string, std::vector<std::string>> missing;
     for (const auto& column : columnsOfLibrary(platform::toUtf8(file.filename()))) {
         const bool hasTable =
