@@ -81,12 +81,12 @@ format-check: checks-packages ## fail if a source is not formatted
 	clang-format --dry-run --Werror $(sources)
 
 .PHONY: tidy
-tidy: build/release/build.ninja checks-packages ## run clang-tidy over all sources; takes minutes
-	run-clang-tidy -quiet -p build/release -j $(JOBS) '$(CURDIR)/(infrastructure|tools|tests|benchmarks)/'
+tidy: build/tidy/build.ninja checks-packages ## run clang-tidy over all sources; takes minutes
+	run-clang-tidy -quiet -p build/tidy -j $(JOBS) '$(CURDIR)/(infrastructure|tools|tests|benchmarks)/'
 
 .PHONY: tidy-changes
-tidy-changes: build/release/build.ninja checks-packages ## the same over what changed (since SINCE, or in the last day)
-	scripts/tidy-changes build/release $(JOBS)
+tidy-changes: build/tidy/build.ninja checks-packages ## the same over what changed (since SINCE, or in the last day)
+	scripts/tidy-changes build/tidy $(JOBS)
 
 .PHONY: install-dependencies
 install-dependencies: ## install every Debian package that building, testing and checking need
