@@ -141,19 +141,28 @@ struct Albums {
     static bool write(std::vector<Current>& rows, bool) { return gallery::InsertAlbumTable(rows); }
 };
 
-/// What the three task tables share. A task is the same as long as it is about the same file.
-template <class Row> struct TaskIds {
-    static constexpr std::string_view idColumn = "Id";
-    static constexpr int64 highestId = std::numeric_limits<std::int32_t>::max();
-    static void setId(Row& row, int64 id) { row.Id = static_cast<std::int32_t>(id); }
-};
-
-struct DownloadTasks : TaskIds<DatabaseService::DownloadTaskTable> {
-    using Legacy = V10::DownloadTask;
-    using Current = DatabaseService::DownloadTaskTable;
+/// What the three task tables share; half of their columns go another way in one of them. A task is the same as long as
+/// it is about the same file.
+template <class LegacyRow, class Row> struct TaskTable {
+    using Legacy = LegacyRow;
+    using Current = Row;
     using RuleType = Rule<Legacy, Current>;
 
     static constexpr Store store = Store::Gallery;
+    static constexpr std::string_view idColumn = "Id";
+    static constexpr int64 highestId = std::numeric_limits<std::int32_t>::max();
+    static void setId(Row& row, int64 id) { row.Id = static_cast<std::int32_t>(id); }
+
+protected:
+    /// With a reader that gives the tasks of type 1, or all others.
+    static bool readBothTypes(bool (*read)(std::vector<Legacy>&, bool), std::vector<Legacy>& rows)
+    {
+        const bool first = read(rows, true);
+        return read(rows, false) && first;
+    }
+};
+
+struct DownloadTasks : TaskTable<V10::DownloadTask, DatabaseService::DownloadTaskTable> {
     static constexpr std::string_view legacyTable = "DownloadTask";
     static constexpr std::string_view table = "DownloadTask";
     static constexpr std::array rules{
@@ -181,11 +190,7 @@ struct DownloadTasks : TaskIds<DatabaseService::DownloadTaskTable> {
     };
     static_assert(rules.size() == 10 + 9);
 
-    static bool read(std::vector<Legacy>& rows)
-    {
-        const bool first = V10::GetAllDownloadTask(rows, true);
-        return V10::GetAllDownloadTask(rows, false) && first;
-    }
+    static bool read(std::vector<Legacy>& rows) { return readBothTypes(V10::GetAllDownloadTask, rows); }
     static bool write(std::vector<Current>& rows, bool)
     {
         gallery::InsertDownloadTaskTable(rows);
@@ -193,12 +198,7 @@ struct DownloadTasks : TaskIds<DatabaseService::DownloadTaskTable> {
     }
 };
 
-struct CompletedTasks : TaskIds<DatabaseService::TransferCompleteCloudTaskTable> {
-    using Legacy = V10::TransferCompleteCloudTask;
-    using Current = DatabaseService::TransferCompleteCloudTaskTable;
-    using RuleType = Rule<Legacy, Current>;
-
-    static constexpr Store store = Store::Gallery;
+struct CompletedTasks : TaskTable<V10::TransferCompleteCloudTask, DatabaseService::TransferCompleteCloudTaskTable> {
     static constexpr std::string_view legacyTable = "TransferCompleteCloudTask";
     static constexpr std::string_view table = "TransferCompleteCloudTask";
     static constexpr std::array rules{
@@ -226,11 +226,7 @@ struct CompletedTasks : TaskIds<DatabaseService::TransferCompleteCloudTaskTable>
     };
     static_assert(rules.size() == 8 + 11);
 
-    static bool read(std::vector<Legacy>& rows)
-    {
-        const bool first = V10::GetAllTransferCompleteCloudTask(rows, true);
-        return V10::GetAllTransferCompleteCloudTask(rows, false) && first;
-    }
+    static bool read(std::vector<Legacy>& rows) { return readBothTypes(V10::GetAllTransferCompleteCloudTask, rows); }
     static bool write(std::vector<Current>& rows, bool)
     {
         gallery::InsertTransferCompleteCloudTaskTable(rows);
@@ -238,12 +234,7 @@ struct CompletedTasks : TaskIds<DatabaseService::TransferCompleteCloudTaskTable>
     }
 };
 
-struct UploadTasks : TaskIds<DatabaseService::UploadTaskTable> {
-    using Legacy = V10::UploadTask;
-    using Current = DatabaseService::UploadTaskTable;
-    using RuleType = Rule<Legacy, Current>;
-
-    static constexpr Store store = Store::Gallery;
+struct UploadTasks : TaskTable<V10::UploadTask, DatabaseService::UploadTaskTable> {
     static constexpr std::string_view legacyTable = "UploadTask";
     static constexpr std::string_view table = "UploadTask";
     static constexpr std::array rules{
