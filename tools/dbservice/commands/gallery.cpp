@@ -10,9 +10,10 @@
 #include "terminal/recordfields.h"
 #include "terminal/table.h"
 
-#include <algorithm>
 #include <array>
 #include <iostream>
+#include <set>
+#include <string>
 
 namespace dbservice {
 
@@ -77,13 +78,19 @@ struct GalleryOptions {
     bool all = false;
 };
 
-/// Opens the store for reading, and gives the tables that are in it. The library lays down the others as soon as it
-/// is given the name, therefore in a copy.
-std::vector<std::string> openToRead(Session& session, const std::string& name)
+/// Opens the store for reading, and gives the names of the counted tables that are in it. The library lays down the
+/// others as soon as it is given the name, therefore in a copy.
+std::set<std::string> openToRead(Session& session, const std::string& name)
 {
     const std::filesystem::path file = pathFromArgument(name);
     session.readStore(file, ReadableStore::Copy::Always);
-    const std::vector<std::string> tables = StoreFile(file).tables();
+    StoreFile content(file);
+    std::set<std::string> tables;
+    for (const CountedTable& table : countedTables) {
+        if (content.hasTable(table.name)) {
+            tables.insert(table.name);
+        }
+    }
     store::InitGalleryDatabase(platform::toWide(name));
     session.stopIfFailed("open the gallery");
     return tables;
@@ -91,11 +98,11 @@ std::vector<std::string> openToRead(Session& session, const std::string& name)
 
 int counts(Session& session, const GalleryOptions& options)
 {
-    const std::vector<std::string> present = openToRead(session, options.name);
+    const std::set<std::string> present = openToRead(session, options.name);
     Table table({{"Table"}, {"Rows", Table::Align::Right}});
     Json json;
     for (const CountedTable& counted : countedTables) {
-        const bool missing = std::find(present.begin(), present.end(), counted.name) == present.end();
+        const bool missing = !present.contains(counted.name);
         const int rows = missing ? 0 : counted.count();
         table.add({counted.name, missing ? "no table" : grouped(rows)});
         json[counted.name] = missing ? Json() : Json(rows);

@@ -143,7 +143,8 @@ void printRemarks(const Report& report)
     }
 }
 
-int tellLosses(Session& session, const Report& report, bool dryRun)
+/// Throws a `Failure` if anything stays behind.
+void tellLosses(Session& session, const Report& report, bool dryRun)
 {
     for (const TableReport& table : report.tables) {
         if (!table.trouble.empty()) {
@@ -154,15 +155,13 @@ int tellLosses(Session& session, const Report& report, bool dryRun)
         session.reporter().warning("UBAUserLog: " + counted(report.outOfReach, "row", "rows") +
                                    " of the legacy table of this name stay behind, as no reader reaches them");
     }
-    if (!report.stopped.empty()) {
-        session.reporter().error("cannot migrate to the end: " + report.stopped);
+    if (!report.isWhole()) {
+        const std::string lost =
+            counted(report.lost, "row", "rows") + (dryRun ? " would be" : "") + " lost, see the warnings above";
+        throw Failure(report.stopped.empty()
+                          ? "cannot migrate everything: " + lost
+                          : "cannot migrate to the end: " + report.stopped + (report.lost > 0 ? "; " + lost : ""));
     }
-    if (report.isWhole()) {
-        return 0;
-    }
-    session.reporter().error("cannot migrate everything: " + counted(report.lost, "row", "rows") +
-                             (dryRun ? " would be" : "") + " lost, see the warnings above");
-    return failed;
 }
 
 int migrate(Session& session, MigrateOptions options)
@@ -202,7 +201,8 @@ int migrate(Session& session, MigrateOptions options)
         printTable(report, plan.dryRun);
         printRemarks(report);
     }
-    return tellLosses(session, report, plan.dryRun);
+    tellLosses(session, report, plan.dryRun);
+    return 0;
 }
 
 } // namespace

@@ -128,9 +128,9 @@ void show(const Session& session, const std::vector<FastAccessTable>& rows)
 int list(Session& session)
 {
     session.readStore(shortcutFileName, ReadableStore::Copy::Always);
-    const std::vector<std::string> present = StoreFile(shortcutFileName).tables();
+    const bool hasTable = StoreFile(shortcutFileName).hasTable(tableName);
     session.stopIfFailed("read the shortcuts");
-    if (std::find(present.begin(), present.end(), tableName) == present.end()) {
+    if (!hasTable) {
         throw Failure("cannot read the shortcuts: " + std::string(shortcutFileName) + " has no table " + tableName);
     }
     const std::vector<FastAccessTable> rows = readAll(session.module<FastAccessDBModule>());

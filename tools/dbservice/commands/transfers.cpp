@@ -98,10 +98,9 @@ int list(Session& session, const std::vector<const TransferTable*>& wanted)
     // A copy, so that transfers show while another program has locked their file.
     session.readStore(transferFileName, ReadableStore::Copy::Always);
     StoreFile file(transferFileName);
-    const std::vector<std::string> present = file.tables();
     int code = 0;
     for (const TransferTable* const table : wanted) {
-        if (std::find(present.begin(), present.end(), table->name) == present.end()) {
+        if (!file.hasTable(table->name)) {
             if (!session.json()) {
                 std::cout << table->name << ": no table\n";
             }

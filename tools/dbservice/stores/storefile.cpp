@@ -14,15 +14,25 @@
 
 namespace dbservice {
 
-StoreFile::StoreFile(const std::filesystem::path& fileName)
+StoreFile::StoreFile(const std::filesystem::path& fileName) : m_name(platform::toUtf8(fileName))
 {
-    SetDatabasePath(platform::toWide(platform::toUtf8(fileName)));
+    SetDatabasePath(platform::toWide(m_name));
 }
 
 std::vector<std::string> StoreFile::tables()
 {
     return texts("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite!_%' ESCAPE '!' "
                  "ORDER BY rowid");
+}
+
+bool StoreFile::hasTable(const std::string& table)
+{
+    const std::vector<std::string> found =
+        texts("SELECT type FROM sqlite_master WHERE name = " + inQuotes(table, '\'') + " COLLATE NOCASE");
+    if (!found.empty() && found.front() != "table") {
+        throw Failure("cannot read " + m_name + ": its " + table + " is a " + found.front() + " and no table");
+    }
+    return !found.empty();
 }
 
 int StoreFile::countRows(const std::string& table)

@@ -17,6 +17,8 @@ public:
 
     /// The names of the tables, as they were made one after the other, without SQLite's own.
     std::vector<std::string> tables();
+    /// Throws a `Failure` where something else has the name, such as a view.
+    bool hasTable(const std::string& table);
     int countRows(const std::string& table);
 
     // What comes from a person goes into these only when it is quoted.
@@ -25,6 +27,9 @@ public:
     int number(std::string query);
     /// The first cells of the rows that a query gives.
     std::vector<std::string> texts(const std::string& query);
+
+private:
+    std::string m_name;
 };
 
 /// A text for a statement: between marks, with each mark in it doubled.

@@ -14,13 +14,6 @@ bool isPrintfFailure(const Logger::LogEntry& entry)
     return entry.module == storeModule && entry.severity == failureLevel;
 }
 
-/// What SQLite's words for it leave out.
-std::string explanation(const std::string& message)
-{
-    return message.find("database schema has changed") == std::string::npos ? ""
-                                                                            : ", as another program is writing to it";
-}
-
 } // namespace
 
 void StoreLog::Write(const Logger::LogEntry& entry)
@@ -40,7 +33,7 @@ void StoreLog::Write(const Logger::LogEntry& entry)
         m_firstReason = StoreWatch::lastComplaint();
     }
     if (number <= shown) {
-        m_reporter.warning(m_store + ": " + entry.message + explanation(entry.message));
+        m_reporter.warning(m_store + ": " + StoreWatch::explained(entry.message));
     } else if (number == shown + 1) {
         m_reporter.warning(m_store + ": and more of the same; --log FILE keeps all of it");
     }

@@ -275,7 +275,7 @@ int openFile(sqlite3_vfs* /*vfs*/, const char* name, sqlite3_file* file, int fla
 
 void hear(void* /*unused*/, int code, const char* message)
 {
-    complaint = {toPath(fileOfThread), withoutStatement(message), false};
+    complaint = {toPath(fileOfThread), StoreWatch::explained(withoutStatement(message)), false};
     if (!isBearable(code) && !isOfSystemLayer(message)) {
         const bool damaged = (code & 0xFF) == SQLITE_CORRUPT;
         complaint.reason = (damaged ? "damaged: " : "") + std::string(sqlite3_errstr(code));
@@ -338,6 +338,12 @@ std::optional<StoreWatch::Fault> StoreWatch::fault() const
 void StoreWatch::report(const Fault& fault)
 {
     m_impl.report(fault);
+}
+
+std::string StoreWatch::explained(const std::string& message)
+{
+    const bool changed = message.find("database schema has changed") != std::string::npos;
+    return message + (changed ? ", as another program is writing to it" : "");
 }
 
 StoreWatch::Fault StoreWatch::lastComplaint()

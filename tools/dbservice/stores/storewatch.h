@@ -43,6 +43,8 @@ public:
 
     /// What SQLite last said on this thread, whether the run can bear it or not, such as "no such column: x".
     static Fault lastComplaint();
+    /// A message of SQLite's with what its words leave out.
+    static std::string explained(const std::string& message);
 
     struct Impl;
 
