@@ -2,6 +2,7 @@
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/databaseoperationbase.h"
 #include "databaseservice/engine/cellreader.h"
+#include "databaseservice/engine/connectionhold.h"
 #include "databaseservice/engine/elementsource.h"
 #include "databaseservice/engine/failurelog.h"
 #include "databaseservice/engine/keepconnection.h"
@@ -153,7 +154,9 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
     sqlite3_stmt* stmt = work.stmt;
     sqlite3* ownDb = nullptr;
     sqlite3_stmt* ownStmt = nullptr;
+    ConnectionHold ownHold; // a caller's connection is his to hold
     const auto closeOwn = [&] {
+        ownHold.letGo();
         if (sqlite3* const closing = std::exchange(ownDb, nullptr); !m_store.CloseDatabase(closing)) {
             keepConnection(closing, name(), "could not be closed");
         }
@@ -178,6 +181,7 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
         if (opened != Opened::Yes) {
             return false;
         }
+        ownHold.take(ownDb);
         db = ownDb;
     }
     if (stmt == nullptr) {
@@ -237,6 +241,7 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
     if (!CommitTransaction(db)) {
         logFailure(__LINE__, executeFunction, L"CommitTransaction failed, and database name is " + name());
         if (ownDb != nullptr) {
+            ownHold.letGo();
             keepConnection(std::exchange(ownDb, nullptr), name(), "its transaction could not be committed");
         }
         return false;

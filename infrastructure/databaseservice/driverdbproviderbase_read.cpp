@@ -1,4 +1,5 @@
 #include "databaseservice/driverdbproviderbase.h"
+#include "databaseservice/engine/connectionhold.h"
 #include "databaseservice/engine/firstcell.h"
 #include "databaseservice/engine/parameterlistsource.h"
 #include "databaseservice/engine/recordio.h"
@@ -139,6 +140,7 @@ void DriverDBProviderBase::WithStatement(const std::string& sql, const std::func
         return;
     }
     const platform::ScopeExit close([&] { CloseDatabase(db); });
+    const ConnectionHold hold(db);
     sqlite3_stmt* const statement = PrepareSql(db, sql);
     if (statement == nullptr) {
         return;
