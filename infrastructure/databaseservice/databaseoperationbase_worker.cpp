@@ -48,7 +48,7 @@ private:
     bool BeginReadWriteTransaction(sqlite3* db);
     bool CommitTransaction(sqlite3* db);
     bool ExecuteSql(sqlite3* db, const char* sql);
-    bool BindParameter(sqlite3* db, ElementSource& element, sqlite3_stmt* stmt, bool ownStatement);
+    bool BindParameter(sqlite3* db, ElementSource& element, sqlite3_stmt* stmt, ParameterWriter& parameters);
     static void GetQueryResult(sqlite3_stmt* stmt, RowSink& rows, int code);
 
     const std::wstring& name() const { return m_store.m_databaseName; }
@@ -121,13 +121,12 @@ bool DatabaseOperationBase::Worker::CommitTransaction(sqlite3* db)
 
 // A statement whose previous step failed reports that once more at the reset; the element is bound all the same.
 bool DatabaseOperationBase::Worker::BindParameter(sqlite3* db, ElementSource& element, sqlite3_stmt* stmt,
-                                                  bool ownStatement)
+                                                  ParameterWriter& parameters)
 {
     constexpr const char* function = "DatabaseOperationBase::BindParameter";
     if (sqlite3_reset(stmt) != SQLITE_OK) {
         logFailure(__LINE__, function, L"Error msg is " + errorText(db));
     }
-    ParameterWriter parameters(stmt, ownStatement ? ParameterWriter::Text::Referenced : ParameterWriter::Text::Copied);
     if (element.Bind(parameters)) {
         return true;
     }
@@ -220,8 +219,10 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
     if (work.elements == nullptr) {
         step();
     } else {
+        ParameterWriter parameters(stmt,
+                                   ownStatement ? ParameterWriter::Text::Referenced : ParameterWriter::Text::Copied);
         while (work.elements->Advance()) {
-            if (!BindParameter(db, *work.elements, stmt, ownStatement)) {
+            if (!BindParameter(db, *work.elements, stmt, parameters)) {
                 if (ownStatement) {
                     finalizeOwn();
                     logErrorText();

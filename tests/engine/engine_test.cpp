@@ -344,6 +344,21 @@ TEST_F(Engine, ListsBindInPlaceAndOnTopOfEachOther)
     EXPECT_EQ(m_store.trace.take().size(), 2U) << "an empty list begins and commits";
 }
 
+TEST_F(Engine, AParameterTakesWhatTheElementBeforeDidNotHave)
+{
+    m_file.exec("CREATE TABLE v(value)");
+    Rows expected;
+    Binds list;
+    for (const std::string cell : {"0", "0", "''", "''", "0", "7", "7", "0", "'a'", "''", "'b'", "0"}) {
+        const bool isText = cell.front() == '\'';
+        isText ? list.emplace_back().Bind(cell.substr(1, cell.size() - 2), ":value")
+               : list.emplace_back().Bind(std::stoi(cell), ":value");
+        expected.push_back({cell});
+    }
+    EXPECT_TRUE(m_store.Execute("INSERT INTO v VALUES(:value)", list));
+    EXPECT_EQ(m_file.query("SELECT value FROM v ORDER BY rowid"), expected);
+}
+
 TEST_F(Engine, AListWithRowsGivesThoseOfItsLastElement)
 {
     m_file.exec("INSERT INTO t(id, name) VALUES(1,'a'),(2,'b'),(3,'b')");
