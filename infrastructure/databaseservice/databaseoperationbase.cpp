@@ -7,9 +7,7 @@
 #include "databaseservice/engine/unitofwork.h"
 #include "platform/text.h"
 
-#include <algorithm>
 #include <chrono>
-#include <limits>
 #include <memory>
 #include <sqlite3.h>
 #include <thread>
@@ -35,7 +33,7 @@ public:
             if (kind == CellReader::Kind::Integer) {
                 row->Insert(cells.integer());
             } else {
-                row->Insert(platform::toWide(cells.text()));
+                row->Insert(cells.wideText());
             }
         }
         m_rows.push_back(row.get());
@@ -106,19 +104,6 @@ bool DatabaseOperationBase::CloseDatabase(sqlite3* db)
     logFailure(__LINE__, "DatabaseOperationBase::CloseDatabase",
                L"CloseDatabase failed, and database name is " + m_databaseName + L",Error message = " + errorText(db));
     return false;
-}
-
-sqlite3_stmt* DatabaseOperationBase::PrepareSql(sqlite3* db, std::string sql)
-{
-    // What is longer than SQLite's own limit is refused by SQLite, whatever the length says beyond it.
-    constexpr std::size_t longest = std::numeric_limits<int>::max();
-    const int length = static_cast<int>(std::min(sql.size(), longest));
-    sqlite3_stmt* stmt = nullptr;
-    if (sqlite3_prepare(db, sql.data(), length, &stmt, nullptr) != SQLITE_OK) {
-        logFailure(__LINE__, "DatabaseOperationBase::PrepareSql",
-                   L"sqlite3_prepare failed, and database name is " + m_databaseName);
-    }
-    return stmt;
 }
 
 bool DatabaseOperationBase::FinalizeStatment(sqlite3_stmt* stmt)

@@ -14,8 +14,11 @@
 #include "platform/scopeexit.h"
 #include "platform/text.h"
 
+#include <algorithm>
+#include <limits>
 #include <sqlite3.h>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace DatabaseService {
@@ -41,6 +44,7 @@ public:
 
     /// Leaves `db` null unless it is open.
     Opened OpenDatabase(sqlite3*& db);
+    sqlite3_stmt* Prepare(sqlite3* db, std::string_view sql);
     bool Execute(const UnitOfWork& work);
 
 private:
@@ -87,6 +91,19 @@ DatabaseOperationBase::Worker::Opened DatabaseOperationBase::Worker::OpenDatabas
     m_store.AfterOpen(handle);
     db = std::exchange(handle, nullptr);
     return Opened::Yes;
+}
+
+sqlite3_stmt* DatabaseOperationBase::Worker::Prepare(sqlite3* db, std::string_view sql)
+{
+    // What is longer than SQLite's own limit is refused by SQLite, whatever the length says beyond it.
+    constexpr std::size_t longest = std::numeric_limits<int>::max();
+    const int length = static_cast<int>(std::min(sql.size(), longest));
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare(db, sql.data(), length, &stmt, nullptr) != SQLITE_OK) {
+        logFailure(__LINE__, "DatabaseOperationBase::PrepareSql",
+                   L"sqlite3_prepare failed, and database name is " + name());
+    }
+    return stmt;
 }
 
 bool DatabaseOperationBase::Worker::ExecuteSql(sqlite3* db, const char* sql)
@@ -184,7 +201,7 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
         db = ownDb;
     }
     if (stmt == nullptr) {
-        ownStmt = m_store.PrepareSql(db, std::string(work.sql));
+        ownStmt = Prepare(db, work.sql);
         if (ownStmt == nullptr) {
             return false;
         }
@@ -255,6 +272,11 @@ sqlite3* DatabaseOperationBase::GetDbConnection()
     sqlite3* db = nullptr;
     Worker(*this).OpenDatabase(db);
     return db;
+}
+
+sqlite3_stmt* DatabaseOperationBase::PrepareSql(sqlite3* db, std::string sql)
+{
+    return Worker(*this).Prepare(db, sql);
 }
 
 bool run(DatabaseOperationBase& store, const UnitOfWork& work)

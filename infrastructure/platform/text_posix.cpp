@@ -56,9 +56,14 @@ std::string repairUtf8(std::string_view text)
 
 std::wstring toWide(std::string_view utf8)
 {
-    std::wstring wide(utf8.size(), L'\0'); // no character is longer in UTF-32
-    std::size_t length = 0;
-    for (std::size_t position = 0; position < utf8.size(); ++length) {
+    const std::size_t ascii = detail::skipAscii(utf8, 0);
+    std::wstring wide(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(ascii));
+    if (ascii == utf8.size()) {
+        return wide;
+    }
+    wide.resize(utf8.size()); // no character is longer in UTF-32
+    std::size_t length = ascii;
+    for (std::size_t position = ascii; position < utf8.size(); ++length) {
         if (detail::isAscii(utf8[position])) {
             wide[length] = static_cast<wchar_t>(utf8[position++]);
             continue;
@@ -76,6 +81,13 @@ std::wstring systemTextToWide(std::string_view text)
 
 std::string toUtf8(std::wstring_view wide)
 {
+    char32_t bits = 0;
+    for (const wchar_t character : wide) {
+        bits |= static_cast<char32_t>(character);
+    }
+    if (bits < 0x80) {
+        return {wide.begin(), wide.end()};
+    }
     std::size_t size = wide.size();
     for (const wchar_t character : wide) {
         if (static_cast<char32_t>(character) >= 0x80) {

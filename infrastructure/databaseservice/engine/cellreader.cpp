@@ -32,14 +32,25 @@ CellReader::Kind CellReader::next()
     return Kind::None;
 }
 
-std::string_view CellReader::text()
+std::string_view CellReader::storedText() const
 {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(m_value));
-    const std::string_view stored = bytes == nullptr ? std::string_view() : std::string_view(bytes);
+    return bytes == nullptr || *bytes == '\0' ? std::string_view() : std::string_view(bytes);
+}
+
+std::string_view CellReader::text()
+{
+    const std::string_view stored = storedText();
     if (!platform::isUtf8(stored)) [[unlikely]] {
         return m_repaired = platform::repairUtf8(stored);
     }
     return stored;
+}
+
+// The conversion repairs by itself.
+std::wstring CellReader::wideText() const
+{
+    return platform::toWide(storedText());
 }
 
 int64 CellReader::nextInteger()
@@ -72,13 +83,33 @@ void CellReader::nextText(std::string& out)
 
 void CellReader::nextText(std::wstring& out)
 {
-    std::string utf8;
-    nextText(utf8);
-    out = platform::toWide(utf8);
+    switch (next()) {
+    case Kind::Integer:
+        out = std::to_wstring(integer());
+        break;
+    case Kind::Text:
+        out = wideText();
+        break;
+    case Kind::None:
+        out.clear();
+        break;
+    }
+}
+
+CellReader::Kind CellReader::kindOfNull()
+{
+    if (m_nullKinds.empty()) {
+        m_nullKinds.resize(static_cast<std::size_t>(m_columns));
+    }
+    std::optional<Kind>& kind = m_nullKinds[static_cast<std::size_t>(m_column) - 1];
+    if (!kind) {
+        kind = kindOfDeclaration();
+    }
+    return *kind;
 }
 
 // The declared type is compared whole and with regard to case; an expression has none.
-CellReader::Kind CellReader::kindOfNull() const
+CellReader::Kind CellReader::kindOfDeclaration() const
 {
     const char* declared = sqlite3_column_decltype(m_stmt, m_column - 1);
     if (declared == nullptr || std::strcmp(declared, "INTEGER") == 0) {

@@ -2,9 +2,11 @@
 
 #include "databaseservice/integers.h"
 
+#include <optional>
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace DatabaseService {
 
@@ -31,6 +33,7 @@ public:
     /// The current cell, of kind `Text`, up to its first NUL, repaired where it is not valid UTF-8. Good until the
     /// next call.
     std::string_view text();
+    std::wstring wideText() const;
 
     /// The next cell as a number, whatever its kind; 0 without a cell.
     int64 nextInteger();
@@ -40,12 +43,15 @@ public:
     void nextText(std::wstring& out);
 
 private:
-    Kind kindOfNull() const;
+    std::string_view storedText() const;
+    Kind kindOfNull();
+    Kind kindOfDeclaration() const;
 
     sqlite3_stmt* m_stmt;
     int m_columns;
     int m_column = 0;
     sqlite3_value* m_value = nullptr;
+    std::vector<std::optional<Kind>> m_nullKinds; // of columns that had a NULL; empty before the first
     std::string m_repaired;
 };
 

@@ -92,7 +92,7 @@ template <auto Member> void readMemberStrictly(typename MemberTraits<Member>::Re
         }
     } else if (kind == CellReader::Kind::Text) {
         if constexpr (std::is_same_v<Type, std::wstring>) {
-            record.*Member = platform::toWide(cells.text());
+            record.*Member = cells.wideText();
         } else {
             record.*Member = cells.text();
         }
@@ -255,20 +255,28 @@ Statement<std::pair<First, Second>> statementOf(std::string sql, std::string fir
             {{std::move(first), &bindMember<&Pair::first>}, {std::move(second), &bindMember<&Pair::second>}}};
 }
 
-/// "a,b,c", each name between `before` and what follows it.
-template <class Record, class Text> std::string joined(const ColumnList<Record>& columns, Text text)
+/// `head`, each column's text between commas, and `tail`. `append` adds the text of one column. Every start of the
+/// stores makes many of them.
+template <class Record, class Append>
+std::string joined(std::string_view head, const ColumnList<Record>& columns, std::string_view tail, Append append)
 {
-    std::string all;
+    constexpr std::size_t usualLength = 32; // of a column
+    std::string sql;
+    sql.reserve(head.size() + columns.size() * usualLength + tail.size());
+    sql = head;
     for (const Column<Record>* column : columns) {
-        all += all.empty() ? "" : ",";
-        all += text(*column);
+        if (sql.size() != head.size()) {
+            sql += ',';
+        }
+        append(sql, *column);
     }
-    return all;
+    sql += tail;
+    return sql;
 }
 
 template <class Record> std::string names(const ColumnList<Record>& columns)
 {
-    return joined(columns, [](const Column<Record>& column) { return std::string(column.name); });
+    return joined({}, columns, {}, [](std::string& sql, const auto& column) { sql += column.name; });
 }
 
 template <class Record> std::vector<Parameter<Record>> parametersOf(const ColumnList<Record>& columns)
@@ -283,9 +291,11 @@ template <class Record> std::vector<Parameter<Record>> parametersOf(const Column
 /// `head`, which ends in an opening bracket, and the columns with their declarations.
 template <class Record> std::string createTable(std::string_view head, const ColumnList<Record>& columns)
 {
-    const std::string declarations = joined(
-        columns, [](const auto& column) { return std::string(column.name) + ' ' + std::string(column.declaration); });
-    return std::string(head) + declarations + ");";
+    return joined(head, columns, ");", [](std::string& sql, const auto& column) {
+        sql += column.name;
+        sql += ' ';
+        sql += column.declaration;
+    });
 }
 
 /// All columns, those that no statement names among them.
@@ -302,7 +312,10 @@ std::string createTable(std::string_view head, const std::array<Column<Record>, 
 /// `head`, which ends in an opening bracket, then the columns and their parameters.
 template <class Record> Statement<Record> insertStatement(std::string_view head, const ColumnList<Record>& columns)
 {
-    const std::string values = joined(columns, [](const auto& column) { return ':' + std::string(column.parameter); });
+    const std::string values = joined({}, columns, {}, [](std::string& sql, const auto& column) {
+        sql += ':';
+        sql += column.parameter;
+    });
     return {std::string(head) + names(columns) + ") VALUES (" + values + ");", parametersOf(columns)};
 }
 
@@ -311,8 +324,11 @@ template <class Record>
 Statement<Record> updateStatement(std::string_view head, const ColumnList<Record>& columns, std::string_view tail,
                                   const ColumnList<Record>& keys)
 {
-    const std::string settings = joined(
-        columns, [](const auto& column) { return std::string(column.name) + " = :" + std::string(column.parameter); });
+    const std::string settings = joined({}, columns, {}, [](std::string& sql, const auto& column) {
+        sql += column.name;
+        sql += " = :";
+        sql += column.parameter;
+    });
     Statement<Record> statement{std::string(head) + " SET " + settings + ' ' + std::string(tail),
                                 parametersOf(columns)};
     for (Parameter<Record>& key : parametersOf(keys)) {
