@@ -21,6 +21,7 @@ target_sources(clientservices PUBLIC FILE_SET HEADERS BASE_DIRS ${header_folders
   ${clientservices_headers} ${PROJECT_BINARY_DIR}/include/clientservices/export.h)
 
 set(databaseservice_headers
+  calltrace.h
   carditems.h
   clientconstants.h
   clouddriverdb.h

@@ -1,5 +1,6 @@
 #include "databaseservice/commonsqlitedb.h"
 
+#include "databaseservice/engine/calltimer.h"
 #include "databaseservice/engine/keepconnection.h"
 #include "databaseservice/handover/addresses.h"
 #include "databaseservice/korvlog.h"
@@ -155,11 +156,13 @@ bool CommonSqliteDb::ExcuteSql(const char* sql) const
         log(__LINE__, function, "db not open, excute failed");
         return false;
     }
+    CallTimer timer(m_connection->path, sql);
+    timer.opened();
     const Execution execution(handle(), sql);
     if (!execution.succeeded()) {
         LogoutDbError(execution.message(), execution.code());
     }
-    return execution.succeeded();
+    return timer.ended(execution.succeeded());
 }
 
 bool CommonSqliteDb::ExcuteMultiSql(std::list<std::string> statements)
@@ -172,6 +175,8 @@ bool CommonSqliteDb::ExcuteMultiSql(std::list<std::string> statements)
         log(__LINE__, function, "db not open, excute failed");
         return false;
     }
+    CallTimer timer(m_connection->path, statements.front());
+    timer.opened();
     if (const Execution begin(handle(), "BEGIN"); !begin.succeeded()) {
         LogoutDbError(begin.message(), begin.code());
         return false;
@@ -183,6 +188,7 @@ bool CommonSqliteDb::ExcuteMultiSql(std::list<std::string> statements)
             ++failed;
         }
     }
+    timer.worked();
     if (const Execution commit(handle(), "COMMIT"); !commit.succeeded()) {
         LogoutDbError(commit.message(), commit.code());
         return false;
@@ -190,7 +196,7 @@ bool CommonSqliteDb::ExcuteMultiSql(std::list<std::string> statements)
     if (failed > 0) {
         log(__LINE__, function, "total[%u] error[%u]", static_cast<unsigned>(statements.size()), failed);
     }
-    return true;
+    return timer.ended(true);
 }
 
 bool CommonSqliteDb::QuerySqlResult(const char* sql, std::function<void(sqlite3_stmt*&, int64)> onRow, int64 context)
@@ -202,15 +208,18 @@ bool CommonSqliteDb::QuerySqlResult(const char* sql, std::function<void(sqlite3_
         log(__LINE__, "CommonSqliteDb::QuerySqlResult", "db not open, excute failed");
         return false;
     }
+    CallTimer timer(m_connection->path, sql);
     sqlite3_stmt* statement = PreCompile(sql);
+    timer.opened();
     if (statement == nullptr) {
         return false;
     }
     const StatementEnd end(statement);
     while (sqlite3_step(statement) == SQLITE_ROW) {
+        timer.rowOut();
         onRow(statement, context);
     }
-    return true;
+    return timer.ended(true);
 }
 
 int64 CommonSqliteDb::QueryTotalCount(const char* sql, int64 value)

@@ -1,5 +1,6 @@
 #include "databaseservice/databaseoperationbase.h"
 
+#include "databaseservice/engine/calltimer.h"
 #include "databaseservice/engine/cellreader.h"
 #include "databaseservice/engine/failurelog.h"
 #include "databaseservice/engine/parameterlistsource.h"
@@ -88,7 +89,9 @@ void DatabaseOperationBase::BeforeClose(sqlite3* /*db*/) { }
 
 int DatabaseOperationBase::BusyHandler(void* /*data*/, int /*count*/)
 {
+    const auto begin = std::chrono::steady_clock::now();
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    CallTimer::waited(std::chrono::steady_clock::now() - begin);
     return 1;
 }
 

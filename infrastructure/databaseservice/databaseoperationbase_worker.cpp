@@ -1,6 +1,7 @@
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/databaseoperationbase.h"
+#include "databaseservice/engine/calltimer.h"
 #include "databaseservice/engine/cellreader.h"
 #include "databaseservice/engine/connectionhold.h"
 #include "databaseservice/engine/elementsource.h"
@@ -53,7 +54,7 @@ private:
     bool CommitTransaction(sqlite3* db);
     bool ExecuteSql(sqlite3* db, const char* sql);
     bool BindParameter(sqlite3* db, ElementSource& element, sqlite3_stmt* stmt, ParameterWriter& parameters);
-    static void GetQueryResult(sqlite3_stmt* stmt, RowSink& rows, int code);
+    static void GetQueryResult(sqlite3_stmt* stmt, RowSink& rows, int code, CallTimer& timer);
 
     const std::wstring& name() const { return m_store.m_databaseName; }
 
@@ -155,17 +156,20 @@ bool DatabaseOperationBase::Worker::BindParameter(sqlite3* db, ElementSource& el
     return false;
 }
 
-void DatabaseOperationBase::Worker::GetQueryResult(sqlite3_stmt* stmt, RowSink& rows, int code)
+void DatabaseOperationBase::Worker::GetQueryResult(sqlite3_stmt* stmt, RowSink& rows, int code, CallTimer& timer)
 {
     CellReader cells(stmt);
     for (; code == SQLITE_ROW; code = sqlite3_step(stmt)) {
         cells.rewind();
         rows.Row(cells);
+        timer.rowOut();
     }
 }
 
 bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
 {
+    const char* const prepared = work.stmt != nullptr ? sqlite3_sql(work.stmt) : nullptr;
+    CallTimer timer(name(), prepared != nullptr ? prepared : work.sql); // goes last
     sqlite3* db = work.db;
     sqlite3_stmt* stmt = work.stmt;
     sqlite3* ownDb = nullptr;
@@ -208,6 +212,7 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
         stmt = ownStmt;
     }
     const bool ownStatement = ownStmt != nullptr;
+    timer.opened();
 
     if (work.rows != nullptr && !BeginReadTransaction(db)) {
         logFailure(__LINE__, executeFunction, L"BeginReadTransaction failed, and database name is " + name());
@@ -247,16 +252,20 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
                 return giveUp();
             }
             step();
+            timer.rowIn();
         }
     }
     if (work.rows != nullptr) {
-        GetQueryResult(stmt, *work.rows, code);
+        GetQueryResult(stmt, *work.rows, code, timer);
     }
 
     if (ownStatement && !finalizeOwn()) {
         logFailure(__LINE__, executeFunction, L"Finalize failed, and error msg is " + errorText(db));
     }
-    if (!CommitTransaction(db)) {
+    timer.worked();
+    const bool committed = CommitTransaction(db);
+    timer.committed();
+    if (!committed) {
         logFailure(__LINE__, executeFunction, L"CommitTransaction failed, and database name is " + name());
         if (ownDb != nullptr) {
             ownHold.letGo();
@@ -264,7 +273,7 @@ bool DatabaseOperationBase::Worker::Execute(const UnitOfWork& work)
         }
         return false;
     }
-    return true;
+    return timer.ended(true);
 }
 
 sqlite3* DatabaseOperationBase::GetDbConnection()

@@ -42,6 +42,7 @@ TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
         {{"--folder", folder + "/foreign", "scan", folder + "/source"}, 1, "is not a database"},
         {{"--folder", folder + "/new", "scan", folder + "/source/file"}, 1, "cannot read the folder"},
         {{"--folder", folder + "/source", "--log", folder + "/odd", "init"}, 1, "cannot write the log file"},
+        {{"--folder", folder + "/source", "--trace", folder + "/none/x", "init"}, 1, "cannot write the trace file"},
     };
     const fs::path before = fs::current_path();
     fs::current_path(m_folder.path());
@@ -558,6 +559,24 @@ TEST_F(Tool, FailuresOfTheLibraryReachThePerson)
     EXPECT_TRUE(contains(onStore({"stat", "id:x"}).err, "its own ancestor"));
     EXPECT_TRUE(contains(onStore({"ls", "id:x"}).err, "warning: the folder id:y is below itself"));
     EXPECT_TRUE(contains(onStore({"stat", "id:z"}).err, "warning: the folder id:none has no row"));
+}
+
+// A slice for each call, and its stages below it.
+TEST_F(Tool, TracesWhatCallsTake)
+{
+    writeFile(source() / "a", "x");
+    const std::string trace = platform::toUtf8(m_folder.path() / "trace.json");
+    ASSERT_EQ(onStore({"--trace", trace, "scan", platform::toUtf8(source())}).code, 0);
+    std::map<std::string, int> slices;
+    for (const json& slice : json::parse(bytesOf(trace))) {
+        EXPECT_EQ(slice["ph"], "X");
+        EXPECT_GE(slice["dur"], 0);
+        ++slices[slice.contains("args") ? "calls on " + slice["args"]["store"].get<std::string>()
+                                        : slice["name"].get<std::string>()];
+    }
+    for (const char* const name : {"calls on DriveModuleData.dat", "open", "work", "commit"}) {
+        EXPECT_GT(slices[name], 0) << name;
+    }
 }
 
 // A table that refuses updates stands for a full disk: nothing may be swept when rows could not be written.

@@ -38,6 +38,11 @@ Command describeProgram(GlobalOptions& options)
                     {.type = "STORE"}),
                 argument<&GlobalOptions::logFile>(
                     "--log", "Write everything that the library logs to FILE, rotated at 10 MiB", {.type = "FILE"}),
+                argument<&GlobalOptions::traceFile>("--trace",
+                                                    "Write to FILE what each call of the library takes: to open, to "
+                                                    "wait for locks, to work, to commit; "
+                                                    "the trace viewers of browsers open it",
+                                                    {.type = "FILE"}),
                 argument<&GlobalOptions::waitSeconds>(
                     "--wait", "How long to wait for a file that another program has locked",
                     {.showsDefault = true, .type = "SECONDS", .range = Range{0, longestWait}}),

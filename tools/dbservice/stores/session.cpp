@@ -75,6 +75,9 @@ Session::Session(const GlobalOptions& options) : m_options(options), m_log(std::
             throw Failure("cannot write the log file " + options.logFile + ": " + error.what());
         }
     }
+    if (!options.traceFile.empty()) {
+        m_trace.emplace(pathFromArgument(options.traceFile));
+    }
     Logger::CloudLogger::GetInstance()->AddSink(m_log);
     Logger::CloudLogger::GetInstance()->AddSink(m_logFile);
 }

@@ -4,6 +4,7 @@
 #include "databaseservice/driverdbprovider.h"
 #include "stores/database.h"
 #include "stores/readablestore.h"
+#include "stores/tracefile.h"
 #include "terminal/reporter.h"
 
 #include <array>
@@ -28,8 +29,9 @@ class StoreLog;
 
 /// What the command line says for every command.
 struct GlobalOptions {
-    std::string folder;  ///< empty: the current folder, if it holds store files
-    std::string logFile; ///< empty: none
+    std::string folder;    ///< empty: the current folder, if it holds store files
+    std::string logFile;   ///< empty: none
+    std::string traceFile; ///< likewise
     bool json = false;
     bool quiet = false;
     double waitSeconds = 3; ///< for a lock that another program has
@@ -129,6 +131,7 @@ private:
     Reporter m_reporter;
     std::shared_ptr<StoreLog> m_log;
     std::shared_ptr<Logger::LogSink> m_logFile;
+    std::optional<TraceFile> m_trace;
     mutable std::filesystem::path m_folder; ///< empty until it is asked for
     std::filesystem::path m_store;          ///< the name of its file
     struct OpenedFile {

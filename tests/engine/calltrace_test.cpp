@@ -1,0 +1,84 @@
+#include "databaseservice/calltrace.h"
+#include "databaseservice/driverdbprovider.h"
+#include "support/sqlitefile.h"
+#include "support/storetest.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace DatabaseService;
+using namespace testsupport;
+using namespace std::chrono_literals;
+
+namespace {
+
+struct Call {
+    std::string store;
+    std::string statement;
+    CallTrace times;
+};
+
+class CallTraces : public StoreTest {
+protected:
+    CallTraces()
+    {
+        m_drive.InitDatabase();
+        SetCallTrace([this](const CallTrace& call) {
+            m_calls.push_back({std::string(call.store), std::string(call.statement), call});
+        });
+    }
+    ~CallTraces() override { SetCallTrace({}); }
+
+    DriverDBProvider m_drive;
+    std::vector<Call> m_calls;
+};
+
+TEST_F(CallTraces, EachCallTellsItsStoreItsStatementAndItsRows)
+{
+    std::vector<DriveDataTable> rows(3);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        rows[i].SetFileid(std::to_string(i));
+    }
+    EXPECT_TRUE(m_drive.InsertDriveDataBatch(rows));
+    EXPECT_EQ(m_drive.GetALLDriveData().size(), 3U);
+    m_drive.ExecuteSQL("UPDATE none SET x = 1"); // gives true whatever happens
+    EXPECT_FALSE(m_log.take().empty());
+    SetCallTrace({});
+    m_drive.CountDriverData();
+
+    ASSERT_EQ(m_calls.size(), 3U);
+    EXPECT_EQ(m_calls[0].store, "DriveModuleData.dat");
+    EXPECT_EQ(m_calls[0].statement.substr(0, 11), "INSERT INTO");
+    EXPECT_EQ(m_calls[0].times.rowsIn, 3U);
+    EXPECT_EQ(m_calls[1].times.rowsOut, 3U);
+    EXPECT_TRUE(m_calls[1].times.succeeded);
+    EXPECT_FALSE(m_calls[2].times.succeeded);
+    EXPECT_GT(m_calls[0].times.opening + m_calls[0].times.working, 0ns);
+    EXPECT_GT(m_calls[0].times.committing, 0ns);
+}
+
+TEST_F(CallTraces, TheWaitForALockIsToldApart)
+{
+    SqliteFile other(path(L"DriveModuleData.dat"));
+    other.exec("BEGIN IMMEDIATE");
+    std::thread release([&] {
+        std::this_thread::sleep_for(200ms);
+        other.exec("COMMIT");
+    });
+    m_drive.DeleteAllDriveData();
+    release.join();
+    ASSERT_EQ(m_calls.size(), 1U);
+    EXPECT_GT(m_calls[0].times.waiting, 100ms);
+    EXPECT_LT(m_calls[0].times.working, m_calls[0].times.waiting);
+}
+
+TEST_F(CallTraces, ACallbackThatThrowsChangesNothing)
+{
+    SetCallTrace([](const CallTrace&) { throw std::runtime_error("not now"); });
+    EXPECT_TRUE(m_drive.DeleteAllDriveData());
+}
+
+} // namespace
