@@ -51,6 +51,13 @@ test-windows: build/mingw/build.ninja ## build for Windows and run all tests und
 	ctest --preset mingw --parallel $(JOBS)
 	scripts/test-windows-tool.sh build/mingw/bin/dbservice.exe
 
+.PHONY: test-report
+test-report: build/release/build.ninja ## look at a report page in a browser, and leave pictures in build/report
+	@scripts/install-dependencies browser
+	cmake --build --preset release --target dbservice
+	mkdir -p build/report
+	/usr/bin/python3 tests/report/page_test.py build/release/bin/dbservice build/report/scratch build/report
+
 .PHONY: build-clang
 build-clang: build/clang/build.ninja ## build the libraries and their tests with clang, too
 	cmake --build --preset clang

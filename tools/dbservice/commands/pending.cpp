@@ -1,16 +1,12 @@
 #include "command.h"
-#include "databaseservice/databasebindparameter.h"
 #include "drive/drivetree.h"
 #include "drive/listpage.h"
 #include "drive/pendinglist.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 
-#include <algorithm>
-#include <array>
 #include <iostream>
-#include <string_view>
-#include <tuple>
+#include <set>
 
 namespace dbservice {
 
@@ -18,33 +14,17 @@ using DatabaseService::DriveDataTable;
 
 namespace {
 
-constexpr const char* anyMarker = "newBatchId <> 0 OR uploadBatchId <> 0 OR renameBatchId <> 0 OR moveBatchId <> 0 OR "
-                                  "softDelBatchId <> 0 OR hardDelBatchId <> 0 OR restoreBatchId <> 0";
-
-constexpr std::array<std::string_view, 7> order{"new", "upload", "rename", "move", "bin", "final", "restore"};
-
-/// By operation, then by the number that ties the rows of one action together, then by name.
-bool comesFirst(const PendingOperation& left, const PendingOperation& right)
-{
-    const auto key = [](const PendingOperation& operation) {
-        const auto place = std::find(order.begin(), order.end(), operation.marker.operation);
-        return std::tuple(place, operation.marker.batchId, operation.row.GetName());
-    };
-    return key(left) < key(right);
-}
-
 int pending(Session& session)
 {
     DatabaseService::DriverDBProvider& drive = session.readDrive();
-    DatabaseService::DatabaseBindParameter none;
-    std::vector<PendingOperation> operations;
-    const std::vector<DriveDataTable> rows = drive.GetDriveDataByWhereSql(anyMarker, none);
-    for (const DriveDataTable& row : rows) {
-        for (const Marker& marker : markersOf(row)) {
-            operations.push_back({row, marker});
+    const std::vector<PendingOperation> operations = pendingOperations(drive);
+    std::vector<DriveDataTable> rows;
+    std::set<std::string> ids;
+    for (const PendingOperation& operation : operations) {
+        if (ids.insert(operation.row.GetFileid()).second) {
+            rows.push_back(operation.row);
         }
     }
-    std::stable_sort(operations.begin(), operations.end(), comesFirst);
     warnOfStrays(session, rows);
     DriveTree tree(drive);
     showPending(session, tree, operations);

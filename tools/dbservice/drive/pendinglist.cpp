@@ -1,13 +1,18 @@
 #include "drive/pendinglist.h"
 
+#include "databaseservice/databasebindparameter.h"
 #include "drive/drivefields.h"
 #include "drive/drivetree.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
 #include "terminal/table.h"
 
+#include <algorithm>
+#include <array>
 #include <iostream>
 #include <map>
+#include <string_view>
+#include <tuple>
 
 namespace dbservice {
 
@@ -36,7 +41,35 @@ std::map<std::string, std::string> pathsOfTargets(DriveTree& tree, const std::ve
     return paths;
 }
 
+constexpr const char* anyMarker = "newBatchId <> 0 OR uploadBatchId <> 0 OR renameBatchId <> 0 OR moveBatchId <> 0 OR "
+                                  "softDelBatchId <> 0 OR hardDelBatchId <> 0 OR restoreBatchId <> 0";
+
+constexpr std::array<std::string_view, 7> order{"new", "upload", "rename", "move", "bin", "final", "restore"};
+
+/// By operation, then by the number that ties the rows of one action together, then by name.
+bool comesFirst(const PendingOperation& left, const PendingOperation& right)
+{
+    const auto key = [](const PendingOperation& operation) {
+        const auto place = std::find(order.begin(), order.end(), operation.marker.operation);
+        return std::tuple(place, operation.marker.batchId, operation.row.GetName());
+    };
+    return key(left) < key(right);
+}
+
 } // namespace
+
+std::vector<PendingOperation> pendingOperations(DatabaseService::DriverDBProvider& drive)
+{
+    DatabaseService::DatabaseBindParameter none;
+    std::vector<PendingOperation> operations;
+    for (const DriveDataTable& row : drive.GetDriveDataByWhereSql(anyMarker, none)) {
+        for (const Marker& marker : markersOf(row)) {
+            operations.push_back({row, marker});
+        }
+    }
+    std::stable_sort(operations.begin(), operations.end(), comesFirst);
+    return operations;
+}
 
 void showPending(const Session& session, DriveTree& tree, const std::vector<PendingOperation>& operations)
 {
