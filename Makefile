@@ -21,9 +21,14 @@ help:
 	@sed -n 's/^\([a-z-]*\):.*## \(.*\)/make \1\t\2/p' Makefile | expand -t 27
 
 .PHONY: demo
-demo: build/release/build.ninja ## put a real folder into a store, change it, bring the store up to date (FOLDER=/usr/share)
-	cmake --build --preset release --target dbservice legacysample
-	scripts/demo.sh build/release/bin/dbservice "$$FOLDER"
+demo: build/release/build.ninja ## see what it is for, in a quarter of a minute after the build (FOLDER=/usr/share)
+	@scripts/build-quietly release dbservice legacysample
+	@scripts/demo/story.sh build/release/bin/dbservice "$$FOLDER"
+
+.PHONY: demo-full
+demo-full: build/release/build.ninja ## the same with all commands, at length
+	@scripts/build-quietly release dbservice legacysample
+	@scripts/demo/full.sh build/release/bin/dbservice "$$FOLDER"
 
 .PHONY: legacy-sample
 legacy-sample: build/release/build.ninja ## make up build/legacy/legacy-sample.dat, to try `dbservice migrate` on (ROWS=10000)

@@ -258,7 +258,7 @@ constexpr std::array uglyRows{
 
 } // namespace
 
-void write(const fs::path& file, int64 rows)
+void write(const fs::path& file, int64 rows, Content content)
 {
     fs::remove(file);
     std::ofstream(file).close(); // the reader lays down tables in files that are there
@@ -271,9 +271,11 @@ void write(const fs::path& file, int64 rows)
     addTasks(sample, rows);
     addProperties(sample);
     addLogs(sample, "UserLog", rows / 10 + 3);
-    addLogs(sample, "UBAUserLog", rows / 50 + 3);
-    for (const char* const row : uglyRows) {
-        sample.exec(row);
+    if (content == Content::Ugly) {
+        addLogs(sample, "UBAUserLog", rows / 50 + 3); // which no reader reaches
+        for (const char* const row : uglyRows) {
+            sample.exec(row);
+        }
     }
     sample.exec("COMMIT");
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Shows the command-line tool at work on a real folder: demo.sh PROGRAM FOLDER
+# Shows the command-line tool at work on a real folder, with all of its commands: full.sh PROGRAM FOLDER
 #
 # FOLDER is only read. What is changed and scanned again is a working copy of it under build/demo with the same names,
 # sizes and times and without the contents, which the store does not look at. It is made in a second or two and takes
@@ -14,30 +14,8 @@ tree=$demo/tree
 tree_store=$demo/tree-store
 pictures=$demo/pictures
 
-say() { printf '\n# %s\n' "$*"; }
-
-run()
-{
-    printf '$'
-    printf ' %q' "$@"
-    printf '\n'
-    "$@"
-}
-
-# Copies names, kinds, modes, times and links, then gives every file its size. What may not be read is left out.
-copy_without_contents()
-{
-    cp -a --no-preserve=ownership --attributes-only "$source/." "$tree" 2>/dev/null || true
-    chmod -R u+rwX "$tree"
-    { find "$source" -type f -size +0 -printf '%s\t%T@\t%P\0' 2>/dev/null || true; } |
-        (cd "$tree" && perl -0 -ne '
-            chomp;
-            my ($size, $time, $path) = split /\t/, $_, 3;
-            truncate $path, $size and utime $time, $time, $path;')
-}
-
-# The folders at the top, the one with the most entries in its whole subtree first.
-top_folders() { find "$tree" -mindepth 1 -maxdepth 1 -type d -exec du --inodes -s {} + | sort -rn | cut -f2; }
+# shellcheck source=common.sh
+. "$(dirname -- "$0")/common.sh"
 
 # Up to 500 of the pictures, with their folders; a few made-up files where there are none.
 collect_pictures()
@@ -52,14 +30,6 @@ collect_pictures()
             echo "made up: $name" >"$pictures/$name"
         done
     fi
-}
-
-# The folder with the most entries of its own, as the store names it.
-fullest_folder()
-{
-    { find "$source" -mindepth 2 -printf '/%P\n' 2>/dev/null || true; } |
-        sed 's|/[^/]*$||' | sort | uniq -c | sort -rn |
-        awk 'NR == 1 { sub(/^ *[0-9]+ /, ""); print }'
 }
 
 [ -d "$source" ] || { echo "demo: $source is not a folder" >&2; exit 1; }
