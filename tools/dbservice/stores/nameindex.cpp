@@ -2,6 +2,7 @@
 
 #include "databaseservice/driverdbprovider.h"
 #include "platform/namecompare.h"
+#include "stores/database.h"
 #include "stores/nameindexmark.h"
 #include "stores/rowwalk.h"
 
@@ -31,34 +32,35 @@ std::optional<std::int64_t> numberOf(const char* query)
     return whole ? std::optional(number) : std::nullopt;
 }
 
-/// Whether the index has all rows, and each name is in its place behind the one before it in the order of this build.
-/// Equal names stand in the order of their row numbers.
-bool isInOrder()
-{
-    std::int64_t rows = -1; // the last one is the table's number
-    std::int64_t number = 0;
-    bool agrees = true;
-    std::string before;
-    std::int64_t beforeRow = 0;
-    bool comparable = false;
-    const bool whole = RowWalk().run(inOrder, [&](sqlite3_stmt* row) {
-        ++rows;
-        number = sqlite3_column_int64(row, 1);
-        if (sqlite3_column_type(row, 0) != SQLITE_TEXT) {
-            comparable = false; // the order of what is no text is the same in every build
-            return;
+/// Takes the rows of `inOrder`, and tells whether the index has all of them and each name is in its place behind the
+/// one before it in the order of this build. Equal names stand in the order of their row numbers.
+class OrderCheck {
+public:
+    void add(bool isText, std::string_view name, std::int64_t row)
+    {
+        ++m_rows;
+        m_number = row;
+        if (isText && m_comparable) {
+            const int order = platform::compareNames(m_before, name);
+            m_agrees = m_agrees && (order < 0 || (order == 0 && m_beforeRow < row));
         }
-        const std::string_view name = textAt(row, 0);
-        if (comparable) {
-            const int order = platform::compareNames(before, name);
-            agrees = agrees && (order < 0 || (order == 0 && beforeRow < number));
+        m_comparable = isText; // the order of what is no text is the same in every build
+        if (isText) {
+            m_before = name;
+            m_beforeRow = row;
         }
-        before = name;
-        beforeRow = number;
-        comparable = true;
-    });
-    return whole && agrees && rows == number;
-}
+    }
+
+    NameIndex result() const { return m_agrees && m_rows == m_number ? NameIndex::Agrees : NameIndex::Disagrees; }
+
+private:
+    std::int64_t m_rows = -1; // the last one is the table's number
+    std::int64_t m_number = 0;
+    bool m_agrees = true;
+    std::string m_before;
+    std::int64_t m_beforeRow = 0;
+    bool m_comparable = false;
+};
 
 } // namespace
 
@@ -67,7 +69,22 @@ NameIndex examineNameIndex()
     if (numberOf(stored) == 0) {
         return NameIndex::Absent;
     }
-    return isInOrder() ? NameIndex::Agrees : NameIndex::Disagrees;
+    OrderCheck check;
+    const bool whole = RowWalk().run(inOrder, [&](sqlite3_stmt* row) {
+        check.add(sqlite3_column_type(row, 0) == SQLITE_TEXT, textAt(row, 0), sqlite3_column_int64(row, 1));
+    });
+    return whole ? check.result() : NameIndex::Disagrees;
+}
+
+NameIndex examineNameIndex(Database& database)
+{
+    if (database.number(stored) == 0) {
+        return NameIndex::Absent;
+    }
+    OrderCheck check;
+    database.run(inOrder, {},
+                 [&](const Database::Row& row) { check.add(row.type(0) == SQLITE_TEXT, row.text(0), row.number(1)); });
+    return check.result();
 }
 
 NameIndex examineNameIndexUnlessMarked(const std::filesystem::path& file)

@@ -4,6 +4,7 @@
 #include "databaseservice/driverdbprovider.h"
 #include "stores/database.h"
 #include "stores/readablestore.h"
+#include "stores/storekind.h"
 #include "stores/tracefile.h"
 #include "terminal/reporter.h"
 
@@ -36,11 +37,6 @@ struct GlobalOptions {
     bool quiet = false;
     double waitSeconds = 3; ///< for a lock that another program has
 };
-
-inline constexpr const char* driveFileName = "DriveModuleData.dat";
-inline constexpr const char* mainFileName = "main.dat";
-inline constexpr const char* shortcutFileName = "FastAccess.dat";
-inline constexpr const char* transferFileName = "transmission.dat";
 
 /// The files by which a folder is known to be a store.
 inline constexpr std::array<std::string_view, 4> storeFileNames{driveFileName, mainFileName, transferFileName,

@@ -90,6 +90,7 @@ bool isOfSystemLayer(std::string_view message)
 /// The file that the thread locked or opened last: what SQLite says next on it is about that.
 thread_local std::string fileOfThread;
 thread_local StoreWatch::Fault complaint;
+thread_local StoreWatch::Bearing* bearing = nullptr;
 
 /// A statement's text follows some reasons, in quotes.
 std::string withoutStatement(const std::string& message)
@@ -114,8 +115,14 @@ struct StoreWatch::Impl {
     void report(const Fault& found)
     {
         const std::lock_guard lock(mutex);
-        if (!fault) {
-            fault = found;
+        keep(found);
+    }
+
+    void keep(const Fault& found)
+    {
+        std::optional<Fault>& first = bearing == nullptr ? fault : bearing->m_fault;
+        if (!first) {
+            first = found;
         }
     }
 
@@ -146,12 +153,10 @@ struct StoreWatch::Impl {
             const std::string number =
                 seconds == std::floor(seconds) ? grouped(std::llround(seconds)) : twoDecimals(seconds);
             givenUp.insert(open.name);
-            if (!fault) {
-                fault = {toPath(open.name),
-                         "locked by another program for " + number + (number == "1" ? " second" : " seconds") +
-                             "; --wait SECONDS waits longer",
-                         true};
-            }
+            keep({toPath(open.name),
+                  "locked by another program for " + number + (number == "1" ? " second" : " seconds") +
+                      "; --wait SECONDS waits longer",
+                  true});
             return SQLITE_IOERR_LOCK;
         }
         if (waited >= noticed && !std::exchange(refusals.told, true) && onWait) {
@@ -195,9 +200,7 @@ struct StoreWatch::Impl {
         if (page == open.firstFreePage) {
             return false; // the only free page of a file may be such
         }
-        if (!fault) {
-            fault = {toPath(open.name), "damaged: page " + std::to_string(page) + " holds only zeros", false};
-        }
+        keep({toPath(open.name), "damaged: page " + std::to_string(page) + " holds only zeros", false});
         return true;
     }
 };
@@ -349,6 +352,16 @@ std::string StoreWatch::explained(const std::string& message)
 StoreWatch::Fault StoreWatch::lastComplaint()
 {
     return complaint;
+}
+
+StoreWatch::Bearing::Bearing()
+{
+    bearing = this;
+}
+
+StoreWatch::Bearing::~Bearing()
+{
+    bearing = nullptr;
 }
 
 } // namespace dbservice

@@ -48,6 +48,24 @@ public:
 
     struct Impl;
 
+    /// While one lives, what is met on its thread is kept here and does not make the run's answers worthless: for a
+    /// command that looks at damaged files on purpose. One at a time.
+    class Bearing {
+    public:
+        Bearing();
+        Bearing(const Bearing&) = delete;
+        Bearing& operator=(const Bearing&) = delete;
+        ~Bearing();
+
+        /// The first one, if there was any.
+        const std::optional<Fault>& fault() const { return m_fault; }
+
+    private:
+        friend struct StoreWatch::Impl;
+
+        std::optional<Fault> m_fault;
+    };
+
 private:
     StoreWatch();
 
