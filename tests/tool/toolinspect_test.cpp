@@ -82,4 +82,94 @@ TEST_F(ToolInspect, TheTablesTellWhichFileItIs)
     EXPECT_TRUE(contains(ran.out, "shortcut list")) << "the others are shown all the same";
 }
 
+TEST_F(ToolInspect, CheckTellsWhatIsWrong)
+{
+    const std::string row = " WHERE name = 'b1'";
+    const std::string others = "UPDATE DriveDataTable SET ";
+    struct Case {
+        std::string file, change, severity, what;
+    };
+    const std::vector<Case> cases{
+        {"DriveModuleData.dat", "", "", ""},
+        {"DriveModuleData.dat", "parentId = 'nowhere'", "warning", "its folder nowhere has no row"},
+        {"DriveModuleData.dat", "parentId = ''", "error", "a second root"},
+        {"DriveModuleData.dat", "parentId = fileId", "error", "it is below itself"},
+        {"DriveModuleData.dat", "parentId = (SELECT fileId FROM DriveDataTable WHERE name = 'b2')", "warning",
+         "is a file"},
+        {"DriveModuleData.dat", "fileId = ''", "error", "its id is empty"},
+        {"DriveModuleData.dat", "size = x'00'", "error", "size: 1 row holds a binary value"},
+        {"DriveModuleData.dat", "size = 'big'", "warning", "size: 1 row holds a text"},
+        {"DriveModuleData.dat", "version = 1.5", "warning", "version: 1 row holds a number with a fraction"},
+        {"DriveModuleData.dat", "recycled = NULL", "warning", "recycled: 1 row holds NULL"},
+        {"DriveModuleData.dat", "kind = NULL", "note", "kind: 1 row holds NULL"},
+        {"DriveModuleData.dat", "localAbsolutePath = NULL, device = NULL", "", ""},
+        {"DriveModuleData.dat", "hardDelete = 1", "warning", "hardDelBatchId is 0"},
+        {"DriveModuleData.dat", "moveParentId = 'x'", "note", "moveBatchId is 0"},
+        {"DriveModuleData.dat", "moveBatchId = 7, moveParentId = 'x'", "warning", "waits to go to the folder x"},
+        {"DriveModuleData.dat", "renameBatchId = 7", "warning", "renameName does not tell"},
+        {"DriveModuleData.dat", "DROP INDEX sizeIndex", "warning", "there is no index sizeIndex"},
+        {"DriveModuleData.dat", "ALTER TABLE DriveDataTable DROP COLUMN data4", "error", "lacks the column data4"},
+        {"main.dat", "CREATE TABLE more(x)", "note", "none of the library's"},
+        {"FastAccess.dat", "DROP TABLE FastAccess", "note", "no table of the library's"},
+    };
+    for (const auto& [file, change, severity, what] : cases) {
+        SCOPED_TRACE(file + " " + change);
+        const std::string renamed = copy(file);
+        const bool isStatement = change.empty() || isupper(static_cast<unsigned char>(change[0])) != 0;
+        SqliteFile(utf8Path(renamed), SqliteFile::Collation::NameCompare)
+            .exec(isStatement ? change : others + change + row);
+        const std::string before = bytesOf(utf8Path(renamed));
+        const Ran ran = run({"--json", "check", renamed});
+        EXPECT_EQ(ran.code, severity == "error" ? 1 : 0) << ran.out;
+        EXPECT_TRUE(bytesOf(utf8Path(renamed)) == before);
+        const json first = lineOf({"--json", "check", renamed});
+        EXPECT_EQ(first.value("severity", ""), severity) << ran.out;
+        EXPECT_TRUE(contains(ran.out, what));
+    }
+
+    const std::string damaged = copy("g.dat");
+    zero(damaged, 3);
+    EXPECT_TRUE(contains(run({"check", damaged}).out, "damaged: page 3 holds only zeros"));
+    SqliteFile other(storeFile());
+    other.exec("BEGIN IMMEDIATE");
+    EXPECT_TRUE(contains(onStore({"check"}).out, "another program is writing to it now"));
+    EXPECT_EQ(onStore({"check"}).code, 0);
+    other.exec("COMMIT; BEGIN EXCLUSIVE");
+    EXPECT_TRUE(contains(onStore({"--wait", "0.1", "check"}).out, "locked by another program for 0.10 seconds"));
+}
+
+TEST_F(ToolInspect, RepairMakesIndexesAnewAndNothingElse)
+{
+    const std::string file = copy("DriveModuleData.dat");
+    const auto rowsOf = [&] {
+        return SqliteFile(utf8Path(file)).text("SELECT rowid, * FROM DriveDataTable NOT INDEXED");
+    };
+    {
+        SqliteFile foreign(utf8Path(file)); // whose order is another
+        sqlite3_create_collation(foreign.handle(), "NameCompare", SQLITE_UTF8, nullptr,
+                                 [](void*, int, const void* left, int, const void* right) {
+                                     return *static_cast<const char*>(right) - *static_cast<const char*>(left);
+                                 });
+        foreign.exec("REINDEX nameIndex; DROP INDEX sizeIndex; DROP INDEX parentIdIndex; "
+                     "CREATE INDEX parentIdIndex ON DriveDataTable(kind)");
+    }
+    const std::string before = bytesOf(utf8Path(file));
+    const std::string rowsBefore = rowsOf();
+    {
+        SqliteFile other(utf8Path(file));
+        other.exec("BEGIN IMMEDIATE");
+        const Ran ran = run({"--wait", "0.1", "check", "--repair", file});
+        EXPECT_EQ(ran.code, 1);
+        EXPECT_TRUE(contains(ran.err, "locked by another program") && contains(ran.err, "the file is as it was"));
+    }
+    EXPECT_TRUE(bytesOf(utf8Path(file)) == before);
+    writeFile(utf8Path(file + ".before-repair"), "taken");
+    const json repaired = lineOf({"--json", "check", "--repair", file});
+    EXPECT_EQ(repaired["copy"], file + ".before-repair-2");
+    constexpr std::size_t header = 100; // where SQLite counts its own work
+    EXPECT_TRUE(bytesOf(utf8Path(file + ".before-repair-2")).substr(header) == before.substr(header));
+    EXPECT_EQ(rowsOf(), rowsBefore);
+    EXPECT_EQ(run({"check", file}).out, "0 errors, 0 warnings, 0 notes in 1 file\n");
+}
+
 } // namespace
