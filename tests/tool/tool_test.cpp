@@ -6,6 +6,7 @@
 #include "support/tooltest.h"
 
 #include <chrono>
+#include <iomanip>
 #include <numeric>
 #include <string_view>
 
@@ -86,7 +87,11 @@ TEST_F(Tool, HelpEndsWithAnExampleThatIsUnderstood)
         }
         if (std::getline(help, line)) {
             std::istringstream words(line.substr(line.find("dbservice ") + 10));
-            EXPECT_NE(onStore({std::istream_iterator<std::string>(words), {}}).code, 2) << line;
+            Arguments example;
+            for (std::string word; words >> std::quoted(word);) {
+                example.push_back(word);
+            }
+            EXPECT_NE(onStore(example).code, 2) << line;
             ++examples;
         } else {
             EXPECT_EQ(command, Arguments{});

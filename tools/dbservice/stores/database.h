@@ -52,6 +52,8 @@ public:
     explicit Database(const std::filesystem::path& file, Access access = Access::Read, const std::string& called = {});
 
     sqlite3* handle() const { return m_db.get(); }
+    /// The file as the person knows it.
+    const std::string& called() const { return m_called; }
 
     /// Runs one statement, with the values for its question marks.
     void run(std::string_view statement, const std::vector<Value>& values = {}, const OnRow& onRow = {});
@@ -64,9 +66,10 @@ public:
     std::vector<std::string> tables();
     std::vector<std::string> columns(const std::string& table);
 
-private:
+    /// Throws the `Failure` with what SQLite said last.
     [[noreturn]] void fail(const char* verb) const;
 
+private:
     struct Close {
         void operator()(sqlite3* db) const;
     };

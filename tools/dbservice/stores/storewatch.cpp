@@ -61,7 +61,7 @@ unsigned bigEndian(const unsigned char* bytes, int count)
 }
 
 /// Whether a code that SQLite tells is about one statement or about nothing bad: its text, the shape of a table, a row
-/// that it refuses, a lock, a note.
+/// that it refuses, a lock, a note, a statement that the tool itself ended.
 bool isBearable(int code)
 {
     switch (code & 0xFF) {
@@ -69,7 +69,9 @@ bool isBearable(int code)
     case SQLITE_ERROR:
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
+    case SQLITE_INTERRUPT:
     case SQLITE_SCHEMA:
+    case SQLITE_TOOBIG:
     case SQLITE_CONSTRAINT:
     case SQLITE_AUTH:
     case SQLITE_NOTICE:
