@@ -73,4 +73,65 @@ TEST_F(ToolQuery, AReadingStatementRunsAndNothingElse)
         "n\n0\n"));
 }
 
+TEST_F(ToolQuery, TwoCopiesAreComparedRowByRow)
+{
+    const fs::path other = m_folder.path() / "other.db";
+    const std::string names[]{platform::toUtf8(storeFile()), platform::toUtf8(other)};
+    const auto compared = [&](const std::string& change) {
+        fs::copy_file(storeFile(), other, fs::copy_options::overwrite_existing);
+        SqliteFile(other, SqliteFile::Collation::NameCompare).exec(change);
+        std::string said;
+        for (json line : rows({"diff", names[0], names[1]})) {
+            if (line.contains("same")) {
+                for (const char* unimportant : {"before", "after", "columnsCame", "columnsWent"}) {
+                    said += line[unimportant] == true || line[unimportant].empty() ? "" : line.dump() + "\n";
+                }
+                continue;
+            }
+            line.erase("row"); // has all columns
+            said += line.dump() + "\n";
+        }
+        return said;
+    };
+    changeStore(
+        "CREATE TABLE keyed(a UNIQUE, b TEXT NOT NULL UNIQUE COLLATE NOCASE, c); CREATE TABLE bare(x); "
+        "INSERT INTO keyed VALUES(NULL, 'B', 1), (NULL, 'a', 2), (3, 'c', x'00'); INSERT INTO bare VALUES(1), (2);"
+        "CREATE TABLE pairs(a, b, c, PRIMARY KEY(b, a)) WITHOUT ROWID; "
+        "INSERT INTO pairs VALUES(2, 1.5, 'p'), (9007199254740993, 'x', 'q'), (9007199254740992, 'x', 'r')");
+    const std::pair<std::string, std::string> cases[]{
+        {"", ""},
+        {"UPDATE keyed SET c = c + 1 WHERE b = 'A'",
+         R"({"change":"changed","columns":{"c":{"new":3,"old":2}},"key":{"b":"a"},"table":"keyed"})"},
+        {"UPDATE keyed SET c = '1' WHERE b = 'b'", R"("columns":{"c":{"new":"1","old":1}})"},
+        {"UPDATE keyed SET c = '\n' WHERE b = 'c'", R"("columns":{"c":{"new":)"},
+        {"DELETE FROM bare WHERE x = 1", R"({"change":"went","key":{"rowid":1},"table":"bare"})"},
+        {"INSERT INTO bare VALUES(3)", R"({"change":"came","key":{"rowid":3},"table":"bare"})"},
+        {"DELETE FROM pairs WHERE c = 'r'",
+         R"({"change":"went","key":{"a":9007199254740992,"b":"x"},"table":"pairs"})"},
+        {"ALTER TABLE bare ADD COLUMN y", R"("columnsCame":["y"])"},
+        {"ALTER TABLE bare RENAME x TO y", R"("columnsWent":["x"])"},
+        {"DROP TABLE bare", R"("went":2)"},
+        {"CREATE TABLE new(x)", R"("before":false)"},
+    };
+    for (const auto& [change, told] : cases) {
+        SCOPED_TRACE(change);
+        const std::string said = compared(change);
+        EXPECT_TRUE(contains(said, told));
+        EXPECT_EQ(said.empty(), change.empty()) << said;
+    }
+    compared(
+        "UPDATE DriveDataTable SET size = 8 WHERE name = 'b.txt'; DELETE FROM DriveDataTable WHERE name = 'a9.txt'");
+    const Ran shown = onStore({"diff", names[0], names[1]});
+    EXPECT_TRUE(contains(shown.out, " name='b.txt': size 5 -> 8\n"));
+    EXPECT_TRUE(contains(shown.out, "DriveDataTable      0     1        1     2\n"));
+    EXPECT_TRUE(contains(onStore({"diff", names[0], names[0], "--summary"}).out, "No differences"));
+
+    const std::string folder = platform::toUtf8(m_folder.path() / "copies");
+    fs::copy(store(), folder);
+    fs::remove(utf8Path(folder) / "main.dat");
+    EXPECT_TRUE(contains(onStore({"diff", folder, platform::toUtf8(store())}).err, "holds main.dat"));
+    EXPECT_TRUE(refused(onStore({"diff", folder, names[0]}), "is not a file"));
+    EXPECT_TRUE(refused(onStore({"diff", folder, platform::toUtf8(source())}), "no stores of the same name"));
+}
+
 } // namespace

@@ -1,5 +1,7 @@
 #include "stores/cellvalue.h"
 
+#include "stores/storefile.h"
+
 #include <sqlite3.h>
 #include <string_view>
 
@@ -47,6 +49,11 @@ std::string cellText(const Database::Row& row, int column)
     default:
         return std::string(row.text(column));
     }
+}
+
+std::string cellLiteral(const Database::Row& row, int column)
+{
+    return row.type(column) == SQLITE_TEXT ? inQuotes(row.text(column), '\'') : cellText(row, column);
 }
 
 } // namespace dbservice

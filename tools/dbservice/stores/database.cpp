@@ -73,7 +73,10 @@ double Database::Row::real(int column) const
 
 std::string_view Database::Row::text(int column) const
 {
-    const auto* const bytes = static_cast<const char*>(sqlite3_column_blob(m_statement, column));
+    // A file may keep its texts as UTF-16; only a blob comes as it is.
+    const auto* const bytes = type(column) == SQLITE_BLOB
+        ? static_cast<const char*>(sqlite3_column_blob(m_statement, column))
+        : reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
     const int size = sqlite3_column_bytes(m_statement, column);
     return bytes == nullptr ? std::string_view() : std::string_view(bytes, static_cast<std::size_t>(size));
 }
