@@ -4,6 +4,8 @@
 #include "support/sqlitefile.h"
 #include "support/tooltest.h"
 
+#include <cctype>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -132,6 +134,171 @@ TEST_F(ToolQuery, TwoCopiesAreComparedRowByRow)
     EXPECT_TRUE(contains(onStore({"diff", folder, platform::toUtf8(store())}).err, "holds main.dat"));
     EXPECT_TRUE(refused(onStore({"diff", folder, names[0]}), "is not a file"));
     EXPECT_TRUE(refused(onStore({"diff", folder, platform::toUtf8(source())}), "no stores of the same name"));
+}
+
+/// The words of a text, in lower case: runs of three letters and more, with a vowel where they are ASCII.
+std::vector<std::string> wordsOf(const std::string& text)
+{
+    std::vector<std::string> words;
+    std::string word;
+    for (const char letter : text + ' ') {
+        if (std::isalpha(static_cast<unsigned char>(letter)) != 0 || static_cast<unsigned char>(letter) >= 0x80) {
+            word += static_cast<char>(letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter);
+        } else {
+            if (word.size() >= 3 && word.find_first_of("aeiou\xC3\xD0\xE5\xE6") != std::string::npos) {
+                words.push_back(word);
+            }
+            word.clear();
+        }
+    }
+    return words;
+}
+
+std::string lower(std::string text)
+{
+    for (char& letter : text) {
+        letter = static_cast<char>(letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter);
+    }
+    return text;
+}
+
+TEST_F(ToolQuery, ARedactedCopyHoldsNoWordOfTheStores)
+{
+    const std::string names[]{"IMG_7.jpg",
+                              "IMG_70.jpg",
+                              "IMG_7a.jpg",
+                              "Same Letter.txt",
+                              "same letter.TXT",
+                              ".secret",
+                              "_draft 2024",
+                              "2024 holiday/007.png",
+                              "2024 holiday/7.png",
+                              "Mother's Day.backup",
+                              "\xC3\x9C"
+                              "berraschung.pdf",
+                              "\xD0\x9F\xD0\xB8\xD1\x81\xD1\x8C\xD0\xBC\xD0\xBE.txt",
+                              "\xE5\x86\x99\xE7\x9C\x9F/\xE6\x9D\xB1.png"};
+    std::string content;
+    for (const std::string& name : names) {
+        writeFile(source() / utf8Path(name), content += 'x'); // sizes tell them apart
+    }
+    ASSERT_EQ(scan().code, 0);
+    ASSERT_EQ(onStore({"init", "--gallery", "Eve's gallery.dat"}).code, 0);
+    ASSERT_EQ(onStore({"properties", "set", "greeting", "dear diary C:\\Users\\eve\\IMG_7.jpg"}).code, 0);
+    ASSERT_EQ(onStore({"transfers", "add", "upload", "--name", "IMG_7.jpg", "--path", "/home/eve/IMG_7.jpg"}).code, 0);
+    changeStore("CREATE TABLE other(a INTEGER PRIMARY KEY AUTOINCREMENT, b BLOB UNIQUE, c CHECK(c <> 'x')); "
+                "INSERT INTO other VALUES(7, x'536563726574', 'confidential'), (8, 'confidential', 3.5); "
+                "PRAGMA secure_delete = 0; CREATE TABLE gone(t); INSERT INTO gone VALUES('eliminated' || "
+                "zeroblob(9000)); DROP TABLE gone");
+    ASSERT_TRUE(contains(bytesOf(storeFile()), "eliminated"));
+    const fs::path copy = m_folder.path() / "copy";
+    const Ran copied = onStore({"copy-out", platform::toUtf8(copy), "--redact"});
+    ASSERT_EQ(copied.code, 0) << copied.err;
+
+    std::string bytes;
+    for (const auto& [name, held] : contents(copy)) {
+        bytes += lower(held) + '\n' + lower(name);
+        for (const std::vector<std::string>& object : SqliteFile(copy / name).query("SELECT sql FROM sqlite_master")) {
+            const std::string sql = lower(object[0].substr(1, object[0].size() - 2));
+            const std::size_t at = bytes.find(sql);
+            bytes.erase(at == std::string::npos ? 0 : at, at == std::string::npos ? 0 : sql.size());
+        }
+    }
+    std::set<std::string> words{"eliminated"};
+    for (const auto& [name, ignored] : contents(store())) {
+        SqliteFile file(store() / utf8Path(name));
+        for (const std::vector<std::string>& table :
+             file.query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite%'")) {
+            for (const std::vector<std::string>& row : file.query("SELECT * FROM " + table[0])) {
+                for (const std::string& cell : row) {
+                    const bool isKept = !cell.starts_with("'") || cell.starts_with("'application/") ||
+                        cell.starts_with("'image/") || cell.starts_with("'text/") || cell == "'drive#file'" ||
+                        cell.ends_with("Table'");
+                    for (const std::string& word : wordsOf(isKept ? "" : cell)) {
+                        words.insert(word);
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GT(words.size(), 30U);
+    for (const std::string& word : words) {
+        EXPECT_EQ(bytes.find(word), std::string::npos) << word;
+    }
+
+    const std::string folder = platform::toUtf8(copy);
+    const std::string queries[]{
+        "SELECT size, mimeType FROM DriveDataTable ORDER BY name COLLATE NameCompare, size",
+        "SELECT count(*) FROM DriveDataTable AS child JOIN DriveDataTable AS parent ON child.parentId = parent.fileId",
+        "SELECT count(DISTINCT name), count(DISTINCT name COLLATE NameCompare) FROM DriveDataTable "
+        "WHERE name NOT LIKE '%.png'",
+        "SELECT a, typeof(b), typeof(c), length(b) > 0 FROM other",
+        "SELECT seq FROM sqlite_sequence",
+        "SELECT name, sql FROM sqlite_master ORDER BY name",
+        "PRAGMA integrity_check"};
+    for (const std::string& query : queries) {
+        EXPECT_EQ(run({"--folder", folder, "query", query}).out, onStore({"query", query}).out);
+    }
+    const auto one = [](const fs::path& file, const std::string& query) { return SqliteFile(file).value(query); };
+    const std::string name = one(copy / "DriveModuleData.dat", "SELECT name FROM DriveDataTable WHERE size = 1");
+    EXPECT_EQ(name.size(), std::string("'KQ7ZW2.jpg'").size());
+    EXPECT_EQ(one(copy / "transmission.dat", "SELECT fileName FROM UploadTaskTable"), name);
+    EXPECT_TRUE(contains(one(copy / "main.dat", "SELECT Value FROM UserProperties"), "\\" + name.substr(1)));
+    EXPECT_TRUE(fs::exists(copy / "gallery1.dat"));
+
+    changeStore("CREATE VIRTUAL TABLE words USING fts5(t)");
+    EXPECT_TRUE(refused(onStore({"copy-out", folder + "2", "--redact"}), "it holds a virtual table"));
+    EXPECT_TRUE(refused(onStore({"copy-out", folder}), "is there already"));
+    EXPECT_FALSE(fs::exists(folder + "2"));
+}
+
+TEST_F(ToolQuery, ACopyIsWholeWhateverGoesOn)
+{
+    const std::string folder = platform::toUtf8(m_folder.path() / "copy");
+    const auto size = [&] {
+        const Ran asked =
+            run({"--folder", folder, "query", "--csv", "SELECT size FROM DriveDataTable WHERE name = 'b.txt'"});
+        fs::remove_all(utf8Path(folder));
+        return asked.out;
+    };
+    const auto before = contents(store());
+    ASSERT_EQ(onStore({"copy-out", folder}).code, 0);
+    EXPECT_EQ(contents(store()), before);
+    EXPECT_EQ(contents(utf8Path(folder)).size(), before.size());
+    EXPECT_EQ(size(), "size\r\n5\r\n");
+    {
+        SqliteFile client(storeFile(), SqliteFile::Collation::NameCompare);
+        client.exec("PRAGMA cache_size = 1; BEGIN; UPDATE DriveDataTable SET size = 7");
+        ASSERT_EQ(onStore({"copy-out", folder}).code, 0) << "while a client is about to change something";
+        EXPECT_EQ(size(), "size\r\n5\r\n");
+        client.exec("COMMIT; BEGIN EXCLUSIVE");
+        EXPECT_TRUE(
+            refused(onStore({"--wait", "0.1", "copy-out", folder}), "DriveModuleData.dat: locked by another program"));
+        EXPECT_TRUE(refused(onStore({"--wait", "0.1", "query", "SELECT * FROM DriveDataTable"}), "locked"));
+        client.exec("UPDATE DriveDataTable SET size = 8; PRAGMA cache_spill = 1");
+        // What a program leaves that is ended in the middle.
+        for (const char* ending : {"", "-journal"}) {
+            fs::copy_file(storeFile().string() + ending, platform::toUtf8(m_folder.path() / "left.dat") + ending);
+        }
+    }
+    SqliteFile(storeFile()).exec("PRAGMA journal_mode = WAL");
+    ASSERT_EQ(onStore({"copy-out", folder}).code, 0);
+    EXPECT_EQ(size(), "size\r\n7\r\n");
+    SqliteFile(storeFile()).exec("PRAGMA journal_mode = DELETE");
+    for (const char* ending : {"", "-journal"}) {
+        fs::rename(platform::toUtf8(m_folder.path() / "left.dat") + ending, storeFile().string() + ending);
+    }
+    const auto left = contents(store());
+    EXPECT_EQ(onStore({"copy-out", folder}).err, "") << "with a journal that has to be undone";
+    EXPECT_EQ(size(), "size\r\n7\r\n");
+    EXPECT_EQ(contents(store()), left);
+    const std::string bytes = bytesOf(storeFile());
+    writeFile(storeFile(), std::string(bytes).replace(4096, 4096, 4096, '\0'));
+    fs::remove(storeFile().string() + "-journal");
+    ASSERT_EQ(onStore({"copy-out", folder}).code, 0);
+    EXPECT_EQ(bytesOf(utf8Path(folder) / "DriveModuleData.dat").substr(4096), bytesOf(storeFile()).substr(4096));
+    EXPECT_TRUE(refused(onStore({"copy-out", folder + "2", "--redact"}), "damaged: page 2"));
+    EXPECT_FALSE(fs::exists(folder + "2"));
 }
 
 } // namespace

@@ -204,7 +204,9 @@ DatabaseService::DriverDBProvider& Session::mendDrive()
 Session::OpenedFile::OpenedFile(const fs::path& named)
     : file(fs::absolute(named).lexically_normal()),
       readable(file.parent_path(), file.filename(), ReadableStore::Copy::WhereNeeded, platform::toUtf8(named)),
-      database(readable.folder() / file.filename(), Database::Access::Read, platform::toUtf8(named))
+      database(readable.folder() / file.filename(), // where a journal has to be undone, it is in a copy
+               readable.folder() == file.parent_path() ? Database::Access::Read : Database::Access::Write,
+               platform::toUtf8(named))
 {
 }
 

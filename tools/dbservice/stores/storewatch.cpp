@@ -93,6 +93,7 @@ bool isOfSystemLayer(std::string_view message)
 thread_local std::string fileOfThread;
 thread_local StoreWatch::Fault complaint;
 thread_local StoreWatch::Bearing* bearing = nullptr;
+thread_local bool copiesPages = false;
 
 /// A statement's text follows some reasons, in quotes.
 std::string withoutStatement(const std::string& message)
@@ -195,7 +196,7 @@ struct StoreWatch::Impl {
         if (offset <= freePageAt && offset + count >= freePageAt + 4) {
             open.firstFreePage = bigEndian(bytes + freePageAt - offset, 4);
         }
-        if (!empty || open.pageSize == 0) {
+        if (!empty || open.pageSize == 0 || copiesPages) {
             return false;
         }
         const auto page = static_cast<unsigned>(offset / open.pageSize) + 1;
@@ -349,6 +350,14 @@ std::string StoreWatch::explained(const std::string& message)
 {
     const bool changed = message.find("database schema has changed") != std::string::npos;
     return message + (changed ? ", as another program is writing to it" : "");
+StoreWatch::CopiesPages::CopiesPages()
+{
+    copiesPages = true;
+}
+
+StoreWatch::CopiesPages::~CopiesPages()
+{
+    copiesPages = false;
 }
 
 StoreWatch::Fault StoreWatch::lastComplaint()

@@ -41,6 +41,16 @@ public:
     /// Adds what somebody else found.
     void report(const Fault& fault);
 
+    /// As long as one stands, pages are copied and not read: one that holds only zeros is no fault, since it may be
+    /// unused.
+    class CopiesPages {
+    public:
+        CopiesPages();
+        CopiesPages(const CopiesPages&) = delete;
+        CopiesPages& operator=(const CopiesPages&) = delete;
+        ~CopiesPages();
+    };
+
     /// What SQLite last said on this thread, whether the run can bear it or not, such as "no such column: x".
     static Fault lastComplaint();
     /// A message of SQLite's with what its words leave out.
