@@ -48,6 +48,7 @@ set(databaseservice_headers
   legacyrecords.h
   maindatabaseprovider.h
   maindbsqlprovider.h
+  storefiles.h
   transdbconn.h
   transdbconnthread.h
   transferrecords.h

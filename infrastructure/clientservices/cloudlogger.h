@@ -21,15 +21,18 @@ class LogSink;
 /// own links its own library in place of this one and gives `GetInstance` and `Output` only.
 class CLIENTSERVICES_EXPORT CloudLogger {
 public:
+    /// The process has one.
     static CloudLogger* GetInstance();
 
     CloudLogger(const CloudLogger&) = delete;
     CloudLogger& operator=(const CloudLogger&) = delete;
 
+    ///@{
     /// Severity 5 with `flag` true marks a failure, severity 2 a start line, severity 1 the line of an open.
     /// `function` is a qualified function name; null stands for an empty one. The narrow message is UTF-8.
     void Output(int module, int severity, int line, const char* function, const std::string& message, bool flag);
     void Output(int module, int severity, int line, const char* function, const std::wstring& message, bool flag);
+    ///@}
 
     /// Adds nothing when `sink` is null or there already.
     void AddSink(std::shared_ptr<LogSink> sink);

@@ -15,6 +15,7 @@
 /// place of this one and gives the getters only.
 class CLIENTSERVICES_EXPORT GlobalParamWrapper {
 public:
+    /// The process has one.
     static GlobalParamWrapper* GetInstance();
 
     GlobalParamWrapper(const GlobalParamWrapper&) = delete;
@@ -32,11 +33,14 @@ public:
     /// Whether lists show files whose content is lost. False by default.
     bool GetEnableShowLostDiskFile() const;
 
+    ///@{
+    /// Sets what the getter of this name gives from now on.
     void SetUserDataBaseFolder(const std::wstring& folder);
     void SetUserCachePath(const std::wstring& path);
     void SetServerTime(std::int64_t seconds);
     void SetRecyFileAutoDelInterval(int days);
     void SetEnableShowLostDiskFile(bool enabled);
+    ///@}
 
 private:
     GlobalParamWrapper() = default;

@@ -10,16 +10,16 @@
 
 namespace Logger {
 
-/// One line of the log as its writer gave it. `message` is UTF-8 whichever form it came in.
+/// One line of the log as its writer gave it.
 struct LogEntry {
-    int module = 0;
-    int severity = 0;
-    int line = 0;
-    std::string function;
-    std::string message;
-    bool flag = false;
-    std::string tag;  ///< of a printf-style line, else empty
-    std::string file; ///< of a printf-style line, else empty
+    int module = 0;       ///< the writer's number
+    int severity = 0;     ///< see `CloudLogger::Output`
+    int line = 0;         ///< in the source file
+    std::string function; ///< with its namespaces and its class
+    std::string message;  ///< UTF-8, whichever form it came in
+    bool flag = false;    ///< with severity 5, tells a failure
+    std::string tag;      ///< of a printf-style line, else empty
+    std::string file;     ///< of a printf-style line, else empty
 
     /// A failure by the rule of `CloudLogger::Output`.
     bool IsFailure() const { return severity == 5 && flag; }
@@ -33,6 +33,7 @@ public:
     LogSink& operator=(const LogSink&) = delete;
     virtual ~LogSink();
 
+    /// Takes a line. The entry is good for the length of the call.
     virtual void Write(const LogEntry& entry) = 0;
 };
 
@@ -42,8 +43,11 @@ public:
     CaptureSink();
     ~CaptureSink() override;
 
+    /// Keeps a copy.
     void Write(const LogEntry& entry) override;
+    /// All lines so far, in the order in which they came.
     std::vector<LogEntry> Entries() const;
+    /// Forgets the lines so far.
     void Clear();
 
 private:

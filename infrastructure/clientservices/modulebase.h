@@ -22,11 +22,14 @@ public:
     /// module's own thread calls. May be called again, and by several threads: all of them wait.
     virtual void StopWork();
 
+    ///@{
+    /// A notification; the name tells of what. Does nothing here.
     virtual void OnInit();
     virtual void OnUserLogin();
     virtual void OnUserLogout();
     virtual void OnIntervalCheck();
     virtual void OnResetdatabase();
+    ///@}
 };
 
 } // namespace TessixDeskClient

@@ -17,6 +17,7 @@ namespace CommonAbility {
 /// message's id; the thread goes on with the next message.
 class CLIENTSERVICES_EXPORT MsgThreadAbility : public korvThread {
 public:
+    /// Called with the two parameters of the message as they were posted.
     using MessageHandler = std::function<void(std::uint64_t shortParameter, std::int64_t longParameter)>;
 
     /// The first id that `BindMessage` hands out: WM_APP, above all messages of the system. The rest follow in steps

@@ -16,15 +16,18 @@ namespace DatabaseService::ClientConstants {
 
 // --- Mime types that no extension stands for ----------------------------------------------------------------------
 
+/// Of folders.
 inline constexpr std::string_view folderMimeType = DriveDataTable::folderMimeType;
 /// Of a file about which nothing is known.
 inline constexpr std::string_view unknownMimeType = "application/octet-stream";
+///@{
 /// Of entries of a file system that are neither files nor folders.
 inline constexpr std::string_view linkMimeType = "inode/symlink";
 inline constexpr std::string_view fifoMimeType = "inode/fifo";
 inline constexpr std::string_view socketMimeType = "inode/socket";
 inline constexpr std::string_view blockDeviceMimeType = "inode/blockdevice";
 inline constexpr std::string_view characterDeviceMimeType = "inode/chardevice";
+///@}
 
 // --- Extensions ---------------------------------------------------------------------------------------------------
 
@@ -47,9 +50,9 @@ enum class ExtensionGroup : std::int32_t {
 
 /// An extension in lower case without its dot, and what it stands for.
 struct KnownExtension {
-    std::string_view extension;
-    std::string_view mimeType;
-    ExtensionGroup group;
+    std::string_view extension; ///< in lower case, without a dot
+    std::string_view mimeType;  ///< never empty
+    ExtensionGroup group;       ///< never `Unknown`
 };
 
 /// Sorted by extension.
@@ -722,12 +725,14 @@ constexpr const KnownExtension* findExtension(std::string_view fileName) noexcep
         : nullptr;
 }
 
+/// The mime type by extension, `unknownMimeType` without a known one.
 constexpr std::string_view mimeTypeOf(std::string_view fileName) noexcept
 {
     const KnownExtension* const known = findExtension(fileName);
     return known == nullptr ? unknownMimeType : known->mimeType;
 }
 
+/// The kind by extension, `Unknown` without a known one.
 constexpr ExtensionGroup groupOf(std::string_view fileName) noexcept
 {
     const KnownExtension* const known = findExtension(fileName);
@@ -751,8 +756,11 @@ inline constexpr auto extensionsOf = [] {
 // --- Icons --------------------------------------------------------------------------------------------------------
 // Below the client's folder of resources.
 
+///@{
+/// The icons of folders, and of files of unknown kind.
 inline constexpr std::string_view folderIconPath = "FileIcon/folder.png";
 inline constexpr std::string_view unknownIconPath = "FileIcon/unknown.png";
+///@}
 
 /// The icon of a kind of files.
 constexpr std::string_view iconPathOf(ExtensionGroup group) noexcept
@@ -805,45 +813,62 @@ static_assert(std::all_of(knownExtensions.begin(), knownExtensions.end(),
 // --- Albums -------------------------------------------------------------------------------------------------------
 // What stands in `Lpath` of the albums that every gallery has; the user's own lie below `userAlbumsPath`.
 
+///@{
+/// The album of this kind.
 inline constexpr std::string_view cameraAlbumPath = "/Camera";
 inline constexpr std::string_view screenshotAlbumPath = "/Screenshots";
 inline constexpr std::string_view videoAlbumPath = "/Videos";
 inline constexpr std::string_view favoriteAlbumPath = "/Favorites";
 inline constexpr std::string_view recycleAlbumPath = "/Recycled";
+///@}
+/// What the paths of the user's own albums begin with.
 inline constexpr std::string_view userAlbumsPath = "/Albums/";
 
 // --- Requests -----------------------------------------------------------------------------------------------------
 // Paths behind the address of the server, which the client is told when it signs in.
 
+///@{
 /// One listing of all items; what changed since; where the next list of changes begins.
 inline constexpr std::string_view driveFilesPath = "/drive/files";
 inline constexpr std::string_view driveChangesPath = "/drive/changes";
 inline constexpr std::string_view driveStartCursorPath = "/drive/cursor";
-/// Contents and previews.
+///@}
+/// Contents on their way to the cloud.
 inline constexpr std::string_view driveUploadPath = "/drive/upload";
+/// Contents on their way from it.
 inline constexpr std::string_view driveDownloadPath = "/drive/download";
+/// Previews.
 inline constexpr std::string_view driveThumbnailPath = "/drive/thumbnails";
-/// Many actions in one request; space taken and left.
+/// Many actions in one request.
 inline constexpr std::string_view driveBatchPath = "/drive/batch";
+/// Space taken and left.
 inline constexpr std::string_view driveSpacePath = "/drive/space";
+
+///@{
+/// As the requests of these names for the drive.
 inline constexpr std::string_view galleryFilesPath = "/gallery/files";
 inline constexpr std::string_view galleryAlbumsPath = "/gallery/albums";
 inline constexpr std::string_view galleryChangesPath = "/gallery/changes";
+///@}
 /// Where the logs of usage go.
 inline constexpr std::string_view usageLogPath = "/usage/logs";
 
 // --- Settings -----------------------------------------------------------------------------------------------------
 // Keys of `UserProperties`. Values are text: flags "0" or "1", numbers in digits.
 
+/// The folder that is synchronised.
 inline constexpr const wchar_t* syncCloudFolderKey = UserProperties::syncCloudFolderKey;
 /// The folder that downloads go to.
 inline constexpr const wchar_t* downloadFolderKey = L"DownloadFolder";
+///@{
 /// Flags: start with the system; bring new pictures to the gallery; tell the user when a transfer is complete.
 inline constexpr const wchar_t* startWithSystemKey = L"StartWithSystem";
 inline constexpr const wchar_t* automaticUploadKey = L"AutomaticUpload";
 inline constexpr const wchar_t* notifyCompletionKey = L"NotifyCompletion";
+///@}
 /// Bytes per second; 0 for no limit.
 inline constexpr const wchar_t* uploadLimitKey = L"UploadLimit";
+/// As `uploadLimitKey`.
 inline constexpr const wchar_t* downloadLimitKey = L"DownloadLimit";
 /// Transfers that run at the same time.
 inline constexpr const wchar_t* parallelTransfersKey = L"ParallelTransfers";

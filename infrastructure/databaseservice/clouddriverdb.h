@@ -68,10 +68,14 @@ public:
     /// Opens the file, unless the path is still empty.
     CloudDriverDb();
 
+    ///@{
+    /// One page of a folder's folders or files: at most `count` of them, from the one with the number `offset` on,
+    /// which counts from 0.
     bool QueryChildFolder(std::string parentId, int offset, int count, CLOUD_DB_SORT_TYPE sort,
                           std::vector<DriveDataTable>& out);
     bool QueryChildFile(std::string parentId, int offset, int count, CLOUD_DB_SORT_TYPE sort,
                         std::vector<DriveDataTable>& out);
+    ///@}
     /// What was recycled at `time` or before, in seconds since 1970-01-01 UTC on the server's clock.
     bool QueryRecycleExpiredFile(int offset, int count, int64 time, std::vector<DriveDataTable>& out);
     /// False, without a query, for a view outside the five classes.
@@ -93,9 +97,13 @@ public:
     /// The state of a full task; -1 for an empty or unknown id.
     int64 GetFullTaskStatus(const std::string& fileId);
 
+    /// All that is neither in the bin nor on its way there or back, folders included.
     int64 GetTotalNumber();
+    /// The folders among them.
     int64 GetTotalFolderNumber();
+    /// All that is recycled, folders included.
     int64 GetRecycleTotalNumber();
+    /// The folders among them.
     int64 GetRecycleFolderNumber();
     /// All rows under a folder, hidden ones too; 0 for an empty id.
     int64 GetSubAllNumber(std::string parentId);
@@ -103,6 +111,7 @@ public:
     int64 GetSubFolderNumber(std::string parentId);
     /// An empty id is asked for like any other.
     int64 GetSubFileNumber(std::string parentId);
+    /// `GetSubFolderNumber` and `GetSubFileNumber` in one call.
     void GetFolderChildNumber(std::string parentId, int64& folders, int64& files);
     /// `folders` counts expired ones too, which no list shows; `files` does not.
     void GetRecycleChildNumber(int64& folders, int64& files);
@@ -110,6 +119,7 @@ public:
     int64 GetTypeTotalNumber(CLOUD_DB_VIEW_TYPE view);
 
 protected:
+    /// Registers the order of names.
     void OpenAfter(sqlite3* db) override;
 
 private:

@@ -40,12 +40,15 @@ public:
     bool OpenUnicodePath(const wchar_t* path);
     /// In the system's code page, which is UTF-8 except on Windows. Null gives false and changes nothing.
     bool OpenAnsiPath(const char* path);
+    /// Whether there is a handle, be it of a failed open.
     bool IsOpen() const;
+    /// Does nothing without a handle.
     void Close();
 
     /// In milliseconds and taken as it is; 0 and less do not wait. Holds for an open connection at once.
     void setBusyTimeout(int timeout);
 
+    /// Runs one statement and lets its rows go. The name is spelled so on purpose.
     bool ExcuteSql(const char* sql) const;
     /// All in one transaction. A statement that fails is left out and logged; the others are committed, and the
     /// result is true.

@@ -20,14 +20,20 @@ public:
     void Bind(const std::wstring& value, const std::string& name);
     /// UTF-8, made wide; text that is not valid UTF-8 is repaired on the way.
     void Bind(const std::string& value, const std::string& name);
+    ///@{
+    /// As a 64-bit number.
     void Bind(const int& value, const std::string& name);
     void Bind(const int64& value, const std::string& name);
+    ///@}
     /// 0 or 1.
     void Bind(const bool& value, const std::string& name);
     /// A literal, as any pointer, would silently become a `bool`.
     template <class Pointee> void Bind(const Pointee* value, const std::string& name) = delete;
+    ///@{
+    /// Both in one: the value first, the name second.
     void Bind(const std::pair<std::wstring, std::string>& valueAndName);
     void Bind(const std::pair<int64, std::string>& valueAndName);
+    ///@}
 };
 
 } // namespace DatabaseService

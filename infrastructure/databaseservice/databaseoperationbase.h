@@ -44,6 +44,7 @@ public:
 
 protected:
     DatabaseOperationBase() = default;
+    /// Takes the file's name below the user's folder.
     explicit DatabaseOperationBase(const std::wstring& name);
 
     /// Called after every successful open: the place for what a connection needs, such as a collation.
@@ -61,12 +62,16 @@ protected:
     bool CloseDatabase(sqlite3* db);
     /// Compiles the first statement of UTF-8 text. Null on failure, and for text that holds no statement.
     sqlite3_stmt* PrepareSql(sqlite3* db, std::string sql);
+    /// Ends a statement of `PrepareSql`. True for null.
     bool FinalizeStatment(sqlite3_stmt* stmt);
 
+    ///@{
     /// Deletes the rows and the list. Always false; nobody reads the result.
     bool FreeQueryResult(std::list<DatabaseQueryResult*>* rows);
     bool FreeTable(std::list<DatabaseQueryResult*>* rows);
+    ///@}
 
+    ///@{
     /// Runs a statement under "BEGIN IMMEDIATE;". Lists of bindings run the statement once per element, in one
     /// transaction, and move the elements' cursors; a single binding is copied first and stays as it is. An empty
     /// list begins and commits and runs nothing.
@@ -88,7 +93,9 @@ protected:
     bool Execute(sqlite3* db, const std::string& sql, std::list<DatabaseBindParameter>& binds);
     bool Execute(sqlite3* db, sqlite3_stmt* stmt);
     bool Execute(sqlite3* db, sqlite3_stmt* stmt, std::list<DatabaseBindParameter>& binds);
+    ///@}
 
+    ///@{
     /// Runs a statement under "BEGIN DEFERRED" and reads its rows.
     ///
     /// `rows` is set to a new list before anything else happens. It belongs to the caller, also when the call
@@ -103,6 +110,7 @@ protected:
                std::list<DatabaseQueryResult*>*& rows);
     bool Query(sqlite3* db, sqlite3_stmt* stmt, std::list<DatabaseQueryResult*>*& rows);
     bool Query(sqlite3* db, sqlite3_stmt* stmt, DatabaseBindParameter& bind, std::list<DatabaseQueryResult*>*& rows);
+    ///@}
 
 private:
     class DATABASESERVICE_NO_EXPORT Worker;

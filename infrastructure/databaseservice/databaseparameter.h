@@ -18,8 +18,10 @@ public:
     DatabaseParameter& operator=(const DatabaseParameter&) = default;
     ~DatabaseParameter() = default;
 
+    /// Leaves the source empty.
     DatabaseParameter(DatabaseParameter&& other) noexcept { swap(other); }
 
+    /// Leaves the source empty, unless it is this.
     DatabaseParameter& operator=(DatabaseParameter&& other) noexcept
     {
         if (this != &other) {
@@ -29,12 +31,14 @@ public:
         return *this;
     }
 
+    /// Appends a string.
     void Insert(const S& value)
     {
         m_strings.push_back(value);
         m_kinds.push_back(true);
     }
 
+    /// Appends an integer.
     void Insert(const I& value)
     {
         m_integers.push_back(value);
@@ -49,6 +53,7 @@ public:
         m_integerPosition = 0;
     }
 
+    /// Whether there is a current element.
     bool HasNext() const { return static_cast<std::size_t>(m_position) != m_kinds.size(); }
 
     /// Moves past the current element; false when there is none.
@@ -62,6 +67,7 @@ public:
         return true;
     }
 
+    /// Whether the current element is an integer.
     bool IsInt() const { return HasNext() && !m_kinds[static_cast<std::size_t>(m_position)]; }
 
     /// Copies the current element without moving. False, and `value` left alone, when it is of the other kind.
@@ -74,6 +80,7 @@ public:
         return true;
     }
 
+    /// The same for an integer.
     bool GetValue(I& value) const
     {
         if (!IsInt()) {

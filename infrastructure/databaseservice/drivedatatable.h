@@ -33,6 +33,7 @@ public:
     /// The one test for folder against file: the mime type is `folderMimeType` byte for byte.
     bool IsFolder() const { return m_mimeType == folderMimeType; }
 
+    /// The mime type of folders, and of nothing else.
     static constexpr const char* folderMimeType = "application/vnd.tessix-apps.folder";
 
     void SetFileid(const std::string& value) { m_fileId = value; }
@@ -123,8 +124,11 @@ public:
     int64 GetNewBatchId() const { return m_newBatchId; }
     void SetAutoUpload(std::int32_t value) { m_autoUpload = value; }
     std::int32_t GetAutoUpload() const { return m_autoUpload; }
+    ///@{
+    /// The second id of a change of key; never stored. See `DriverDBProviderBase::NewDirDriveDataById`.
     void SetHelpData(const std::string& value) { m_helpData = value; }
     std::string GetHelpData() const { return m_helpData; }
+    ///@}
     void SetRiskFileSign(std::int32_t value) { m_riskFileSign = value; }
     std::int32_t GetRiskFileSign() const { return m_riskFileSign; }
     void SetRiskFileType(std::string value) { m_riskFileType = std::move(value); }
@@ -133,10 +137,18 @@ public:
     std::int32_t GetFileExtSign() const { return m_fileExtSign; }
     void SetClassIndex(std::int32_t value) { m_classIndex = value; }
     std::int32_t GetClassIndex() const { return m_classIndex; }
+    ///@{
+    /// The column `needToDisplay`: whether lists show the item, by
+    /// `DriverDBProviderBase::UpdateCloudContentStatusById`.
     void SetCloudContentStatus(std::int32_t value) { m_cloudContentStatus = value; }
     std::int32_t GetCloudContentStatus() const { return m_cloudContentStatus; }
+    ///@}
+
+    ///@{
+    /// The caller's scratch value; never stored.
     void SetFileOperationType(std::int32_t value) { m_fileOperationType = value; }
     std::int32_t GetFileOperationType() const { return m_fileOperationType; }
+    ///@}
     void SetData1(const std::string& value) { m_data1 = value; }
     std::string GetData1() const { return m_data1; }
     void SetData2(const std::string& value) { m_data2 = value; }

@@ -38,9 +38,11 @@ public:
     DriverDBProvider& operator=(DriverDBProvider&&) = default;
     ~DriverDBProvider() = default;
 
+    /// As the base: creates what is missing, and always true.
     bool InitDatabase() override;
 
-    // Writers
+    ///@{
+    /// Writers: as the base's operation of this name.
     bool InsertDriveData(const DriveDataTable& record);
     bool InsertDriveDataBatch(const std::vector<DriveDataTable>& records);
     bool ReplaceDriveData(const DriveDataTable& record);
@@ -60,8 +62,10 @@ public:
     bool DeleteDriveDataWithoutLocal();
     bool ExecuteSQL(const std::string& sql);
     bool ExecuteSQLList(std::vector<std::string>& statements);
+    ///@}
 
-    // Markers of pending operations
+    ///@{
+    /// Markers of pending operations: as the base's operation of this name.
     bool NewDirDriveDataById(const std::vector<DriveDataTable>& records);
     bool UploadDriveDataById(const std::vector<DriveDataTable>& records);
     bool RenameDriveDataById(const std::vector<DriveDataTable>& records);
@@ -69,8 +73,10 @@ public:
     bool SoftDeleteDriveDataById(const std::vector<DriveDataTable>& records);
     bool HardDeleteDriveDataById(const std::vector<DriveDataTable>& records);
     bool RestoreDriveDataById(const std::vector<DriveDataTable>& records);
+    ///@}
 
-    // Readers
+    ///@{
+    /// Readers: as the base's operation of this name.
     DriveDataTable GetDriveDataById(std::string fileId);
     std::vector<DriveDataTable> GetALLDriveData();
     std::vector<DriveDataTable> GetDriveDataByParentId(std::string parentId);
@@ -87,12 +93,16 @@ public:
                           std::vector<std::string>& folders, const unsigned& selNums, const unsigned& startPos);
     bool GetSourcesFolder(const std::unordered_set<std::string>& sources, std::unordered_set<std::string>& folders);
     int GetFilesChildNodeCount(const std::string& fileId);
+    ///@}
 
-    // Mark and sweep
+    ///@{
+    /// Mark and sweep: as the base's operation of this name.
     void SetDriveDataSyncFlag(const std::vector<std::string>& parentIds);
     void DelDriveDataBySyncFlag(const std::vector<std::string>& parentIds);
+    ///@}
 
-    // Configuration of the synchronisation
+    ///@{
+    /// Configuration of the synchronisation: as the base's operation of this name.
     void InsertDriverConfItem(DriveConfTable& configuration);
     int CountDriverConfItem();
     std::pair<bool, DriveConfTable> GetDriverConfItem();
@@ -105,9 +115,11 @@ public:
     bool UpdateStartCursorInDriverConf(int id, const std::string& cursor);
     bool UpdateFullSyncIntervalInDriverConf(int id, const int64& interval);
     bool UpdateAutomaticSyncIntervalInDriverConf(int id, const int64& interval);
+    ///@}
 
-    // Tasks of a full synchronisation. The two batches take their list by a reference that is not const, unlike the
-    // base's, and leave it as it is.
+    ///@{
+    /// Tasks of a full synchronisation. The two batches take their list by a reference that is not const, unlike the
+    /// base's, and leave it as it is.
     bool InsertFullTask(const DriveFullTask& task);
     bool InsertFullTaskBatch(std::vector<DriveFullTask>& tasks);
     bool RelaceFullTaskBatch(std::vector<DriveFullTask>& tasks);
@@ -119,13 +131,16 @@ public:
     bool DeleteFullTask();
     bool DeleteFullTaskById(std::string fileId);
     bool DeleteFullTaskBatch(std::vector<std::string> fileIds);
+    ///@}
 
-    // Kept for clients that link against them: these do nothing and touch no argument. `ResetDriverDB` resets nothing;
-    // rows are read by the operations above.
+    ///@{
+    /// Kept for clients that link against them: these do nothing and touch no argument. `ResetDriverDB` resets nothing;
+    /// rows are read by the operations above.
     void ResetDriverDB();
     void ConvertStmtToFileItem(sqlite3_stmt*& statement, DriveDataTable& record);
     void InitFieldFromDbStep1(sqlite3_stmt*& statement, DriveDataTable& record, int& column);
     void InitFieldFromDbStep2(sqlite3_stmt*& statement, DriveDataTable& record, int& column);
+    ///@}
 };
 
 } // namespace DatabaseService

@@ -1,5 +1,6 @@
 #include "databaseservice/driverdbproviderbase.h"
 
+#include "databaseservice/storefiles.h"
 #include "databaseservice/tables/drivecolumns.h"
 #include "platform/namecompare.h"
 
@@ -28,7 +29,7 @@ int compareRanges(void* /*user*/, int leftLength, const void* left, int rightLen
 
 } // namespace
 
-DriverDBProviderBase::DriverDBProviderBase() : DatabaseOperationBase(L"DriveModuleData.dat") { }
+DriverDBProviderBase::DriverDBProviderBase() : DatabaseOperationBase(driveStoreFile) { }
 
 bool DriverDBProviderBase::InitDatabase()
 {

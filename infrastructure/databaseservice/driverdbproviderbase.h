@@ -46,22 +46,30 @@ public:
 
     /// Registers the collation on a connection. On failure `error` takes SQLite's message.
     static bool BindNameCompare(sqlite3* db, std::string& error);
+    /// "NameCompare", for SQL text of the caller's own.
     static std::string GetNameCompareName();
 
     // --- Writers --------------------------------------------------------------------------------------------------
     // A batch is one statement in one transaction. A column that an update does not name keeps its value.
     // `localAbsolutePath` is written by the inserts and by `UpdateFileLocalInfo` only.
 
+    ///@{
+    /// Adds whole rows. A row whose `fileId` is taken is lost with a line in the log; the others land.
     bool InsertDriveData(const DriveDataTable& record);
     bool InsertDriveDataBatch(const std::vector<DriveDataTable>& records);
+    ///@}
 
+    ///@{
     /// Replaces whole rows: `localAbsolutePath` is left NULL, on rows that were there too.
     bool ReplaceDriveData(const DriveDataTable& record);
     bool ReplaceDriveAllData(const std::vector<DriveDataTable>& records);
+    ///@}
 
+    ///@{
     /// Everything but `localAbsolutePath`. Null pointers are left out with a line in the log.
     bool UpdateDriveData(const DriveDataTable& record);
     bool UpdateDriveData(const std::vector<std::shared_ptr<DriveDataTable>>& records);
+    ///@}
 
     /// Reads the row, overwrites what `values` names and writes it back with the update above. Eighteen keys count:
     /// batchOper, localAbsolutePath (read, but not stored), uploadTime, renameName, renameTime, moveParentId,
@@ -83,12 +91,18 @@ public:
     /// `localAbsolutePath` and `localFileSha256`.
     bool UpdateFileLocalInfo(const std::vector<DriveDataTable>& records);
 
+    ///@{
     /// The column `needToDisplay`. These two report whether the transaction was committed.
     bool UpdateCloudContentStatusById(const std::string& fileId, int status);
     bool UpdateCloudContentStatusByIds(const std::vector<std::pair<std::string, int>>& statuses);
+    ///@}
 
+    ///@{
+    /// The rows with these ids, and nothing of what is below them.
     bool DeleteDriveDataById(const std::string& fileId);
     bool DeleteDriveDataById(const std::vector<std::string>& fileIds);
+    ///@}
+    /// Leaves the table empty.
     bool DeleteAllDriveData();
     /// Deletes nothing: its statement tests a column that the table does not have, and fails. Callers rely on that.
     bool DeleteDriveDataWithoutLocal();
@@ -114,8 +128,11 @@ public:
     bool RenameDriveDataById(const std::vector<DriveDataTable>& records);
     /// The row stays in its old folder: `parentId` is left alone.
     bool MoveDriveDataToParent(const std::vector<DriveDataTable>& records);
+    /// A move to the bin. The row is not recycled meanwhile.
     bool SoftDeleteDriveDataById(const std::vector<DriveDataTable>& records);
+    /// A final deletion. The row stays meanwhile.
     bool HardDeleteDriveDataById(const std::vector<DriveDataTable>& records);
+    /// A return from the bin. The row stays recycled meanwhile.
     bool RestoreDriveDataById(const std::vector<DriveDataTable>& records);
 
     // --- Readers --------------------------------------------------------------------------------------------------
@@ -123,16 +140,19 @@ public:
 
     /// An empty record when there is no such row.
     DriveDataTable GetDriveDataById(std::string fileId);
+    /// The whole table at once. Lists by page are in `CloudDriverDb`.
     std::vector<DriveDataTable> GetALLDriveData();
     /// A folder's direct children, recycled ones too.
     std::vector<DriveDataTable> GetDriveDataByParentId(std::string parentId);
     /// `where` goes into the statement's text as it is; write parameters there and give their values in `bind`.
     std::vector<DriveDataTable> GetDriveDataByWhereSql(std::string where, DatabaseBindParameter& bind);
 
+    ///@{
     /// Both run the caller's text, unchecked. It must give the 53 columns of a full read in the order of the table,
     /// from `fileId` to `data4`: cells are read by position.
     std::vector<std::shared_ptr<DriveDataTable>> GetDriveDataByRawSQL(const std::string& sql);
     std::vector<std::shared_ptr<DriveDataTable>> GetFileMetadataByRawSQL(const std::string& sql);
+    ///@}
 
     /// Takes no SQL, despite its name: reads the whole table into memory, then calls `visit` for each row with
     /// `context` and the record's address, both as integers. The address is good for the length of the call. What
@@ -147,6 +167,7 @@ public:
     /// For one id, with a statement prepared by the caller that counts the rows of `:fileId`.
     bool CheckWhetherFileIdExistsInDriveData(const std::wstring& id, sqlite3_stmt* statement);
 
+    /// All rows, recycled ones too.
     int CountDriverData();
     /// The first cell of the first row of the caller's text, which is run unchecked: 0 without a row, -1 for text.
     int GetCountBySelectSQL(std::string& sql);
@@ -185,44 +206,62 @@ public:
     /// their members.
     std::pair<bool, DriveConfTable> GetDriverConfItem();
 
+    ///@{
     /// These four report whether the transaction was committed, the first as 1 or 0.
     int UpdateIsFirstStartInDriverConf(int id, int value);
     bool UpdateLastFullSyncTimestampInDriverConf(int id, const int64& timestamp);
     bool UpdateLastLostFileQueryTimestampInDriverConf(int id, const int64& timestamp);
     bool UpdateLostFileQueryCursorInDriverConf(int id, const std::string& cursor);
+    ///@}
 
     /// As `UpdateIsFirstStartInDriverConf`, but always true.
     bool UpdateIsFirstStartInDriverConfV2(int id, int value);
+    ///@{
+    /// The column of this name in the row of this id. Always true.
     bool UpdateRootFileIdInDriverConf(int id, const std::string& fileId);
     bool UpdateLastAutomaticSyncTimestampInDriverConf(int id, const int64& timestamp);
     bool UpdateLastSubscribeTimestampInDriverConf(int id, const int64& timestamp);
     bool UpdateStartCursorInDriverConf(int id, const std::string& cursor);
+    ///@}
     /// Both intervals are stored at 64 bits, although the members that they are read into have 32.
     bool UpdateFullSyncIntervalInDriverConf(int id, const int64& interval);
+    /// As `UpdateFullSyncIntervalInDriverConf`.
     bool UpdateAutomaticSyncIntervalInDriverConf(int id, const int64& interval);
 
     // --- Tasks of a full synchronisation --------------------------------------------------------------------------
     // One row per folder.
 
+    ///@{
+    /// A row whose `fileId` is taken is lost with a line in the log.
     bool InsertFullTask(const DriveFullTask& task);
     bool InsertFullTaskBatch(const std::vector<DriveFullTask>& tasks);
+    ///@}
     /// Replaces whole rows. The name is spelled so on purpose.
     bool RelaceFullTaskBatch(const std::vector<DriveFullTask>& tasks);
 
     /// A task with an empty `fileId` when there is no such row.
     DriveFullTask GetFullTaskById(std::string fileId);
+    /// All of them.
     std::vector<DriveFullTask> GetFullTask();
 
+    ///@{
+    /// The one column of the row with this id.
     bool UpdateCursorInFullSyncTask(const std::string& fileId, const std::string& cursor);
     bool UpdateStateInFullSyncTask(const std::string& fileId, int state);
+    ///@}
     /// Does nothing; `UpdateStateInFullSyncTask` is the one that works.
     bool UpdateFullTaskWithValue(std::string fileId, int value);
 
+    /// All of them.
     bool DeleteFullTask();
+    ///@{
+    /// The rows with these ids.
     bool DeleteFullTaskById(std::string fileId);
     bool DeleteFullTaskBatch(std::vector<std::string> fileIds);
+    ///@}
 
 protected:
+    /// Registers the order of names.
     void AfterOpen(sqlite3* db) override;
 
 private:

@@ -17,6 +17,7 @@ namespace DatabaseService {
 /// taken; a table whose name SQL takes only in quotes stays.
 class DATABASESERVICE_EXPORT DropAllTables : public DatabaseOperationBase {
 public:
+    /// The process has one.
     static DropAllTables* GetInstance();
 
     /// Does nothing, and returns false.

@@ -29,9 +29,11 @@ public:
     FastAccessDBModule& operator=(const FastAccessDBModule&) = delete;
     ~FastAccessDBModule() override;
 
+    /// Does nothing.
     void OnInit() override;
     /// Brings the table up to date.
     void OnUserLogin() override;
+    /// Does nothing.
     void OnIntervalCheck() override;
     /// As `DeleteFastAccessTable`, but at once, ahead of what is posted and not yet done.
     void OnResetdatabase() override;
@@ -60,12 +62,15 @@ protected:
 
     // The handlers. A `payload` that is a copy of a callback or an id is theirs to free; with 0 they do nothing.
 
+    ///@{
+    /// Handles the message of this name.
     void NotifyGetAllFastAccessData(uint64, int64 payload);
     void NotifyInsertFastAccessData(uint64 record, int64 payload);
     void NotifyDeleteFastAccessData(uint64, int64 payload);
     /// `record` is the caller's; 0 is a line in the log.
     void NotifyUpdateFastAccessData(uint64, int64 record);
     void NotifyDeleteFastAccessTable(uint64, int64);
+    ///@}
 
 private:
     unsigned m_msgGetAllFastAccessData = 0;

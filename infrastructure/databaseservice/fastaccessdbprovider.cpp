@@ -5,6 +5,7 @@
 #include "databaseservice/engine/firstcell.h"
 #include "databaseservice/engine/recordio.h"
 #include "databaseservice/handover/addresses.h"
+#include "databaseservice/storefiles.h"
 #include "databaseservice/tables/fastaccesscolumns.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -46,7 +47,7 @@ FastAccessTableProvider& upToDateProvider()
 
 } // namespace
 
-FastAccessTableProvider::FastAccessTableProvider() : DatabaseOperationBase(L"FastAccess.dat") { }
+FastAccessTableProvider::FastAccessTableProvider() : DatabaseOperationBase(shortcutStoreFile) { }
 
 bool FastAccessTableProvider::InitDatabase()
 {

@@ -40,11 +40,13 @@ public:
     /// Ignores the record's `Id` and sets it to the highest of the table, read by a second transaction: the new row's
     /// as long as nobody else inserts in between, 0 if it cannot be read.
     bool InsertFastAccessRow(FastAccessTable* record);
+    /// Leaves the file of its icon alone, unlike `DeleteFastAccessData`.
     bool DeleteFastAccessRow(int id);
     /// Writes all columns of the row with the record's `Id`.
     bool UpdateFastAccessRow(const FastAccessTable* record);
     /// Empty for an unknown id.
     std::wstring GetFastAccessIconPath(int id);
+    /// Leaves the file without its table.
     bool DropTable();
 };
 

@@ -24,23 +24,32 @@ DATABASESERVICE_EXPORT void ResetGalleryDatabase(std::wstring name);
 // A batch is one transaction. A record replaces the whole row of the same key, so the last one of a key wins. A row
 // that fails is lost, and the others land. The vectors are not changed.
 
+///@{
 /// These three report whether the transaction was committed.
 DATABASESERVICE_EXPORT bool InsertGalleryFileTable(std::vector<GalleryFileTable>& records);
 DATABASESERVICE_EXPORT bool InsertAlbumVersionTable(std::vector<AlbumVersionTable>& records);
 DATABASESERVICE_EXPORT bool InsertAlbumTable(std::vector<AlbumTable>& records);
+///@}
+
+///@{
+/// These three report nothing.
 DATABASESERVICE_EXPORT void InsertDownloadTaskTable(std::vector<DownloadTaskTable>& records);
 DATABASESERVICE_EXPORT void InsertTransferCompleteCloudTaskTable(std::vector<TransferCompleteCloudTaskTable>& records);
 DATABASESERVICE_EXPORT void InsertUploadTaskTable(std::vector<UploadTaskTable>& records);
+///@}
 
 // --- Readers ------------------------------------------------------------------------------------------------------
 // A count is 0 for an empty table and after a failure alike.
 
+///@{
+/// The rows of the table behind the record.
 DATABASESERVICE_EXPORT int CountAlbumTable();
 DATABASESERVICE_EXPORT int CountAlbumVersionTable();
 DATABASESERVICE_EXPORT int CountGalleryFileTable();
 DATABASESERVICE_EXPORT int CountDownloadTaskTable();
 DATABASESERVICE_EXPORT int CountTransferCompleteCloudTaskTable();
 DATABASESERVICE_EXPORT int CountUploadTaskTable();
+///@}
 
 /// A record with an empty `UniqueId` when there is no such row, or when it could not be read.
 DATABASESERVICE_EXPORT GalleryFileTable GetGalleryFileOneData(std::string& uniqueId);

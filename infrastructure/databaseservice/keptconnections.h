@@ -17,16 +17,18 @@
 /// Threads: any.
 namespace DatabaseService {
 
+/// One connection that is still open.
 struct KeptConnection {
     std::wstring database; ///< the store's file name; the legacy file's whole path
-    std::string reason;
+    std::string reason;    ///< why it could not be closed, for a log
 };
 
 /// All of them, oldest first.
 DATABASESERVICE_EXPORT std::vector<KeptConnection> ListKeptConnections();
 
+/// What becomes of transactions that are still open.
 enum class OpenTransactions {
-    Keep,
+    Keep,     ///< their connections stay
     RollBack, ///< what they have written is lost
 };
 

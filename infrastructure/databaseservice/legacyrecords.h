@@ -38,13 +38,13 @@ public:
     std::string Expand;
     std::int32_t GalleryState = 0;
     std::int32_t IsLocalUpload = 0;
-    int64 LocalUploadTime = 0;
-    std::string OriginalAlbumId;
-    std::string ServerAlbumId;
+    int64 LocalUploadTime = 0;   ///< when it was uploaded from this computer
+    std::string OriginalAlbumId; ///< album that the item was made in
+    std::string ServerAlbumId;   ///< the album in the cloud
     std::int32_t Offset = 0;
     std::string LocalPath;
     int64 OperateTime = 0;
-    std::string CoverUniqueId;
+    std::string CoverUniqueId; ///< the gallery's id of the picture that stands for it
     std::int32_t ContinuousType = 0;
     std::string ContinuousName;
     std::int32_t IsDeleted = 0;
@@ -54,7 +54,7 @@ public:
     std::int32_t SavedFileType = 0;
     std::string CheckSumn;
     std::string Sdsmtime;
-    std::string VideoDownloadLocalPath;
+    std::string VideoDownloadLocalPath; ///< where a video was downloaded to
     std::string PictureMetadata;
     std::string VideoMetadata;
 };
@@ -115,13 +115,13 @@ public:
     ~DownloadTask();
 
     std::string FileName;
-    std::string RelativePath;
+    std::string RelativePath; ///< path below the folder that the transfer is part of
     std::string AlbumId;
     std::string FileId;
     std::string UniqueId;
     int64 TotalLength = 0;
-    std::int32_t Speed = 0;
-    int64 OldPosition = 0;
+    std::int32_t Speed = 0; ///< rate of the transfer
+    int64 OldPosition = 0;  ///< bytes that were done before it was last taken up
     int64 Position = 0;
     std::string LocalPath;
     std::string OriginalFileLocalPath;
@@ -129,11 +129,11 @@ public:
     std::int32_t TaskType = 0;
     int64 StartTime = 0;
     int64 EndTime = 0;
-    float RealTime = 0;
+    float RealTime = 0; ///< how long it has taken
     std::int32_t IsFastUpload = 0;
     std::string TransferId;
     std::int32_t IsLocalFileDownload = 0;
-    std::int32_t Id = 0;
+    std::int32_t Id = 0; ///< given by SQLite, and never twice
 };
 
 /// A transfer that was complete.
@@ -147,13 +147,13 @@ public:
     ~TransferCompleteCloudTask();
 
     std::string FileName;
-    std::string RelativePath;
+    std::string RelativePath; ///< path below the folder that the transfer is part of
     std::string AlbumId;
     std::string FileId;
     std::string UniqueId;
     int64 TotalLength = 0;
-    std::int32_t Speed = 0;
-    int64 OldPosition = 0;
+    std::int32_t Speed = 0; ///< rate of the transfer
+    int64 OldPosition = 0;  ///< bytes that were done before it was last taken up
     int64 Position = 0;
     std::string LocalPath;
     std::string OriginalFileLocalPath;
@@ -161,11 +161,11 @@ public:
     std::int32_t TaskType = 0;
     int64 StartTime = 0;
     std::string EndTime;
-    float RealTime = 0;
+    float RealTime = 0; ///< how long it has taken
     std::int32_t IsFastUpload = 0;
     std::string TransferId;
     std::int32_t IsLocalFileDownload = 0;
-    std::int32_t Id = 0;
+    std::int32_t Id = 0; ///< given by SQLite, and never twice
 };
 
 /// An upload.
@@ -179,13 +179,13 @@ public:
     ~UploadTask();
 
     std::string FileName;
-    std::string RelativePath;
+    std::string RelativePath; ///< path below the folder that the transfer is part of
     std::string AlbumId;
     std::string FileId;
     std::string UniqueId;
     int64 TotalLength = 0;
-    std::int32_t Speed = 0;
-    int64 OldPosition = 0;
+    std::int32_t Speed = 0; ///< rate of the transfer
+    int64 OldPosition = 0;  ///< bytes that were done before it was last taken up
     int64 Position = 0;
     std::string LocalPath;
     std::string OriginalFileLocalPath;
@@ -193,11 +193,11 @@ public:
     std::int32_t TaskType = 0;
     std::string StartTime;
     int64 EndTime = 0;
-    float RealTime = 0;
+    float RealTime = 0; ///< how long it has taken
     std::int32_t IsFastUpload = 0;
     std::string TransferId;
     std::int32_t IsLocalFileDownload = 0;
-    std::int32_t Id = 0;
+    std::int32_t Id = 0; ///< given by SQLite, and never twice
     std::string ServerPath;
 };
 
@@ -213,7 +213,7 @@ public:
 
     std::string key;
     std::string Value;
-    std::int32_t Id = 0;
+    std::int32_t Id = 0; ///< given by SQLite, and never twice
 };
 
 /// What both log tables hold. The times keep their fractions.
@@ -249,8 +249,8 @@ public:
     std::string CountryCode;
     double ResidenceTime = 0;
     std::string OprType;
-    std::int32_t IsMaintenanceLog = 0;
-    std::int32_t Id = 0;
+    std::int32_t IsMaintenanceLog = 0; ///< flag: for maintenance
+    std::int32_t Id = 0;               ///< given by SQLite, and never twice
 };
 
 /// A row of `UserLog`.

@@ -2,6 +2,7 @@
 
 #include "databaseservice/cachefiles.h"
 #include "databaseservice/maindatabaseproviderbase.h"
+#include "databaseservice/storefiles.h"
 #include "platform/neverdestroyed.h"
 
 #include <utility>
@@ -12,7 +13,7 @@ namespace {
 
 MainDatabaseProviderBase& provider()
 {
-    static auto& instance = platform::neverDestroyed(MainDatabaseProviderBase(L"main.dat"));
+    static auto& instance = platform::neverDestroyed(MainDatabaseProviderBase(mainStoreFile));
     return instance;
 }
 

@@ -28,35 +28,49 @@ DATABASESERVICE_EXPORT void InitMainDatabase();
 DATABASESERVICE_EXPORT std::vector<UserProperties> GetAllUserProperties();
 /// As stored. Empty for an unknown key.
 DATABASESERVICE_EXPORT std::wstring GetUserPropertieByKey(const std::wstring& key);
+///@{
+/// Replaces or adds.
 DATABASESERVICE_EXPORT void UpdateUserProperties(const std::wstring& key, const std::wstring& value);
 DATABASESERVICE_EXPORT void UpdateUserProperties(std::vector<UserProperties>& properties);
+///@}
+
+///@{
+/// Adds, and loses what is there already with a line in the log.
 DATABASESERVICE_EXPORT void InsertUserProperties(const std::wstring& key, const std::wstring& value);
 DATABASESERVICE_EXPORT void InsertUserProperties(std::vector<UserProperties>& properties);
+///@}
+/// Leaves the table empty.
 DATABASESERVICE_EXPORT void DeleteAllUserProperties();
+/// 0 also after a failure.
 DATABASESERVICE_EXPORT int CountUserProperties();
 
 // --- Logs of usage ------------------------------------------------------------------------------------------------
 
 /// Reads `UBAUserLog`, despite its name, and gives nothing back: a check that the table can be read.
 DATABASESERVICE_EXPORT void GetAllUserLog();
+///@{
 /// In one transaction, under the ids of the records. The three times lose their fractions; what is beyond 64 bits is
 /// stored as the nearest number within, and what is no number as 0.
 DATABASESERVICE_EXPORT void InsertUserUserLog(std::vector<UserLog> records);
 DATABASESERVICE_EXPORT void InsertUserUBAUserLog(std::vector<UBAUserLog> records);
+///@}
 
 // --- Changes of files ---------------------------------------------------------------------------------------------
 // The store gives each inserted row its `id`, which is never given again. One file id may have several rows.
 
+/// One transaction. The record's own `id` does not count and stays.
 DATABASESERVICE_EXPORT void InsertOneCloudDriveDataBatch(T_CloudFileTable& record);
 /// One transaction per record.
 DATABASESERVICE_EXPORT void InsertCloudDriveDataBatch(std::vector<T_CloudFileTable>& records);
 /// Deletes the `num` rows with the lowest `modifiedTime`; a negative number deletes all.
 DATABASESERVICE_EXPORT void DeleteCloudDriveDataBatchOrderBy(int& num);
+/// Leaves the table empty.
 DATABASESERVICE_EXPORT void DeleteAllCloudDriveDataBatch();
 /// The highest `modifiedTime` first.
 DATABASESERVICE_EXPORT std::vector<T_CloudFileTable> GetAllCloudDriveDataBatch();
 /// The first row of the file. A record with an empty `fileId` when there is none.
 DATABASESERVICE_EXPORT T_CloudFileTable GetCloudDriveDataBatch(std::string& fileId);
+/// The number of rows, 0 also after a failure.
 DATABASESERVICE_EXPORT int GetAllCloudDriveDataBatchNum();
 /// Whether the file has a row.
 DATABASESERVICE_EXPORT bool SelectOneCloudDriveData(std::string& fileId);
@@ -68,6 +82,7 @@ DATABASESERVICE_EXPORT void DeleteSameColumnFromParentId(std::string& fileId);
 DATABASESERVICE_EXPORT std::vector<T_CloudFileTable> SelectSameColumnFromParentId(std::string& id);
 /// Rewrites the rows that have the records' `id`, in one transaction; a record without a row is passed over.
 DATABASESERVICE_EXPORT void UpdateCloudDriveVec(std::vector<T_CloudFileTable>& records);
+/// As `UpdateCloudDriveVec`, for one record: all columns, not those of the preview alone.
 DATABASESERVICE_EXPORT void UpdateCloudDriveDataSmallPicDown(T_CloudFileTable& record);
 /// Deletes the first row of the record's file, if there is one, and inserts the record under a new `id`, in two
 /// transactions.
@@ -77,14 +92,18 @@ DATABASESERVICE_EXPORT void UpdateSelectDelCloudDriveData(T_CloudFileTable& reco
 
 // --- Cards --------------------------------------------------------------------------------------------------------
 
+///@{
 /// Replaces the card of that key.
 DATABASESERVICE_EXPORT void InsertWaitHandleCardItem(int key, std::string value);
 DATABASESERVICE_EXPORT void InsertNotepadCardItem(int key, std::string value);
+///@}
 /// All of them.
 DATABASESERVICE_EXPORT void RemoveWaitHandleCardItem();
+/// All of them.
 DATABASESERVICE_EXPORT void RemoveNotepadCardItem();
 /// Appends to `items`.
 DATABASESERVICE_EXPORT void GetWaitHandleCardItem(std::vector<T_WaitHandleCardItem>& items);
+/// Appends to `items`.
 DATABASESERVICE_EXPORT void GetNotepadCardItem(std::vector<T_NotepadCard>& items);
 
 // --- Clean-up -----------------------------------------------------------------------------------------------------

@@ -17,6 +17,7 @@ namespace DatabaseService {
 /// Failure: false, and lines in the log. No exception leaves it.
 class DATABASESERVICE_EXPORT MainDBSQLProvider {
 public:
+    /// The process has one.
     static MainDBSQLProvider& GetInstance();
 
     MainDBSQLProvider(const MainDBSQLProvider&) = delete;

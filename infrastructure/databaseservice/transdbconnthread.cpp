@@ -1,10 +1,11 @@
 #include "databaseservice/transdbconnthread.h"
 
+#include "databaseservice/storefiles.h"
 #include "databaseservice/tables/transfercolumns.h"
 
 namespace DatabaseService::TransmissionDB {
 
-TransDbConnThread::TransDbConnThread() : DatabaseOperationBase(L"transmission.dat") { }
+TransDbConnThread::TransDbConnThread() : DatabaseOperationBase(transferStoreFile) { }
 
 TransDbConnThread* TransDbConnThread::GetInstance()
 {

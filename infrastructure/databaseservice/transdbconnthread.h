@@ -26,34 +26,43 @@ namespace DatabaseService::TransmissionDB {
 /// would give.
 class DATABASESERVICE_EXPORT TransDbConnThread : public DatabaseOperationBase {
 public:
+    /// The process has one.
     static TransDbConnThread* GetInstance();
 
     /// Creates what is missing of the tables, but for `TransferTask`: callers rely on that one coming into being with
     /// `CreateTransferTaskTable` or the first read through `TransDbConn`. Always true.
     bool InitDatabase() override;
 
+    ///@{
+    /// Creates the table if it is missing.
     void CreateCompletedTaskTable();
     void CreateUploadTaskTable();
     void CreateDownloadTaskTable();
     void CreateTransferTaskTable();
+    ///@}
 
+    ///@{
     /// These four report whether the transaction was committed.
     bool DropCompletedTaskTable();
     bool DropDownloadTaskTable();
     bool DropTransferTaskTable();
     bool DropUploadTaskTable();
+    ///@}
 
     /// Runs the caller's text, unchecked: quoting is the caller's business. Always true.
     bool ExecuteSQL(const std::string& sql);
 
     // --- Finished transfers ---------------------------------------------------------------------------------------
 
+    /// One transaction. The table gives the ids: those of the records do not count and stay.
     void InsertCompletedTasks(std::vector<CompletedTaskProperty> tasks);
     /// Every column of the row with the record's `id`.
     void UpdateCompletedTasks(std::vector<CompletedTaskProperty> tasks);
+    /// The rows with these ids.
     void DeleteCompletedTasks(std::vector<int> ids);
     /// Of either type; for one type give it twice.
     void DeleteAllCompletedTasks(int taskType, int otherTaskType);
+    /// Appends the finished transfers of either type. Always true.
     bool GetAllCompletedTasks(std::vector<CompletedTaskProperty>& tasks, int taskType, int otherTaskType);
     /// The largest id, cut to 32 bits; 0 for an empty table.
     int GetCompletedTasksLastRowId();
@@ -64,10 +73,13 @@ public:
     void InsertDownloadTasks(std::vector<std::shared_ptr<DownloadTaskProperty>> tasks);
     /// Every column of the row with the record's `id`.
     void UpdateDownloadTasks(std::vector<DownloadTaskProperty> tasks);
+    /// The rows with these ids.
     void DeleteDownloadTasks(std::vector<int> ids);
+    /// Those of one type.
     void DeleteAllDownloadTasks(int taskType);
     /// Null when there is no such row.
     std::shared_ptr<DownloadTaskProperty> GetDownloadTask(int id);
+    /// Appends the downloads of one type. Always true.
     bool GetAllDownloadTasks(std::vector<DownloadTaskProperty>& tasks, int taskType);
     /// The largest id, cut to 32 bits; 0 for an empty table.
     int GetDownloadTasksLastRowId();
@@ -78,13 +90,18 @@ public:
 
     /// The ids are the records' own. A row whose id is taken is lost.
     void InsertUploadTasks(std::vector<UploadTaskProperty> tasks);
+    /// The row with this id.
     void DeleteUploadTask(int id);
     /// All of them.
     void DeleteUploadTask();
+    ///@{
+    /// Changes what its name says of the row with this id, and nothing else.
     void UpdateUploadTaskStatus(int id, int taskStatus, int errorCode);
     void UpdateUploadTaskSliceInfo(int id, std::string sliceInfo);
     void UpdateUploadTaskSliceIndex(int id, int sliceIndex);
     void UpdateUploadTaskUploadOffset(int id, int64 uploadOffset);
+    ///@}
+    /// Appends all uploads.
     void GetAllUploadTaskProperties(std::vector<UploadTaskProperty>& tasks);
     /// 0, also after an insert: it asks a connection that has inserted nothing. `TransDbConn::InsertUploadTask` hands
     /// that on.
@@ -113,10 +130,13 @@ public:
     /// As `GetAllTask`.
     void LoadDbSQL(TransTaskType type, std::vector<DbTransferTask>& tasks);
 
+    /// Those in this status.
     void DeleteTasks(int taskStatus);
+    /// The row of this id.
     void DeleteTasks(std::wstring uniqueId);
     /// As `DeleteTasks`; always true.
     bool DeleteTasksFromTransferTask(int taskStatus);
+    /// The row with the record's `UniqueId`.
     void DeleteTask(DbTransferTask& task);
 
 private:

@@ -21,12 +21,15 @@ public:
     DownloadTaskProperty& operator=(const DownloadTaskProperty&) = default;
     virtual ~DownloadTaskProperty();
 
+    ///@{
+    /// The wide member of this name as UTF-8.
     std::string GetFileNameU8() const;
     void SetFileNameU8(std::string value);
     std::string GetLocalPathU8() const;
     void SetLocalPathU8(std::string value);
     std::string GetRelativePathU8() const;
     void SetRelativePathU8(std::string value);
+    ///@}
 
     std::int32_t id = -1; ///< given by the table
     std::int32_t taskType = 0;
@@ -51,10 +54,13 @@ public:
     CompletedTaskProperty& operator=(const CompletedTaskProperty&) = default;
     virtual ~CompletedTaskProperty();
 
+    ///@{
+    /// The wide member of this name as UTF-8.
     std::string GetFileNameU8() const;
     void SetFileNameU8(std::string value);
     std::string GetLocalPathU8() const;
     void SetLocalPathU8(std::string value);
+    ///@}
 
     std::int32_t id = -1; ///< given by the table
     std::int32_t taskType = 0;
@@ -69,23 +75,22 @@ public:
     bool isMoveData = false;
 };
 
-/// An upload that is not finished: a row of `UploadTaskTable`. What has no default holds no defined value until
-/// somebody sets it.
+/// An upload that is not finished: a row of `UploadTaskTable`. Whoever fills it sets the `id` at least.
 struct UploadTaskProperty {
     std::string fileName;
     std::string fileId;
-    int64 totalLength;
-    int64 uploadOffset;
+    int64 totalLength = 0;
+    int64 uploadOffset = 0;
     std::string localPath;
-    std::int32_t taskStatus;
-    std::int32_t errorCode;
+    std::int32_t taskStatus = 0;
+    std::int32_t errorCode = 0;
     std::string startTime;
     std::string transferId;
-    std::int32_t id; ///< given by the caller
+    std::int32_t id = 0; ///< given by the caller
     std::string serverPath;
-    std::int32_t sliceIndex;
+    std::int32_t sliceIndex = 0;
     std::string sliceInfo;
-    bool isBatch;
+    bool isBatch = false;
     bool isMoveData = false;
 };
 
@@ -149,9 +154,9 @@ struct DATABASESERVICE_EXPORT TransTaskType {
     TransTaskType& operator=(TransTaskType&&) = default;
     ~TransTaskType() = default;
 
-    std::int32_t ModuleType = 0;
-    std::int32_t TransferType = 0;
-    std::wstring TaskKey; ///< the caller's own; no statement reads it
+    std::int32_t ModuleType = 0;   ///< as in `DbTransferTask`
+    std::int32_t TransferType = 0; ///< as in `DbTransferTask`
+    std::wstring TaskKey;          ///< the caller's own; no statement reads it
 };
 
 /// The client's own; nothing in this library fills or reads it.
@@ -163,10 +168,11 @@ struct DATABASESERVICE_EXPORT TransTaskVec {
     TransTaskVec& operator=(TransTaskVec&&) = default;
     ~TransTaskVec() = default;
 
-    std::wstring TaskKey;
-    int64 TaskList = 0;
+    std::wstring TaskKey; ///< the client's own
+    int64 TaskList = 0;   ///< the client's own
 };
 
+/// The state of a thread that `TransDbConn` speaks of and never starts.
 enum DBWriteThreadState {
     DBWriteThreadIdle = 0,    ///< no write thread is running
     DBWriteThreadRunning = 1, ///< a write thread is running

@@ -35,16 +35,22 @@ DATABASESERVICE_EXPORT bool InitDB(std::wstring path);
 // then it is no cell, and neither is a blob, and the next cell takes its place. In `GalleryFile` a NULL in `Sdsmtime`
 // so moves the three texts behind it one member to the front.
 
+///@{
+/// Appends the whole table. False without a file; else whether the transaction was committed.
 DATABASESERVICE_EXPORT bool GetAllGalleryFile(std::vector<GalleryFile>& records);
 DATABASESERVICE_EXPORT bool GetAllAlbumLocalVersion(std::vector<AlbumLocalVersion>& records);
 DATABASESERVICE_EXPORT bool GetAllAlbum(std::vector<Album>& records);
+///@}
 /// The rows whose `TaskType` is 1, or all others: two calls read the whole table.
 DATABASESERVICE_EXPORT bool GetAllDownloadTask(std::vector<DownloadTask>& records, bool taskTypeIsOne);
 /// As `GetAllDownloadTask`.
 DATABASESERVICE_EXPORT bool GetAllTransferCompleteCloudTask(std::vector<TransferCompleteCloudTask>& records,
                                                             bool taskTypeIsOne);
+///@{
+/// As the readers above.
 DATABASESERVICE_EXPORT bool GetAllUploadTask(std::vector<UploadTask>& records);
 DATABASESERVICE_EXPORT bool GetAllUserProperties(std::vector<UserProperties>& records);
+///@}
 
 /// Throws `std::invalid_argument` with "invalid stod argument" when one of a row's three times does not begin with a
 /// number, `std::out_of_range` with "stod argument out of range" when it is beyond what a `double` holds or between 0

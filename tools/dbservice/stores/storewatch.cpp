@@ -350,6 +350,8 @@ std::string StoreWatch::explained(const std::string& message)
 {
     const bool changed = message.find("database schema has changed") != std::string::npos;
     return message + (changed ? ", as another program is writing to it" : "");
+}
+
 StoreWatch::CopiesPages::CopiesPages()
 {
     copiesPages = true;
