@@ -84,6 +84,10 @@ bench-scan: build/release/build.ninja ## measure `dbservice` on a real folder be
 	cmake --build --preset release --target scan_benchmark
 	build/release/bin/scan_benchmark --strict "$$SCAN"
 
+.PHONY: docs
+docs: build/docs/build.ninja ## make the API pages with the first programs, build/docs/html/index.html
+	cmake --build --preset docs
+
 .PHONY: format
 format: checks-packages ## format the sources
 	clang-format -i $(sources)
@@ -117,7 +121,7 @@ benchmark = build/release/bin/databaseservice_benchmark
 benchmark: build/release/build.ninja
 	cmake --build --preset release --target databaseservice_benchmark
 
-build/clang/build.ninja: | checks-packages
+build/clang/build.ninja build/docs/build.ninja: | checks-packages
 build/mingw/build.ninja: | windows-packages
 build/%/build.ninja: CMakePresets.json | build-packages
 	cmake --preset $*
