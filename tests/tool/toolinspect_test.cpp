@@ -2,6 +2,8 @@
 #include "support/sqlitefile.h"
 #include "support/tooltest.h"
 
+#include <algorithm>
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -170,6 +172,83 @@ TEST_F(ToolInspect, RepairMakesIndexesAnewAndNothingElse)
     EXPECT_TRUE(bytesOf(utf8Path(file + ".before-repair-2")).substr(header) == before.substr(header));
     EXPECT_EQ(rowsOf(), rowsBefore);
     EXPECT_EQ(run({"check", file}).out, "0 errors, 0 warnings, 0 notes in 1 file\n");
+}
+
+TEST_F(ToolInspect, RecoverSavesWhatCanBeRead)
+{
+    const std::string out = path("out");
+    const std::string all = "SELECT rowid, * FROM DriveDataTable NOT INDEXED";
+    changeStore("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) "
+                "INSERT INTO DriveDataTable(fileId, name) SELECT 'row ' || i, printf('%.*c', 300, 'x') FROM n");
+    const Rows whole = SqliteFile(storeFile()).query(all);
+    const auto recover = [&](const std::string& damaged, std::size_t& saved, std::size_t& lost) {
+        fs::remove(utf8Path(out));
+        const Ran ran = run({"--json", "recover", damaged, out});
+        EXPECT_EQ(fs::exists(utf8Path(out + ".partial")), false);
+        if (!fs::exists(utf8Path(out))) {
+            EXPECT_TRUE(refused(ran, "nothing has been made"));
+            return false;
+        }
+        for (std::size_t at = 0; at < ran.out.size(); at = ran.out.find('\n', at) + 1) {
+            const json line = json::parse(ran.out.substr(at, ran.out.find('\n', at) - at));
+            if (line["table"] == "DriveDataTable") {
+                saved = line["saved"];
+                lost = line["lost"];
+            }
+        }
+        const bool isLoss = ran.err.find("cannot save all") != std::string::npos;
+        EXPECT_EQ(ran.code, isLoss ? 1 : 0);
+        EXPECT_TRUE(isLoss || lost == 0) << ran.err;
+        const Rows rows = SqliteFile(utf8Path(out)).query(all);
+        EXPECT_EQ(rows.size(), saved);
+        for (const std::vector<std::string>& row : rows) {
+            EXPECT_NE(std::find(whole.begin(), whole.end(), row), whole.end());
+        }
+        EXPECT_TRUE(contains(run({"info", out}).out, "as this library lays it down"));
+        return true;
+    };
+    std::size_t made = 0;
+    std::size_t partly = 0;
+    const std::size_t pages = fs::file_size(storeFile()) / pageSize;
+    for (std::size_t page = 1; page <= pages; ++page) {
+        SCOPED_TRACE("page " + std::to_string(page));
+        const std::string damaged = copy("DriveModuleData.dat");
+        zero(damaged, page);
+        const std::string before = bytesOf(utf8Path(damaged));
+        std::size_t saved = 0;
+        std::size_t lost = 0;
+        if (recover(damaged, saved, lost)) {
+            ++made;
+            partly += saved > 0 && lost > 0 ? 1 : 0;
+            EXPECT_EQ(saved + lost, whole.size());
+        }
+        EXPECT_TRUE(bytesOf(utf8Path(damaged)) == before);
+    }
+    EXPECT_EQ(made, pages - 1) << "without the first page nothing tells the tables";
+    EXPECT_GT(partly, 2U);
+
+    std::size_t saved = 0;
+    std::size_t lost = 0;
+    const std::string cut = copy("DriveModuleData.dat");
+    fs::resize_file(utf8Path(cut), (pages - 3) * pageSize);
+    EXPECT_TRUE(recover(cut, saved, lost));
+    EXPECT_GT(saved, 0U);
+    EXPECT_TRUE(refused(run({"recover", cut, out}), "nothing is overwritten"));
+
+    const std::string older = copy("FastAccess.dat");
+    SqliteFile(utf8Path(older))
+        .exec("INSERT INTO FastAccess(Id, Title) VALUES(7, 't'); DELETE FROM FastAccess; "
+              "ALTER TABLE FastAccess DROP COLUMN Rotate; INSERT INTO FastAccess(Id) VALUES(3)");
+    fs::remove(utf8Path(out));
+    EXPECT_EQ(run({"recover", older, out}).code, 0);
+    EXPECT_EQ(SqliteFile(utf8Path(out)).text("SELECT Id, Rotate, seq FROM FastAccess, sqlite_sequence"), "3|0|7");
+
+    SqliteFile other(utf8Path(older));
+    other.exec("BEGIN EXCLUSIVE");
+    EXPECT_TRUE(refused(run({"--wait", "0.1", "recover", older, path("none")}), "locked by another program"));
+    other.exec("DROP TABLE FastAccess; COMMIT");
+    EXPECT_TRUE(refused(run({"recover", older, path("none")}), "no table of the library's"));
+    EXPECT_FALSE(fs::exists(utf8Path(path("none"))));
 }
 
 } // namespace

@@ -7,8 +7,6 @@
 #include "databaseservice/transdbconnthread.h"
 #include "databaseservice/v10.h"
 
-#include <algorithm>
-
 namespace dbservice {
 
 namespace {
@@ -61,14 +59,6 @@ const std::array<StoreKind, storeKindCount>& storeKinds()
         {"legacy", "file of the earlier client generation", newLegacyFile, layDownLegacy},
     }};
     return kinds;
-}
-
-const StoreKind* storeKindByWord(const std::string& word)
-{
-    const auto& kinds = storeKinds();
-    const auto* const found =
-        std::find_if(kinds.begin(), kinds.end(), [&](const StoreKind& kind) { return word == kind.word; });
-    return found == kinds.end() ? nullptr : found;
 }
 
 } // namespace dbservice

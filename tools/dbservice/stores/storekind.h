@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,7 @@ inline constexpr const char* transferFileName = narrow<DatabaseService::transfer
 
 /// A kind of store file that the library knows.
 struct StoreKind {
-    const char* word;       ///< for programs and options
+    const char* word;       ///< for programs
     const char* meaning;    ///< for people
     const wchar_t* newFile; ///< where `layDown` has its file, when the library opens its files in `newStoreFolder`
     void (*layDown)();      ///< has the library lay down all its tables
@@ -34,8 +35,5 @@ inline constexpr const wchar_t* newStoreFolder = L"/new";
 
 inline constexpr std::size_t storeKindCount = 6;
 const std::array<StoreKind, storeKindCount>& storeKinds();
-
-/// Nothing where no kind has the word.
-const StoreKind* storeKindByWord(const std::string& word);
 
 } // namespace dbservice

@@ -1,0 +1,191 @@
+#include "command.h"
+#include "commands/commands.h"
+#include "platform/paths.h"
+#include "platform/scopeexit.h"
+#include "stores/salvage.h"
+#include "stores/session.h"
+#include "stores/storefile.h"
+#include "stores/storewatch.h"
+#include "terminal/displaytext.h"
+#include "terminal/failure.h"
+#include "terminal/json.h"
+#include "terminal/table.h"
+
+#include <iostream>
+
+namespace fs = std::filesystem;
+
+namespace dbservice {
+
+namespace {
+
+struct RecoverOptions {
+    std::string file;
+    std::string out;
+};
+
+/// A file that gets its name when it is whole, and is gone otherwise.
+class NewFile {
+public:
+    explicit NewFile(const fs::path& name) : m_name(name), m_partial(fs::path(name) += ".partial")
+    {
+        for (const fs::path& file : {m_name, m_partial}) {
+            requireFree(file);
+        }
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    ~NewFile()
+    {
+        std::error_code ignored;
+        fs::remove(m_partial, ignored);
+        fs::remove(fs::path(m_partial) += "-journal", ignored);
+    }
+
+    const fs::path& partial() const { return m_partial; }
+
+    void giveName() const
+    {
+        std::error_code error;
+        fs::create_hard_link(m_partial, m_name, error); // fails where the name has been taken meanwhile
+        if (error) {                                    // or where the disk knows no such thing
+            requireFree(m_name);
+            fs::rename(m_partial, m_name, error);
+        }
+        if (error) {
+            throw Failure("cannot make " + platform::toUtf8(m_name) + ": " + error.message());
+        }
+    }
+
+private:
+    static void requireFree(const fs::path& file)
+    {
+        std::error_code error;
+        const fs::file_status status = fs::symlink_status(file, error);
+        if (!fs::status_known(status)) {
+            throw Failure("cannot make " + platform::toUtf8(file) + ": " + error.message());
+        }
+        if (fs::exists(status)) {
+            throw Failure("cannot make " + platform::toUtf8(file) +
+                          ": something of that name is there already, and nothing is overwritten");
+        }
+    }
+
+    fs::path m_name;
+    fs::path m_partial;
+};
+
+struct Recovered {
+    const StoreKind* kind;
+    Salvage salvage;
+};
+
+Recovered recoverInto(Session& session, const fs::path& file, const fs::path& partial)
+{
+    Database& damaged = session.openToRead(file);
+    damaged.run("PRAGMA writable_schema = ON"); // with which SQLite opens files that are cut short
+    damaged.run("BEGIN");                       // from the first read on nobody writes
+    const StoreShape shape = shapeOf(damaged);
+    const StoreKind* const kind = kindOf(shape);
+    if (kind == nullptr) {
+        throw Failure("it has no table of the library's");
+    }
+    Database fresh(partial, Database::Access::Create);
+    Recovered recovered{kind, salvage(damaged, shape, *kind, fresh)};
+    damaged.run("ROLLBACK");
+    return recovered;
+}
+
+void show(const Session& session, const Recovered& recovered)
+{
+    Table table({{"Table"}, {"Saved", Table::Align::Right}, {"Known lost", Table::Align::Right}, {""}});
+    for (const SavedTable& saved : recovered.salvage.tables) {
+        if (session.json()) {
+            std::cout << toLine({{"table", saved.table},
+                                 {"saved", saved.saved},
+                                 {"lost", saved.lost},
+                                 {"mayLackMore", saved.mayLackMore},
+                                 {"lostKeys", saved.lostKeys}})
+                      << '\n';
+        }
+        table.add(
+            {saved.table, grouped(saved.saved), grouped(saved.lost), saved.mayLackMore ? "there may be more" : ""});
+    }
+    if (!session.json()) {
+        table.print(std::cout, Session::outputWidth());
+    }
+}
+
+/// What is not as it was, for the end of the run; empty if all is.
+std::string loss(const Salvage& salvage)
+{
+    std::int64_t lost = 0;
+    bool mayLackMore = false;
+    for (const SavedTable& saved : salvage.tables) {
+        lost += saved.lost;
+        mayLackMore = mayLackMore || saved.mayLackMore;
+    }
+    if (lost == 0 && !mayLackMore) {
+        return {};
+    }
+    return counted(lost, "row is known to be lost", "rows are known to be lost") +
+        (mayLackMore ? ", and there may have been more" : "");
+}
+
+int recover(Session& session, const RecoverOptions& options)
+{
+    const fs::path file = pathFromArgument(options.file);
+    const fs::path out = pathFromArgument(options.out);
+    const NewFile made(out);
+    Recovered recovered;
+    {
+        const StoreWatch::Bearing bearing;
+        try {
+            recovered = recoverInto(session, file, made.partial());
+        } catch (const Failure& failure) {
+            const bool isLock = bearing.fault() && bearing.fault()->isLock;
+            throw Failure("cannot recover " + platform::toUtf8(file) + ": " +
+                          (isLock ? bearing.fault()->reason : failure.what()) + "; nothing has been made" +
+                          (isLock ? "" : ". What the sqlite3 shell finds page by page: sqlite3 FILE .recover"));
+        }
+    }
+    made.giveName();
+    show(session, recovered);
+    Reporter& reporter = session.reporter();
+    reporter.note("what could be read of the " + std::string(recovered.kind->meaning) + " is in " +
+                  platform::toUtf8(out) + "; `dbservice check` tells whether it makes sense");
+    for (const std::string& table : recovered.salvage.leftOut) {
+        reporter.warning("the table " + table + " is none of the library's and is left out");
+    }
+    if (!recovered.salvage.knowsGivenIds) {
+        reporter.warning("which ids were given before is not known, so that ids of rows that are gone may come again");
+    }
+    const std::string lost = loss(recovered.salvage);
+    if (!lost.empty()) {
+        reporter.error("cannot save all: " + lost);
+        return failed;
+    }
+    return 0;
+}
+
+} // namespace
+
+Command recoverCommand()
+{
+    return {
+        .name = "recover",
+        .group = group::stores,
+        .summary = "Save what can be read of a damaged store file into a new one",
+        .arguments = {argument<&RecoverOptions::file>("FILE", "A store's file, whatever it is called",
+                                                      {.required = true}),
+                      argument<&RecoverOptions::out>("OUT", "The file to make; it may not be there",
+                                                     {.required = true})},
+        .details = "The new file has the tables and indexes that this library lays down. Around a damage rows are read "
+                   "from both\nsides, and the table's indexes tell which ones are lost; with --json their keys are "
+                   "named. The damaged\nfile stays as it is. The exit code is 1 when rows are lost.",
+        .example = "dbservice recover DriveModuleData.dat saved.dat",
+        .run = recover,
+    };
+}
+
+} // namespace dbservice
