@@ -349,7 +349,7 @@ TEST_F(Engine, AParameterTakesWhatTheElementBeforeDidNotHave)
     m_file.exec("CREATE TABLE v(value)");
     Rows expected;
     Binds list;
-    for (const std::string cell : {"0", "0", "''", "''", "0", "7", "7", "0", "'a'", "''", "'b'", "0"}) {
+    for (const std::string cell : {"0", "0", "''", "''", "0", "7", "7", "'a'", "7", "''", "'b'", "''"}) {
         const bool isText = cell.front() == '\'';
         isText ? list.emplace_back().Bind(cell.substr(1, cell.size() - 2), ":value")
                : list.emplace_back().Bind(std::stoi(cell), ":value");
