@@ -23,17 +23,6 @@ struct CheckOptions {
     bool repair = false;
 };
 
-/// A folder's files that the library takes for stores: copies beside them are not looked at.
-std::vector<fs::path> filesMeant(const Session& session, const std::string& named)
-{
-    std::vector<fs::path> files = databasesMeant(session, named);
-    std::error_code ignored;
-    if (named.empty() || fs::is_directory(pathFromArgument(named), ignored)) {
-        std::erase_if(files, [](const fs::path& file) { return file.extension() != ".dat"; });
-    }
-    return files;
-}
-
 class Report {
 public:
     explicit Report(const Session& session) : m_session(session) { }
@@ -94,7 +83,7 @@ int check(Session& session, const CheckOptions& options)
 {
     Report report(session);
     int code = 0;
-    for (const fs::path& file : filesMeant(session, options.path)) {
+    for (const fs::path& file : storesMeant(session, options.path)) {
         Findings findings = checkStore(session, file);
         const bool mendable =
             std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.mendable; });

@@ -7,7 +7,8 @@
 #include "platform/text.h"
 #include "report/reportpage.h"
 #include "stores/session.h"
-#include "stores/storefile.h"
+#include "stores/storecheck.h"
+#include "stores/storelook.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
 #include "terminal/json.h"
@@ -36,14 +37,12 @@ std::int64_t now()
 }
 
 /// With the bytes of each table and its indexes, where this SQLite counts pages.
-std::vector<Report::Table> readTables(Database& database)
+std::vector<Report::Table> tablesOf(Database& database, const StoreLook& look)
 {
     const bool countsPages = database.number("SELECT COUNT(*) FROM pragma_module_list WHERE name = 'dbstat'") > 0;
     std::vector<Report::Table> tables;
-    for (const std::string& name : database.tables()) {
-        Report::Table& table = tables.emplace_back();
-        table.name = name;
-        table.rows = database.number("SELECT COUNT(*) FROM " + inQuotes(name, '"'));
+    for (const auto& [name, rows] : look.rows) {
+        Report::Table& table = tables.emplace_back(name, rows);
         if (countsPages) {
             table.bytes = database.number("SELECT SUM(pgsize) FROM dbstat WHERE aggregate = 1 AND name IN "
                                           "(SELECT name FROM sqlite_master WHERE tbl_name = ?)",
@@ -92,6 +91,33 @@ std::vector<Report::Operation> readPending(DatabaseService::DriverDBProvider& dr
     return pending;
 }
 
+/// As far as the file can be read; why it cannot is among its findings.
+void add(Report& report, Session& session, const fs::path& file)
+{
+    const StoreLook look = lookAtStore(session, file);
+    const std::string name = platform::toUtf8(file.filename());
+    const Findings& findings = report.checked.emplace_back(name, checkStore(session, file)).findings;
+    const bool isSound = std::ranges::none_of(
+        findings, [](const Finding& finding) { return finding.severity == Finding::Severity::Error; });
+    const std::string kind = look.kind == nullptr ? "" : look.kind->word;
+    Report::Store& store = report.stores.emplace_back();
+    store.file = name;
+    store.kind = look.kind == nullptr ? "not a store" : look.kind->meaning;
+    store.bytes = static_cast<std::int64_t>(look.size);
+    store.trouble = whatStopped(file, [&] {
+        Database& database = session.openToRead(file);
+        store.tables = tablesOf(database, look);
+        if (kind == "drive") {
+            report.drive = readDriveMap(database, report.time);
+        } else if (kind == "transfers") {
+            report.transfers = readTransfers(database);
+        }
+    });
+    if (isSound && name == driveFileName) {
+        report.pending = readPending(session.readDrive());
+    }
+}
+
 int report(Session& session, const ReportOptions& options)
 {
     const fs::path file = pathFromArgument(options.file);
@@ -103,24 +129,9 @@ int report(Session& session, const ReportOptions& options)
     report.folder = platform::toUtf8(session.storeFolder());
     report.time = now();
     report.versions = "dbservice " + DatabaseService::LibraryVersion();
-    for (const std::string_view name : storeFileNames) {
-        const fs::path store = session.storeFolder() / name;
-        if (!fs::exists(store, error)) {
-            continue;
-        }
-        Database& database = session.openToRead(store);
-        Report::Store& shown = report.stores.emplace_back();
-        shown.file = name;
-        shown.bytes = static_cast<std::int64_t>(fs::file_size(store, error));
-        shown.tables = readTables(database);
-        if (name == driveFileName) {
-            report.drive = readDriveMap(database, report.time);
-            report.pending = readPending(session.readDrive());
-        } else if (name == transferFileName) {
-            report.transfers = readTransfers(database);
-        }
+    for (const fs::path& store : storesMeant(session, {})) {
+        add(report, session, store);
     }
-    session.stopIfFailed("report on the stores");
     fs::path unfinished = file;
     unfinished += ".part";
     std::ofstream out(unfinished, std::ios::binary);

@@ -76,14 +76,18 @@ private:
     void writeFindings()
     {
         m_out << "<h2>Findings</h2>\n";
-        if (m_report.findings.empty()) {
+        if (std::ranges::all_of(m_report.checked, [](const auto& checked) { return checked.findings.empty(); })) {
             m_out << "<p>Nothing is wrong with these files.</p>\n";
             return;
         }
         m_out << "<table>\n";
-        for (const Report::Finding& finding : m_report.findings) {
-            m_out << "<tr><td class=\"" << escaped(finding.severity) << "\">" << escaped(finding.severity) << "</td>"
-                  << cell(finding.text) << "</tr>\n";
+        for (const auto& [file, findings] : m_report.checked) {
+            for (const Finding& finding : findings) {
+                const std::string severity = word(finding.severity);
+                m_out << "<tr><td class=\"" << severity << "\">" << severity << "</td>" << cell(file)
+                      << cell(finding.table + (finding.key.empty() ? "" : " " + inCell(finding.key)))
+                      << cell(finding.what) << "</tr>\n";
+            }
         }
         m_out << "</table>\n";
     }

@@ -2,6 +2,7 @@
 
 #include "drive/drivemarkers.h"
 #include "report/drivemap.h"
+#include "stores/finding.h"
 
 #include <cstdint>
 #include <iosfwd>
@@ -35,9 +36,10 @@ struct Report {
         std::int64_t rows = 0;
         std::int64_t bytes = 0;
     };
-    struct Finding {
-        std::string severity; ///< error, warning or note
-        std::string text;
+    /// What `check` found in a file.
+    struct Checked {
+        std::string file;
+        Findings findings;
     };
 
     std::string folder;
@@ -47,7 +49,7 @@ struct Report {
     std::optional<DriveMap> drive;
     std::vector<Operation> pending;
     std::vector<Transfers> transfers;
-    std::vector<Finding> findings;
+    std::vector<Checked> checked;
 };
 
 /// Writes one HTML page that needs nothing beside it and asks no network for anything. What moves in it is a script of

@@ -112,6 +112,16 @@ std::vector<fs::path> databasesMeant(const Session& session, const std::string& 
     return files;
 }
 
+std::vector<fs::path> storesMeant(const Session& session, const std::string& named)
+{
+    std::vector<fs::path> files = databasesMeant(session, named);
+    std::error_code ignored;
+    if (named.empty() || fs::is_directory(pathFromArgument(named), ignored)) {
+        std::erase_if(files, [](const fs::path& file) { return file.extension() != ".dat"; });
+    }
+    return files;
+}
+
 std::vector<std::pair<fs::path, std::uintmax_t>> journalsOf(const fs::path& file)
 {
     std::vector<std::pair<fs::path, std::uintmax_t>> found;

@@ -41,6 +41,9 @@ std::vector<std::filesystem::path> databasesIn(const std::filesystem::path& fold
 /// `Failure` when there are none.
 std::vector<std::filesystem::path> databasesMeant(const Session& session, const std::string& named);
 
+/// The same without a folder's files that the library does not take for stores, such as copies.
+std::vector<std::filesystem::path> storesMeant(const Session& session, const std::string& named);
+
 /// The journals that lie beside a file, with their sizes.
 std::vector<std::pair<std::filesystem::path, std::uintmax_t>> journalsOf(const std::filesystem::path& file);
 
