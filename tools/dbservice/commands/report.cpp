@@ -113,8 +113,11 @@ void add(Report& report, Session& session, const fs::path& file)
             report.transfers = readTransfers(database);
         }
     });
-    if (isSound && name == driveFileName) {
-        report.pending = readPending(session.readDrive());
+    if (name == driveFileName) {
+        report.pending.reset();
+        if (isSound) {
+            report.pending = readPending(session.readDrive());
+        }
     }
 }
 
@@ -129,6 +132,7 @@ int report(Session& session, const ReportOptions& options)
     report.folder = platform::toUtf8(session.storeFolder());
     report.time = now();
     report.versions = "dbservice " + DatabaseService::LibraryVersion();
+    report.pending.emplace();
     for (const fs::path& store : storesMeant(session, {})) {
         add(report, session, store);
     }

@@ -123,7 +123,9 @@ private:
         writeFigure(grouped(drive.files), "files");
         writeFigure(grouped(drive.folders), "folders");
         writeFigure(humanSize(drive.bytes), "in files");
-        writeFigure(grouped(static_cast<std::int64_t>(m_report.pending.size())), "operations waiting");
+        if (m_report.pending) {
+            writeFigure(grouped(static_cast<std::int64_t>(m_report.pending->size())), "operations waiting");
+        }
         m_out << "</div>\n<p class=\"quiet\">What is in the bin does not count.</p>\n";
         if (drive.inCircles > 0) {
             m_out << "<p class=\"error\">" << counted(drive.inCircles, "row is", "rows are")
@@ -191,21 +193,22 @@ private:
     void writePending()
     {
         m_out << "<h2>Operations that wait for the cloud</h2>\n";
-        if (m_report.pending.empty()) {
-            m_out << "<p>None.</p>\n";
+        if (!m_report.pending || m_report.pending->empty()) {
+            m_out << (m_report.pending ? "<p>None.</p>\n" : "<p>They could not be read; see the findings.</p>\n");
             return;
         }
-        writeTimeLine();
+        const std::vector<Report::Operation>& operations = *m_report.pending;
+        writeTimeLine(operations);
         m_out << "<table>\n<tr><th>Operation</th><th>When</th><th>Path</th><th>Becomes</th></tr>\n";
-        for (std::size_t i = 0; i < std::min(shownOperations, m_report.pending.size()); ++i) {
-            const auto& [path, marker] = m_report.pending[i];
+        for (std::size_t i = 0; i < std::min(shownOperations, operations.size()); ++i) {
+            const auto& [path, marker] = operations[i];
             m_out << "<tr>" << cell(marker.operation) << cell(timeOf(marker) > 0 ? humanTime(timeOf(marker)) : "")
                   << cell(path) << cell(marker.newName) << "</tr>\n";
         }
         m_out << "</table>\n";
-        if (m_report.pending.size() > shownOperations) {
+        if (operations.size() > shownOperations) {
             m_out << "<p class=\"quiet\">And "
-                  << grouped(static_cast<std::int64_t>(m_report.pending.size() - shownOperations))
+                  << grouped(static_cast<std::int64_t>(operations.size() - shownOperations))
                   << " more; dbservice pending lists all.</p>\n";
         }
     }
@@ -221,12 +224,12 @@ private:
     }
 
     /// A lane for each kind of operation, from the oldest to the newest.
-    void writeTimeLine()
+    void writeTimeLine(const std::vector<Report::Operation>& operations)
     {
         std::int64_t first = std::numeric_limits<std::int64_t>::max();
         std::int64_t last = 0;
         std::vector<std::string_view> lanes;
-        for (const auto& [path, marker] : m_report.pending) {
+        for (const auto& [path, marker] : operations) {
             if (std::ranges::find(lanes, std::string_view(marker.operation)) == lanes.end()) {
                 lanes.emplace_back(marker.operation);
             }
@@ -251,7 +254,7 @@ private:
                   << "\" x2=\"" << left + width << "\" y1=\"" << y << "\" y2=\"" << y << "\"/>\n";
         }
         std::size_t dots = 0;
-        for (const auto& [path, marker] : m_report.pending) {
+        for (const auto& [path, marker] : operations) {
             if (timeOf(marker) == 0 || ++dots > mostDots) {
                 continue;
             }

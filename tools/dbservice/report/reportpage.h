@@ -47,7 +47,7 @@ struct Report {
     std::string versions;
     std::vector<Store> stores;
     std::optional<DriveMap> drive;
-    std::vector<Operation> pending;
+    std::optional<std::vector<Operation>> pending; ///< nothing where it could not be read
     std::vector<Transfers> transfers;
     std::vector<Checked> checked;
 };
