@@ -143,10 +143,15 @@ int recover(Session& session, const RecoverOptions& options)
         try {
             recovered = recoverInto(session, file, made.partial());
         } catch (const Failure& failure) {
-            const bool isLock = bearing.fault() && bearing.fault()->isLock;
-            throw Failure("cannot recover " + platform::toUtf8(file) + ": " +
-                          (isLock ? bearing.fault()->reason : failure.what()) + "; nothing has been made" +
-                          (isLock ? "" : ". What the sqlite3 shell finds page by page: sqlite3 FILE .recover"));
+            std::string reason = failure.what();
+            std::string further;
+            if (bearing.fault() && bearing.fault()->isLock) {
+                reason = bearing.fault()->reason;
+            } else if (bearing.fault()) {
+                further = ". A sqlite3 shell whose SQLite has sqlite_dbpage looks page by page: sqlite3 FILE .recover";
+            }
+            throw Failure("cannot recover " + platform::toUtf8(file) + ": " + reason + "; nothing has been made" +
+                          further);
         }
     }
     made.giveName();

@@ -20,6 +20,8 @@ namespace {
 using Severity = Finding::Severity;
 using Of = ShapeDifference::Of;
 
+constexpr const char* whatHelps = "; `dbservice recover` saves what can be read";
+
 /// Whether another program holds the lock of a writer on the file, which lets others read.
 bool isBeingWritten(const Database& database)
 {
@@ -39,7 +41,7 @@ Finding findingOf(const ShapeDifference& difference)
         break;
     case Of::MissingColumn:
         finding.severity = Severity::Error;
-        finding.what += ": every statement that names it fails";
+        finding.what += ": every statement that names it fails; `dbservice recover` makes a file that has it";
         break;
     case Of::OtherColumn:
         finding.severity = Severity::Warning;
@@ -84,13 +86,17 @@ public:
 private:
     template <class Part> bool part(Part look)
     {
-        const std::string reason = whatStopped(m_file, look);
+        std::string reason = whatStopped(m_file, look);
+        const bool well = reason.empty();
+        if (reason.starts_with("damaged") || reason.starts_with("cut short")) {
+            reason += whatHelps;
+        }
         const bool isKnown = std::any_of(m_findings.begin(), m_findings.end(),
                                          [&](const Finding& finding) { return finding.what == reason; });
-        if (!reason.empty() && !isKnown) {
+        if (!well && !isKnown) {
             add(Severity::Error, {}, reason);
         }
-        return reason.empty();
+        return well;
     }
 
     void add(Severity severity, const std::string& table, const std::string& what, bool mendable = false)
@@ -135,7 +141,7 @@ private:
             const bool mendable = index != std::string::npos || line.starts_with("wrong # of entries in index ");
             const bool isKnown = m_namesDisagree && mendable && line.ends_with(" nameIndex");
             if (line != "ok" && !isKnown) {
-                add(Severity::Error, {}, "damaged: " + line, mendable);
+                add(Severity::Error, {}, "damaged: " + line + (mendable ? "; --repair mends it" : whatHelps), mendable);
             }
         }
     }
