@@ -67,6 +67,14 @@ test-report: build/release/build.ninja ## look at a report page in a browser, an
 build-clang: build/clang/build.ninja ## build the libraries and their tests with clang, too
 	cmake --build --preset clang
 
+.PHONY: package
+package: build/package/build.ninja ## make Debian packages of the libraries and the tool, build/package/*.deb
+	cmake --build --preset package
+
+.PHONY: test-package
+test-package: package checks-packages ## check them, install them into a root of their own, use them, remove them
+	tests/package/try-packages build/package
+
 .PHONY: bench
 bench: benchmark ## measure the library beside plain use of the SQLite C interface
 	$(benchmark)

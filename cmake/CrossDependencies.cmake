@@ -43,7 +43,7 @@ add_library(SQLite::SQLite3 ALIAS sqlite3)
 target_compile_definitions(sqlite3 PRIVATE SQLITE_API=__declspec\(dllexport\))
 target_include_directories(sqlite3 SYSTEM INTERFACE $<BUILD_INTERFACE:${carrier}/deps/sqlite3>)
 set_target_properties(sqlite3 PROPERTIES PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
-install(TARGETS sqlite3 EXPORT DatabaseService)
+install(TARGETS sqlite3 EXPORT DatabaseService RUNTIME COMPONENT runtime ARCHIVE COMPONENT dev)
 mark_as_found(SQLite3)
 
 # utf8proc, which knows how wide a character is.
@@ -83,5 +83,5 @@ foreach(name IN ITEMS libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
     OUTPUT_VARIABLE library OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   file(COPY ${library} DESTINATION ${PROJECT_BINARY_DIR}/bin)
-  install(FILES ${library} DESTINATION bin)
+  install(FILES ${library} DESTINATION bin COMPONENT runtime)
 endforeach()

@@ -69,11 +69,15 @@ if(NOT BUILD_SHARED_LIBS)
   # No interface of its own: the static libraries need its code.
   list(APPEND installed platform)
 endif()
-install(TARGETS ${installed} EXPORT DatabaseService FILE_SET HEADERS)
+install(TARGETS ${installed} EXPORT DatabaseService
+  RUNTIME COMPONENT runtime
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT dev
+  ARCHIVE COMPONENT dev
+  FILE_SET HEADERS COMPONENT dev)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/DatabaseService)
 install(EXPORT DatabaseService NAMESPACE DatabaseService:: FILE DatabaseServiceTargets.cmake
-  DESTINATION ${package_folder})
+  DESTINATION ${package_folder} COMPONENT dev)
 configure_package_config_file(cmake/DatabaseServiceConfig.cmake.in ${PROJECT_BINARY_DIR}/DatabaseServiceConfig.cmake
   INSTALL_DESTINATION ${package_folder} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/DatabaseServiceConfigVersion.cmake
@@ -81,4 +85,4 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/DatabaseServiceConfigVers
 install(FILES
   ${PROJECT_BINARY_DIR}/DatabaseServiceConfig.cmake
   ${PROJECT_BINARY_DIR}/DatabaseServiceConfigVersion.cmake
-  DESTINATION ${package_folder})
+  DESTINATION ${package_folder} COMPONENT dev)

@@ -1,0 +1,22 @@
+# What Windows shows of a file among its properties, from the project's version.
+if(WIN32)
+  enable_language(RC)
+endif()
+
+function(add_version_resource target file_description)
+  get_target_property(type ${target} TYPE)
+  if(NOT WIN32 OR type STREQUAL "STATIC_LIBRARY")
+    return()
+  endif()
+  if(type STREQUAL "EXECUTABLE")
+    set(file_type VFT_APP)
+    set(file_name ${target}.exe)
+  else()
+    set(file_type VFT_DLL)
+    set(file_name ${CMAKE_SHARED_LIBRARY_PREFIX}${target}.dll)
+  endif()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${PROJECT_BINARY_DIR}/resources/${target}.rc @ONLY)
+  # By itself, since the resource compiler takes none of the options for C++.
+  add_library(${target}_version OBJECT ${PROJECT_BINARY_DIR}/resources/${target}.rc)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:$<TARGET_OBJECTS:${target}_version>>)
+endfunction()
