@@ -19,9 +19,12 @@ set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
 
 if(WIN32)
-  # Who can use what; beside the programs.
-  install(FILES ${PROJECT_SOURCE_DIR}/cmake/package/README-Windows.txt DESTINATION . COMPONENT runtime)
-  install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . RENAME LICENSE.txt COMPONENT runtime)
+  if(MINGW)
+    # Who can use what.
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/package/README-Windows.txt DESTINATION . COMPONENT runtime
+      RENAME README.txt)
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT runtime RENAME LICENSE.txt)
+  endif()
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME databaseservice-${PROJECT_VERSION}-windows-x64)
   include(CPack)

@@ -1,5 +1,5 @@
-# Packages of shared libraries ask dpkg for one run of ldconfig at its end, as Debian's do. CPack gives them scripts that
-# run it instead; these are taken out again.
+# Has packages of shared libraries ask dpkg for one run of ldconfig at its end, as Debian's own do, in place of the
+# scripts that CPack gives them.
 find_program(DPKG_DEB dpkg-deb REQUIRED)
 
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
