@@ -24,7 +24,7 @@ void log(int line, const char* function, const char* message)
 template <class Payload> void leaveAllocated(std::unique_ptr<Payload> payload)
 {
     platform::neverDestroyed(std::move(payload));
-}
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
 
 template <class Payload>
 bool postCopy(FastAccessDBModule& module, unsigned message, uint64 shortParameter, Payload payload)

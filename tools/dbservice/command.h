@@ -96,10 +96,10 @@ public:
     /// Of a command that is nothing without one of its parts.
     Action() = default;
     Action(int (*run)(Session&)) : m_run(run) { }
-    template <class Options> Action(int (*run)(Session&, Options))
+    template <class Options>
+    Action(int (*run)(Session&, Options)) : m_type(&typeid(Options)) // which does not look at const and reference
     {
         const auto options = std::make_shared<std::remove_cvref_t<Options>>();
-        m_type = &typeid(Options); // which does not look at const and reference
         m_options = options;
         m_run = [run, options](Session& session) { return run(session, *options); };
     }
