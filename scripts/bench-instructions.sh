@@ -51,27 +51,30 @@ compare()
 
 echo "Instructions on stores of $rows records"
 printf '%-16s%8s%16s%16s%9s%8s\n' "" rows library expert ratio limit
-compare insert 1.05
-compare insert-bare
-compare read-all 1.10
-compare children
-compare by-id
-compare update
-compare page-name 1.02
-compare page-size 1.02
-compare counts 1.02
-compare class 1.02
-compare gallery-insert 1.08
-compare gallery-read-all 1.10
-compare changes-insert 1.08
-compare changes-read-all 1.10
-compare log-insert 1.08
-compare start 1.10
-compare completed-insert 1.08
-compare completed-update 1.08
-compare completed-read-all 1.10
-compare download-update 1.08
-compare upload-insert 1.08
-compare task-update 1.08
-compare task-read-all 1.10
+compare insert 1.01
+compare insert-bare 1.02
+compare read-all 0.95
+compare children 0.98
+compare by-id 1.005
+compare update 1.00
+compare page-name 1.00
+compare page-size 1.00
+compare counts 1.005
+compare class 1.00
+compare gallery-insert 1.02
+compare gallery-read-all 0.97
+compare changes-insert 1.02
+compare changes-read-all 0.97
+compare log-insert 1.02
+compare start 1.01
+compare completed-insert 1.02
+compare completed-update 1.01
+compare completed-read-all 0.97
+compare download-insert 1.02
+compare download-update 1.01
+compare download-read-all 0.97
+compare upload-insert 1.02
+compare upload-read-all 0.97
+compare task-update 1.01
+compare task-read-all 0.97
 exit $failed
