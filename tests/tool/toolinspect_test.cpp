@@ -75,6 +75,19 @@ TEST_F(ToolInspect, TheTablesTellWhichFileItIs)
         EXPECT_TRUE(bytesOf(utf8Path(renamed)) == before);
     }
     EXPECT_EQ(rows({"info"}).size(), 5U);
+
+    { // A writer that has been interrupted: what it had finished counts.
+        SqliteFile writer(storeFile());
+        writer.exec("PRAGMA cache_size = 1; BEGIN; DELETE FROM DriveFullTask; "
+                    "UPDATE DriveDataTable SET description = printf('%.*c', 9000, 'x')");
+        copy("DriveModuleData.dat-journal", "copy-journal");
+        const std::string interrupted = copy("DriveModuleData.dat");
+        const auto before = bytesOf(utf8Path(interrupted));
+        EXPECT_TRUE(contains(run({"check", interrupted}).out, "0 errors, 0 warnings, 1 note"));
+        EXPECT_EQ(lineOf({"--json", "info", interrupted})["beside"].size(), 1U);
+        EXPECT_TRUE(bytesOf(utf8Path(interrupted)) == before);
+        fs::remove(m_folder.path() / "copy-journal");
+    }
     EXPECT_TRUE(refused(run({"info", path("nowhere")}), "there is no such file or folder"));
     writeFile(store() / "main.dat", "this is no database, but long enough for one");
     fs::resize_file(storeFile(), 2 * pageSize);

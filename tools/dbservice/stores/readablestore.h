@@ -23,6 +23,7 @@ public:
     ReadableStore(const ReadableStore&) = delete;
     ReadableStore& operator=(const ReadableStore&) = delete;
 
+    bool isCopy() const { return m_copy.has_value(); }
     const std::filesystem::path& folder() const { return m_copy ? m_copy->path() : m_folder; }
 
 private:

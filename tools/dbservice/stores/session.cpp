@@ -204,9 +204,9 @@ DatabaseService::DriverDBProvider& Session::mendDrive()
 Session::OpenedFile::OpenedFile(const fs::path& named)
     : file(fs::absolute(named).lexically_normal()),
       readable(file.parent_path(), file.filename(), ReadableStore::Copy::WhereNeeded, platform::toUtf8(named)),
-      database(readable.folder() / file.filename(), // where a journal has to be undone, it is in a copy
-               readable.folder() == file.parent_path() ? Database::Access::Read : Database::Access::Write,
-               platform::toUtf8(named))
+      // A copy's journal can only be rolled back by one who may write.
+      database(readable.folder() / file.filename(),
+               readable.isCopy() ? Database::Access::Write : Database::Access::Read, platform::toUtf8(named))
 {
 }
 
