@@ -1,6 +1,7 @@
 #include "stores/salvage.h"
 
 #include "stores/database.h"
+#include "stores/pagerows.h"
 #include "stores/storefile.h"
 #include "terminal/failure.h"
 
@@ -54,10 +55,9 @@ public:
                 add(column, "NULL");
             }
         }
-        const std::string insert =
-            "INSERT INTO " + inQuotes(table.name, '"') + "(" + names + ") VALUES(" + values + ")";
+        m_insert = "INSERT INTO " + inQuotes(table.name, '"') + "(" + names + ") VALUES(" + values + ")";
         sqlite3_stmt* statement = nullptr;
-        if (sqlite3_prepare_v2(fresh.handle(), insert.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
+        if (sqlite3_prepare_v2(fresh.handle(), m_insert.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
             fail();
         }
         m_statement.reset(statement);
@@ -77,6 +77,20 @@ public:
             fail();
         }
         return code == SQLITE_DONE;
+    }
+
+    /// The same for the row's number and the values of its columns.
+    bool write(const std::vector<Database::Value>& values)
+    {
+        try {
+            m_fresh.run(m_insert, values);
+            return true;
+        } catch (const Failure&) {
+            if (sqlite3_extended_errcode(m_fresh.handle()) % 256 != SQLITE_CONSTRAINT) {
+                fail();
+            }
+            return false;
+        }
     }
 
 private:
@@ -111,6 +125,7 @@ private:
     };
 
     Database& m_fresh;
+    std::string m_insert;
     std::unique_ptr<sqlite3_stmt, Finalize> m_statement;
 
 public:
@@ -126,6 +141,7 @@ class TableSalvage {
 public:
     TableSalvage(Database& damaged, const TableShape& there, const TableShape& table, Database& fresh)
         : m_damaged(damaged),
+          m_there(there),
           m_table(there.name),
           m_name(inQuotes(there.name, '"')),
           m_columns(common(there, table)),
@@ -147,6 +163,7 @@ public:
                 halve(*gap);
             }
             readKnown();
+            readPages();
         }
         m_found.lost += static_cast<std::int64_t>(
             std::count_if(m_known.begin(), m_known.end(), [&](const auto& known) { return isLost(known); }));
@@ -256,7 +273,44 @@ private:
         }
     }
 
+    /// The rows that no way leads to any more, because a page on it is gone. One on a page without a way is taken for
+    /// one of this table when an index tells its number and its key.
+    void readPages()
+    {
+        const auto keyAt = std::find_if(m_there.columns.begin(), m_there.columns.end(),
+                                        [](const ColumnShape& column) { return column.key == 1; }) -
+            m_there.columns.begin();
+        const bool isLacking = std::any_of(m_known.begin(), m_known.end(), [this](const auto& known) {
+            return isLost(known) && !known.second.empty();
+        });
+        if (!isLacking) {
+            return;
+        }
+        PageRows(m_damaged).forEach([&](std::int64_t number, const std::vector<Database::Value>& values) {
+            const auto known = m_known.find(number);
+            const auto place = static_cast<std::size_t>(keyAt);
+            if (known == m_known.end() || known->second.empty() || m_seen.contains(number) || place >= values.size() ||
+                values.size() > m_there.columns.size() || values[place] != Database::Value(known->second)) {
+                return;
+            }
+            m_seen.insert(number);
+            ++(m_writer.write(ordered(number, values)) ? m_found.saved : m_found.lost);
+        });
+    }
+
+    /// A row of the file as the writer takes it.
+    std::vector<Database::Value> ordered(std::int64_t number, const std::vector<Database::Value>& values) const
+    {
+        std::vector<Database::Value> row{number};
+        for (const ColumnShape* column : m_columns) {
+            const auto place = static_cast<std::size_t>(m_there.column(column->name) - m_there.columns.data());
+            row.push_back(place < values.size() ? values[place] : Database::Value());
+        }
+        return row;
+    }
+
     Database& m_damaged;
+    const TableShape& m_there;
     const std::string m_table;
     const std::string m_name; ///< in quotes
     const std::vector<const ColumnShape*> m_columns;

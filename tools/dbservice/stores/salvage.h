@@ -26,7 +26,8 @@ struct Salvage {
 };
 
 /// Lays the library's tables of a kind down in a new file and carries over what can be read of a damaged one. Around a
-/// damage it reads by ranges of row numbers from both sides, and asks the table's indexes which rows there were.
+/// damage it reads by ranges of row numbers from both sides, asks the table's indexes which rows there were, and looks
+/// for those on every page of the file.
 ///
 /// Throws a `Failure` where the damaged file does not even tell its tables, and where the new one cannot be written.
 Salvage salvage(Database& damaged, const StoreShape& shape, const StoreKind& kind, Database& fresh);
