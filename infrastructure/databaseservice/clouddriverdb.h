@@ -55,6 +55,10 @@ enum CLOUD_DB_VIEW_TYPE : int {
 /// An empty parent id stands for the recycle bin: rows recycled by the user themselves, not yet expired, without a
 /// pending restore or final deletion.
 ///
+/// Folders and files are paged apart: for one list the caller asks `QueryChildFolder` first and `QueryChildFile` for
+/// what is left of the page, with the number of folders taken off the offset. A negative `offset` or `count` is taken
+/// for the unsigned number of its bits: as an offset it skips 4 billion rows, as a count it is no limit.
+///
 /// Threads: one at a time has an object, which keeps one connection open; a locked file is waited for up to 30
 /// seconds. The path is set before the first object is made.
 /// Ownership: records are appended to the caller's vectors.

@@ -301,4 +301,123 @@ TEST_F(ToolQuery, ACopyIsWholeWhateverGoesOn)
     EXPECT_FALSE(fs::exists(folder + "2"));
 }
 
+// The rows of a folder that its list leaves out are shown with the reason, which is the list's own condition.
+TEST_F(ToolQuery, WhatAListMissesIsFoundWithTheReason)
+{
+    const std::pair<std::string, std::string> reasons[]{{"recycled = 1", "is in the bin"},
+                                                        {"directlyRecycled = 1", "was put into the bin"},
+                                                        {"softDelBatchId = 7", "waits for the bin"},
+                                                        {"moveBatchId = 7", "waits to move"},
+                                                        {"needToDisplay = 2", "is not to be displayed"},
+                                                        {"needToDisplay = NULL", "is not to be displayed"},
+                                                        {"recycled = NULL", "is in the bin (recycled = NULL)"},
+                                                        {"mimeType = NULL", "is neither"},
+                                                        {"hardDelBatchId = 7", ""},
+                                                        {"restoreBatchId = 7", ""}};
+    for (const auto& [change, reason] : reasons) {
+        SCOPED_TRACE(change);
+        changeStore("CREATE TABLE kept AS SELECT * FROM DriveDataTable; UPDATE DriveDataTable SET " + change +
+                    " WHERE name = 'b.txt'");
+        const std::size_t listed = names({"ls"}).size();
+        EXPECT_EQ(listed, reason.empty() ? 3U : 2U);
+        const std::vector<json> all = rows({"ls", "--all"});
+        ASSERT_EQ(all.size(), 3U);
+        for (const json& shown : {all.back(), rows({"find", "B.T"}).at(0)}) {
+            EXPECT_EQ(shown["name"], "b.txt");
+            EXPECT_EQ(shown["hidden"].size(), reason.empty() ? 0U : 1U);
+            EXPECT_TRUE(contains(shown["hidden"].dump(), reason));
+        }
+        EXPECT_TRUE(contains(onStore({"ls", "--all"}).out, reason.empty() ? "3 in its list, 0" : "2 in its list, 1"));
+        changeStore("DELETE FROM DriveDataTable; INSERT INTO DriveDataTable SELECT * FROM kept; DROP TABLE kept");
+    }
+    EXPECT_EQ(names({"ls", "--all", "--sort", "-size", "--offset", "1"}),
+              (std::vector<std::string>{"a9.txt", "b.txt"}));
+    EXPECT_EQ(names({"ls", "--all", "--sort", "-name", "--count", "1"}), std::vector<std::string>{"b.txt"});
+}
+
+TEST_F(ToolQuery, NamesAreFoundByPattern)
+{
+    for (const char* name : {"\xC3\x9C"
+                             "bung/a.txt",
+                             "x[1].txt", "Abc"}) {
+        writeFile(source() / utf8Path(name), "");
+    }
+    ASSERT_EQ(scan().code, 0);
+    const std::tuple<Arguments, std::vector<std::string>> cases[]{
+        {{"a?.TXT"}, {"a9.txt"}},
+        {{"a*"}, {"a.txt", "a9.txt", "A10.txt", "Abc"}},
+        {{"a*", "--case"}, {"a.txt", "a9.txt"}},
+        {{"[!a-w]*"},
+         {"x[1].txt",
+          "\xC3\x9C"
+          "bung"}},
+        {{"x\\[1]*"}, {"x[1].txt"}},
+        {{"x[[]1*"}, {"x[1].txt"}},
+        {{"\xC3\xBC"
+          "B"},
+         {"\xC3\x9C"
+          "bung"}},
+        {{"*.*.*"}, {}},
+        {{".t", "--offset", "1", "--count", "2"}, {"a9.txt", "A10.txt"}},
+        {{"["}, {"x[1].txt"}},
+        {{"*b*c*"}, {"Abc"}},
+        {{"b"},
+         {"Abc", "b.txt",
+          "\xC3\x9C"
+          "bung"}}};
+    for (const auto& [arguments, found] : cases) {
+        Arguments command{"find"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        EXPECT_EQ(names(command), found) << arguments[0];
+    }
+    EXPECT_EQ(rows({"find", "a.txt"}).at(0)["path"],
+              "/\xC3\x9C"
+              "bung/a.txt");
+    EXPECT_EQ(rows({"view", "document"}).at(0)["path"],
+              "/\xC3\x9C"
+              "bung/a.txt");
+    EXPECT_TRUE(contains(onStore({"stat", "/"}).out, "rows, 18 bytes (18 B)\n"));
+    changeStore("UPDATE DriveDataTable SET modifiedTime = 1700000000123 WHERE name = 'b.txt'");
+    EXPECT_TRUE(contains(onStore({"stat", "/b.txt"}).out, "2023-11-14 22:13:20 UTC (1700000000123)"));
+}
+
+TEST_F(ToolQuery, RowsThatTheLibraryKeepsToItselfAreListed)
+{
+    ASSERT_EQ(onStore({"init", "--gallery", "g.dat"}).code, 0);
+    SqliteFile main(store() / "main.dat");
+    main.exec(
+        "INSERT INTO UBAUserLog SELECT 4, 't', 'act', 'u', 'd', '0', 'ok', 'e', 'tr', 1, 1700000000123, 'm', 'r', "
+        "'a', '1', '2', 1, 0, 'c', 'a', 'n', 'DE', 0, 'o', 0; INSERT INTO T_NotepadCard VALUES(3, 'note'); "
+        "INSERT INTO T_WaitHandleCardItem VALUES(4, 'wait'); INSERT INTO T_CloudFileTable SELECT 1, 'f', '0', 'add', "
+        "'d', 'k', 'a.txt', 'b', 'm', 0, 0, 'p', 'q', 'r', 's', 1, 1700000000123, 0, 5, '', '', 1, 1, 1, 0, 0; "
+        "INSERT INTO T_CloudFileTable SELECT 2, 'g', '0', 'add', 'd', 'k', 'c.txt', 'b', 'm', 0, 0, 'p', 'q', 'r', "
+        "'s', 1, 2, 0, 5, '', '', 1, 1, 1, 0, 0");
+    SqliteFile(store() / "g.dat")
+        .exec("INSERT INTO GalleryFile SELECT "
+              "'u','','','',0,0,'','',9,'',0,'','',0,0,0,'','',0,0,'',0,'p.jpg','',0,0,'','','',''");
+    const std::tuple<Arguments, std::size_t, std::string, std::string> cases[]{
+        {{"logs"}, 1, R"("table":"UBAUserLog")", "2023-11-14 22:13:20 UTC (1700000000123)"},
+        {{"changes"}, 2, R"("fileName":"c.txt")", "T_CloudFileTable: 1-2 of 2"},
+        {{"changes", "--offset", "1"}, 1, R"("fileName":"a.txt")", "T_CloudFileTable: 2-2 of 2"},
+        {{"cards"}, 2, R"("table":"T_NotepadCard","value":"note")", "3    note"},
+        {{"gallery", "list"}, 1, R"({"Album":0,"GalleryFile":1,"gallery":"g.dat"})", "g.dat        1       0"},
+        {{"gallery", "list", "--gallery", "g.dat"}, 1, R"("FileName":"p.jpg")", "9 bytes"}};
+    const auto expectAll = [&] {
+        for (const auto& [command, count, first, table] : cases) {
+            SCOPED_TRACE(testing::PrintToString(command));
+            const std::vector<json> listed = rows(command);
+            ASSERT_EQ(listed.size(), count);
+            EXPECT_TRUE(contains(listed.front().dump(), first));
+            EXPECT_TRUE(contains(onStore(command).out, table));
+        }
+    };
+    expectAll();
+    main.exec("ALTER TABLE T_CloudFileTable DROP COLUMN imageRotate; ALTER TABLE T_CloudFileTable DROP COLUMN status");
+    expectAll();
+    main.exec("DROP TABLE T_NotepadCard");
+    EXPECT_TRUE(contains(onStore({"cards"}).out, "T_NotepadCard: no table\nkey"));
+    main.exec("DROP TABLE T_WaitHandleCardItem");
+    EXPECT_TRUE(refused(onStore({"cards"}), "main.dat has no such table"));
+}
+
 } // namespace

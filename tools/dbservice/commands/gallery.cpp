@@ -4,7 +4,9 @@
 #include "gallery/galleryname.h"
 #include "platform/paths.h"
 #include "platform/text.h"
+#include "stores/databasefiles.h"
 #include "stores/session.h"
+#include "stores/tablelist.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
 #include "terminal/recordfields.h"
@@ -43,13 +45,13 @@ constexpr std::array fileFields{
     FileField{"FileId", &GalleryFileTable::FileId},
     FileField{"VideoThumbId", &GalleryFileTable::VideoThumbId},
     FileField{"Hash", &GalleryFileTable::Hash},
-    FileField{"CreateTime", &GalleryFileTable::CreateTime, Shown::Seconds},
-    FileField{"FirstUpdateTime", &GalleryFileTable::FirstUpdateTime, Shown::Seconds},
+    FileField{"CreateTime", &GalleryFileTable::CreateTime, Shown::Time},
+    FileField{"FirstUpdateTime", &GalleryFileTable::FirstUpdateTime, Shown::Time},
     FileField{"ThumbFileId", &GalleryFileTable::ThumbFileId},
     FileField{"LcdFileId", &GalleryFileTable::LcdFileId},
     FileField{"Size", &GalleryFileTable::Size, Shown::Bytes},
     FileField{"RecycleAlbumId", &GalleryFileTable::RecycleAlbumId},
-    FileField{"RecycleTime", &GalleryFileTable::RecycleTime},
+    FileField{"RecycleTime", &GalleryFileTable::RecycleTime, Shown::Time},
     FileField{"Guid", &GalleryFileTable::Guid},
     FileField{"Expand", &GalleryFileTable::Expand},
     FileField{"GalleryState", &GalleryFileTable::GalleryState},
@@ -76,6 +78,7 @@ struct GalleryOptions {
     std::string id;
     std::string folder;
     bool all = false;
+    TablePage page;
 };
 
 /// Opens the store for reading, and gives the names of the counted tables that are in it. The library lays down the
@@ -130,6 +133,48 @@ int show(Session& session, const GalleryOptions& options)
         return 0;
     }
     toTable(fileFields, row, options.all).print(std::cout, Session::outputWidth());
+    return 0;
+}
+
+/// The files in the store's folder that hold a gallery, whatever they are called.
+int listGalleries(Session& session)
+{
+    Table table({{"Gallery"}, {"Files", Table::Align::Right}, {"Albums", Table::Align::Right}});
+    for (const std::filesystem::path& name : databaseFilesIn(session.storeFolder())) {
+        Database& database = session.openToRead(session.storeFolder() / name);
+        const std::vector<std::string> tables = database.tables();
+        const auto rowsOf = [&](const char* counted) {
+            const bool isThere = std::find(tables.begin(), tables.end(), counted) != tables.end();
+            return isThere ? database.number(std::string("SELECT count(*) FROM ") + counted) : 0;
+        };
+        if (std::find(tables.begin(), tables.end(), "GalleryFile") == tables.end()) {
+            continue;
+        }
+        const std::int64_t files = rowsOf("GalleryFile");
+        const std::int64_t albums = rowsOf("Album");
+        table.add({platform::toUtf8(name), grouped(files), grouped(albums)});
+        if (session.json()) {
+            std::cout << toLine({{"gallery", platform::toUtf8(name)}, {"GalleryFile", files}, {"Album", albums}})
+                      << '\n';
+        }
+    }
+    if (!session.json()) {
+        table.print(std::cout, Session::outputWidth());
+    }
+    return 0;
+}
+
+int list(Session& session, const GalleryOptions& options)
+{
+    if (options.name.empty()) {
+        return listGalleries(session);
+    }
+    const std::vector<ListedTable> tables{
+        {"GalleryFile",
+         {{"UniqueId"}, {"Size", Shown::Bytes}, {"CreateTime", Shown::Time}, {"FileName"}, {"LocalPath"}},
+         "FileName COLLATE NameCompare, UniqueId"}};
+    listTables(session, session.openToRead(session.storeFolder() / pathFromArgument(options.name)), tables,
+               options.page);
     return 0;
 }
 
@@ -211,11 +256,21 @@ Command galleryCommand()
                     .run = counts,
                 },
                 {
+                    .name = "list",
+                    .summary = "List the pictures and videos by name, page by page, or the galleries there are",
+                    .arguments = {argument<&GalleryOptions::name>(galleryName(false)),
+                                  within<&GalleryOptions::page>(tablePageOptions())},
+                    .details = "Without --gallery the galleries in the store's folder are listed, with their rows.\n"
+                               "With --json each line is a row with its table and all stored columns, or a gallery.",
+                    .example = "dbservice gallery list --gallery gallery.dat --count 20",
+                    .run = list,
+                },
+                {
                     .name = "show",
                     .summary = "Show the row of one picture or video",
                     .arguments = {name, text<&GalleryOptions::id>("ID", "Its UniqueId", {.required = true}),
                                   argument<&GalleryOptions::all>("--all", "Show the fields that are empty or 0 too")},
-                    .details = "Times are read as seconds since 1970 UTC, as an import stores them.\n"
+                    .details = "Times are UTC.\n"
                                "With --json the keys are the stored columns.",
                     .example = "dbservice gallery show 5fd9a04c --gallery gallery.dat",
                     .run = show,

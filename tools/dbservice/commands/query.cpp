@@ -134,8 +134,8 @@ int query(Session& session, const QueryOptions& options)
     if (options.csv && session.json()) {
         throw Failure("cannot print the rows as CSV and as JSON at once", wrongUsage);
     }
-    Database& database = session.openToRead(options.file.empty() ? session.storeFolder() / driveFileName
-                                                                 : pathFromArgument(options.file));
+    Database& database =
+        options.file.empty() ? session.driveAsItIs() : session.openToRead(pathFromArgument(options.file));
     QueryGuard guard(database.handle(), std::chrono::milliseconds(std::llround(options.seconds * 1000)));
     const Statement::Handle statement = guard.prepare(options.statement);
     if (statement == nullptr) {

@@ -55,7 +55,7 @@ int recycle(Session& session, const RecycleOptions& options)
         page = childPage(lists, {}, folders, files, options.page);
         page.summary += "; " + grouped(expired) + " more expired";
     }
-    showPage(session, page, options.page, TimeColumn::Recycled);
+    showPage(session, page, options.page, TimeColumn::Recycled, Beside::Paths);
     return 0;
 }
 
@@ -74,7 +74,7 @@ Command recycleCommand()
         .details =
             "Shows what the user put there, folders first, without what went along with a folder. Rows that wait "
             "for\na restore or a final deletion are left out. A row is kept for 30 days.\n"
-            "With --json each line is a row with its stored columns.",
+            "With --json each line is a row with its stored columns, and its path.",
         .example = "dbservice recycle --offset 100",
         .run = recycle,
     };

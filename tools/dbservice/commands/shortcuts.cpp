@@ -37,7 +37,7 @@ constexpr std::array fields{
     ShortcutField{"IconPath", &FastAccessTable::IconPath},
     ShortcutField{"Title", &FastAccessTable::Title},
     ShortcutField{"Tip", &FastAccessTable::Tip},
-    ShortcutField{"UpdataTime", &FastAccessTable::UpdataTime},
+    ShortcutField{"UpdataTime", &FastAccessTable::UpdataTime, Shown::Time},
     ShortcutField{"FilePath", &FastAccessTable::FilePath},
     ShortcutField{"FileId", &FastAccessTable::FileId},
     ShortcutField{"ParentId", &FastAccessTable::ParentId},

@@ -19,6 +19,16 @@ struct StatOptions {
     bool all = false;
 };
 
+/// Of the same rows that the library counts.
+std::int64_t bytesBelow(Session& session, const std::string& id)
+{
+    return session.driveAsItIs().number(
+        "WITH RECURSIVE items(fileId, recycled, size) AS (SELECT fileId, recycled, size FROM DriveDataTable "
+        "WHERE fileId = ?1 UNION ALL SELECT child.fileId, child.recycled, child.size FROM DriveDataTable AS child "
+        "JOIN items ON child.parentId = items.fileId) SELECT sum(size) FROM items WHERE recycled = 0",
+        {id});
+}
+
 int stat(Session& session, const StatOptions& options)
 {
     DatabaseService::DriverDBProvider& drive = session.readDrive();
@@ -30,14 +40,18 @@ int stat(Session& session, const StatOptions& options)
     }
     warnOfStrays(session, {row});
     const int subtree = drive.GetFilesChildNodeCount(id);
+    const std::int64_t bytes = bytesBelow(session, id);
     if (session.json()) {
         Json json = toJson(row);
         json["subtree"] = subtree;
+        json["subtreeBytes"] = bytes;
         std::cout << toLine(json) << '\n';
         return 0;
     }
     Table table = toTable(row, options.all);
-    table.add({"subtree", counted(subtree, "row", "rows")});
+    table.add(
+        {"subtree",
+         counted(subtree, "row", "rows") + ", " + counted(bytes, "byte", "bytes") + " (" + humanSize(bytes) + ")"});
     table.print(std::cout, Session::outputWidth());
     return 0;
 }
@@ -54,7 +68,7 @@ Command statCommand()
                                                    {.required = true}),
                       argument<&StatOptions::all>("--all", "Show the fields that are empty or 0 too")},
         .details = "The subtree counts the row itself and everything below it that is not in the bin.\n"
-                   "With --json the keys are the stored columns, and subtree.",
+                   "With --json the keys are the stored columns, subtree and subtreeBytes.",
         .example = "dbservice stat /Photos/2024",
         .run = stat,
     };

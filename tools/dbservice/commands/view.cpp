@@ -36,7 +36,7 @@ int view(Session& session, const ViewOptions& options)
     lists.QueryTypeFile(options.shown->view, static_cast<int>(options.page.offset),
                         static_cast<int>(options.page.count), options.page.sort, page.rows);
     warnOfStrays(session, page.rows);
-    showPage(session, page, options.page, TimeColumn::Modified);
+    showPage(session, page, options.page, TimeColumn::Modified, Beside::Paths);
     return 0;
 }
 
@@ -53,7 +53,7 @@ Command viewCommand()
                                                   {.required = true}),
                       within<&ViewOptions::page>(pageOptions())},
         .details = "Rows in the bin, on their way there or not to be displayed are left out.\n"
-                   "With --json each line is a row with its stored columns.",
+                   "With --json each line is a row with its stored columns, and its path.",
         .example = "dbservice view picture --sort -modified",
         .run = view,
     };

@@ -1,8 +1,10 @@
 #include "drive/listpage.h"
 
+#include "databaseservice/databasebindparameter.h"
 #include "databaseservice/version.h"
 #include "drive/drivefields.h"
 #include "drive/drivetree.h"
+#include "drive/hiddenrows.h"
 #include "stores/nameindex.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
@@ -57,22 +59,98 @@ Page childPage(CloudDriverDb& lists, const std::string& parentId, std::int64_t f
     return page;
 }
 
-void showRows(const Session& session, const std::vector<DriveDataTable>& rows, TimeColumn time)
+namespace {
+
+/// As the library orders its lists.
+std::string orderOf(CLOUD_DB_SORT_TYPE sort)
 {
-    if (session.json()) {
-        for (const DriveDataTable& row : rows) {
-            std::cout << toLine(toJson(row)) << '\n';
-        }
-        return;
+    const std::string name = "name COLLATE NameCompare";
+    switch (sort) {
+    case CLOUD_DB_SORT_MODIFIED_ASC:
+        return "modifiedTime, " + name;
+    case CLOUD_DB_SORT_MODIFIED_DESC:
+        return "modifiedTime DESC, " + name;
+    case CLOUD_DB_SORT_SIZE_ASC:
+        return "size, " + name;
+    case CLOUD_DB_SORT_SIZE_DESC:
+        return "size DESC, " + name;
+    case CLOUD_DB_SORT_NAME_DESC:
+        return name + " DESC";
+    case CLOUD_DB_SORT_NAME_ASC:
+        return name;
+    case CLOUD_DB_SORT_EXT_ASC:
+        return "fileExtSign, " + name;
+    case CLOUD_DB_SORT_EXT_DESC:
+        return "fileExtSign DESC, " + name;
     }
+    return name;
+}
+
+std::string joined(const std::vector<std::string>& reasons)
+{
+    std::string all;
+    for (const std::string& reason : reasons) {
+        all += (all.empty() ? "" : "; ") + reason;
+    }
+    return all;
+}
+
+} // namespace
+
+Page wholeFolderPage(Session& session, const std::string& parentId, std::int64_t listed, const PageOptions& options)
+{
+    Page page;
+    page.total = session.readLists().GetSubAllNumber(parentId);
+    page.summary = grouped(listed) + " in its list, " + grouped(page.total - listed) + " hidden";
+    DatabaseBindParameter bind;
+    bind.Bind(parentId, ":parentId");
+    page.rows = session.readDrive().GetDriveDataByWhereSql(
+        "parentId = :parentId ORDER BY mimeType IS NOT '" + std::string(DriveDataTable::folderMimeType) + "', " +
+            orderOf(options.sort) + " LIMIT " + std::to_string(options.offset) + ", " + std::to_string(options.count),
+        bind);
+    return page;
+}
+
+void showRows(Session& session, const std::vector<DriveDataTable>& rows, TimeColumn time, Beside beside)
+{
+    const bool hasPaths = beside == Beside::Paths || beside == Beside::PathsAndHidden;
+    const bool hasHidden = beside == Beside::Hidden || beside == Beside::PathsAndHidden;
     const bool modified = time == TimeColumn::Modified;
-    Table table({{"Size", Table::Align::Right}, {modified ? "Modified (UTC)" : "Recycled (UTC)"}, {"Name"}});
+    const std::vector<std::string> paths =
+        hasPaths ? DriveTree(session.readDrive()).pathsOf(rows) : std::vector<std::string>();
+    std::vector<std::string> ids;
     for (const DriveDataTable& row : rows) {
-        table.add({row.IsFolder() ? "-" : humanSize(row.GetSize()),
-                   humanTime(modified ? row.GetModifiedTime() : row.GetRecycledTime()),
-                   row.GetName() + (row.IsFolder() ? "/" : "")});
+        ids.push_back(row.GetFileid());
     }
-    table.print(std::cout, Session::outputWidth());
+    HiddenRows hidden = hasHidden ? hiddenRows(session, ids) : HiddenRows();
+    std::vector<Table::Column> columns{
+        {"Size", Table::Align::Right}, {modified ? "Modified (UTC)" : "Recycled (UTC)"}, {hasPaths ? "Path" : "Name"}};
+    if (hasHidden) {
+        columns.push_back({"Hidden, since it"});
+    }
+    Table table(std::move(columns));
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const DriveDataTable& row = rows[i];
+        if (session.json()) {
+            Json json = toJson(row);
+            if (hasPaths) {
+                json["path"] = paths[i];
+            }
+            if (hasHidden) {
+                json["hidden"] = hidden[ids[i]];
+            }
+            std::cout << toLine(json) << '\n';
+            continue;
+        }
+        std::string name = hasPaths ? paths[i] : row.GetName();
+        name += row.IsFolder() && !name.ends_with('/') ? "/" : "";
+        table.add({row.IsFolder() ? "-" : humanSize(row.GetSize()),
+                   humanTime(modified ? row.GetModifiedTime() : row.GetRecycledTime()), std::move(name),
+                   hasHidden ? joined(hidden[ids[i]]) : ""});
+    }
+    if (!session.json()) {
+        table.print(std::cout, Session::outputWidth());
+    }
 }
 
 namespace {
@@ -104,7 +182,7 @@ void warnOfStrays(Session& session, const std::vector<DriveDataTable>& rows)
     }
 }
 
-void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time)
+void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time, Beside beside)
 {
     warnOfNameOrder(session);
     const auto shown = static_cast<std::int64_t>(page.rows.size());
@@ -115,11 +193,9 @@ void showPage(Session& session, const Page& page, const PageOptions& options, Ti
                       grouped(std::min<std::int64_t>(following, options.count)) +
                       "; another program writes to the store");
     }
-    showRows(session, page.rows, time);
+    showRows(session, page.rows, time, beside);
     if (!session.json()) {
-        const std::string first = shown > 0 ? grouped(options.offset + std::int64_t{1}) + "-" : "";
-        const std::string last = shown > 0 ? grouped(options.offset + shown) : "none";
-        std::cout << first << last << " of " << grouped(page.total) << ": " << page.summary << '\n';
+        std::cout << pageNumbers(options.offset, shown, page.total) << ": " << page.summary << '\n';
     }
     if (shown > 0 && shown < following) {
         session.reporter().note("more follows with --offset " + std::to_string(options.offset + shown));

@@ -35,12 +35,25 @@ Page childPage(DatabaseService::CloudDriverDb& lists, const std::string& parentI
 
 enum class TimeColumn { Modified, Recycled };
 
+/// What a list tells beside the rows.
+enum class Beside {
+    Nothing,
+    Paths,
+    Hidden, ///< why lists hide a row
+    PathsAndHidden
+};
+
 /// Prints rows only.
-void showRows(const Session& session, const std::vector<DatabaseService::DriveDataTable>& rows, TimeColumn time);
+void showRows(Session& session, const std::vector<DatabaseService::DriveDataTable>& rows, TimeColumn time,
+              Beside beside = Beside::Nothing);
 
 /// Prints a page and which part of the list it is, with a warning where the order of names may be wrong. Throws a
 /// `Failure` when it lacks rows: the library cuts a list short at a step that fails, and says nothing.
-void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time);
+void showPage(Session& session, const Page& page, const PageOptions& options, TimeColumn time,
+              Beside beside = Beside::Nothing);
+
+/// All rows of a folder, hidden ones too.
+Page wholeFolderPage(Session& session, const std::string& parentId, std::int64_t listed, const PageOptions& options);
 
 /// Warns of what keeps rows that are shown from being found by a path.
 void warnOfStrays(Session& session, const std::vector<DatabaseService::DriveDataTable>& rows);

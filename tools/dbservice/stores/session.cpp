@@ -215,6 +215,14 @@ Database& Session::openToRead(const fs::path& file)
     return m_opened.emplace_back(file).database;
 }
 
+Database& Session::driveAsItIs()
+{
+    if (m_driveAsItIs == nullptr) {
+        m_driveAsItIs = &openToRead(storeFolder() / driveFileName);
+    }
+    return *m_driveAsItIs;
+}
+
 void Session::stopModules()
 {
     for (TessixDeskClient::ModuleBase* const module : std::exchange(m_modules, {})) {

@@ -92,6 +92,8 @@ public:
     /// A database file that a person named, whatever it is called, for a command that only shows: no byte of it
     /// changes. Good until the end of the run.
     Database& openToRead(const std::filesystem::path& file);
+    /// The drive store's file so, for what the library has no function for.
+    Database& driveAsItIs();
 
     /// One of the library's modules. Its thread runs from here on until `stopModules`, at the latest until the end of
     /// the command, whichever way that ends.
@@ -140,6 +142,7 @@ private:
 
     std::optional<ReadableStore> m_readable;
     std::list<OpenedFile> m_opened;
+    Database* m_driveAsItIs = nullptr;
     DatabaseService::DriverDBProvider m_drive;
     std::optional<DatabaseService::CloudDriverDb> m_lists; // closed before the copy that it reads is removed
     std::vector<TessixDeskClient::ModuleBase*> m_modules;

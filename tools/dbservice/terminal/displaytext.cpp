@@ -144,14 +144,18 @@ std::string humanSize(std::int64_t bytes)
     return text + " " + units[unit];
 }
 
-std::string humanTime(std::int64_t seconds)
+std::string humanTime(std::int64_t time)
 {
     using namespace std::chrono;
-    constexpr std::int64_t years = std::int64_t{9999} * 366;
-    const std::int64_t wholeDays = seconds / 86400 - (seconds % 86400 < 0 ? 1 : 0);
-    if (wholeDays > years || wholeDays < -years) {
-        return std::to_string(seconds);
+    constexpr std::int64_t furthest = 100'000'000'000;
+    std::int64_t seconds = time;
+    for (int unit = 0; unit < 2 && (seconds >= furthest || seconds <= -furthest); ++unit) {
+        seconds = seconds / 1000 - (seconds % 1000 < 0 ? 1 : 0);
     }
+    if (seconds >= furthest || seconds <= -furthest) {
+        return std::to_string(time);
+    }
+    const std::int64_t wholeDays = seconds / 86400 - (seconds % 86400 < 0 ? 1 : 0);
     const year_month_day date{sys_days{days{static_cast<days::rep>(wholeDays)}}};
     const std::int64_t rest = seconds - wholeDays * 86400;
     return std::to_string(static_cast<int>(date.year())) + "-" + padded(static_cast<unsigned>(date.month())) + "-" +
@@ -173,6 +177,12 @@ std::string grouped(std::int64_t number)
 std::string counted(std::int64_t number, std::string_view singular, std::string_view plural)
 {
     return grouped(number) + " " + std::string(number == 1 ? singular : plural);
+}
+
+std::string pageNumbers(std::int64_t offset, std::int64_t shown, std::int64_t total)
+{
+    const std::string which = shown > 0 ? grouped(offset + 1) + "-" + grouped(offset + shown) : "none";
+    return which + " of " + grouped(total);
 }
 
 std::string twoDecimals(double number)

@@ -23,14 +23,18 @@ std::string fitted(std::string_view text, int width);
 /// "0 B", "1.5 KiB", "12.0 GiB".
 std::string humanSize(std::int64_t bytes);
 
-/// Seconds since 1970-01-01 00:00 UTC as "2024-02-29 12:34:56" in UTC; as the plain number where no year fits.
-std::string humanTime(std::int64_t seconds);
+/// A time since 1970-01-01 00:00 UTC as "2024-02-29 12:34:56" in UTC. Clients store seconds, milliseconds and
+/// microseconds: what would be beyond the year 5138 in one unit is in the next.
+std::string humanTime(std::int64_t time);
 
 /// "1,234,567".
 std::string grouped(std::int64_t number);
 
 /// "1 row", "2,000 rows".
 std::string counted(std::int64_t number, std::string_view singular, std::string_view plural);
+
+/// Which rows a page shows: "101-200 of 1,234", "none of 0".
+std::string pageNumbers(std::int64_t offset, std::int64_t shown, std::int64_t total);
 
 /// "0.12"
 std::string twoDecimals(double number);

@@ -19,7 +19,7 @@ std::string readable(std::int64_t value, Shown shown)
     switch (shown) {
     case Shown::Bytes:
         return grouped(value) + (value == 1 ? " byte" : " bytes");
-    case Shown::Seconds:
+    case Shown::Time:
         return humanTime(value) + " UTC (" + std::to_string(value) + ")";
     case Shown::Plain:
         break;

@@ -14,7 +14,7 @@
 namespace dbservice {
 
 /// How a person reads a column's value.
-enum class Shown { Plain, Bytes, Seconds };
+enum class Shown { Plain, Bytes, Time };
 
 /// A stored column and where a record has it: members or getters.
 template <class... Sources> struct Field {
