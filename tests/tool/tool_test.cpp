@@ -8,6 +8,7 @@
 #include <chrono>
 #include <iomanip>
 #include <numeric>
+#include <set>
 #include <string_view>
 
 namespace fs = std::filesystem;
@@ -31,6 +32,12 @@ TEST_F(Tool, SaysWhatIsWrongWithTheCommandLineAndTheStore)
         {{"frobnicate"}, 2, "frobnicate"},
         {{"ls", "--frobnicate"}, 2, "--frobnicate\nTry `dbservice ls --help`."},
         {{"view", "3"}, 2, "CLASS"},
+        {{"recyle"}, 2, "; did you mean `recycle`?\nTry `dbservice --help`."},
+        {{"ls", "--ofsfet=3"}, 2, "; did you mean `--offset`?\nTry `dbservice ls --help`."},
+        {{"transfers", "lsit"}, 2, "; did you mean `list`?\nTry `dbservice transfers --help`."},
+        {{"--folder", folder + "/source", "query", "x", "--csv", "--json"},
+         2,
+         "at once\nTry `dbservice query --help`."},
         {{"ls"}, 1, "--folder STORE"},
         {{"--folder", folder + "/nowhere", "ls"}, 1, "does not exist"},
         {{"--folder", folder + "/source", "ls"}, 1, "there is no DriveModuleData.dat"},
@@ -98,6 +105,40 @@ TEST_F(Tool, HelpEndsWithAnExampleThatIsUnderstood)
         }
     }
     EXPECT_GT(examples, 30);
+}
+
+TEST_F(Tool, TheManualAndTheCompletionAreSound)
+{
+    const std::string manual = run({"--man"}).out;
+    for (const char* part :
+         {".TH DBSERVICE", ".SS dbservice transfers add upload\n", ".B \\-\\-sort ORDER\n", "\\(ti/"}) {
+        EXPECT_TRUE(contains(manual, part));
+    }
+    EXPECT_FALSE(contains(run({"--help"}).out, "--man"));
+    if constexpr (onPosix) {
+        const Ran formatted =
+            run({"--man"}, {"sh", "-c", "\"$0\" \"$@\" | if command -v groff; then groff -man -Tutf8 -ww -z; fi"});
+        EXPECT_EQ(formatted.err, "");
+        const std::pair<std::string, std::string> cases[]{{"re", "reset recycle rename restore reindex"},
+                                                          {"ls --so", "--sort"},
+                                                          {"--json ls --sort -m", "-modified"},
+                                                          {"view p", "picture"},
+                                                          {"--folder x transfers add up", "upload"},
+                                                          {"ls --count ", ""},
+                                                          {"--folder ", ""}};
+        for (const auto& [typed, completed] : cases) {
+            SCOPED_TRACE(typed);
+            const std::string words = typed + (typed.ends_with(' ') ? "''" : "");
+            const Ran ran = run({},
+                                {"bash", "-c",
+                                 "eval \"$(\"$0\" --bash-completion)\"; COMP_WORDS=(dbservice " + words +
+                                     "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _dbservice; echo ${COMPREPLY[*]}"});
+            std::istringstream expected(completed);
+            const std::set<std::string> all{std::istream_iterator<std::string>(expected), {}};
+            std::istringstream got(ran.out);
+            EXPECT_EQ((std::set<std::string>{std::istream_iterator<std::string>(got), {}}), all) << ran.err;
+        }
+    }
 }
 
 TEST_F(Tool, FindsTheStoreByOptionEnvironmentOrCurrentFolder)

@@ -1,9 +1,11 @@
 #include "application.h"
 
+#include "bashcompletion.h"
 #include "command.h"
 #include "commandline.h"
 #include "commands/commands.h"
 #include "databaseservice/version.h"
+#include "manual.h"
 #include "platform/environment.h"
 #include "stores/session.h"
 #include "terminal/displaytext.h"
@@ -21,6 +23,25 @@ std::string versions()
 {
     return "dbservice " + DatabaseService::LibraryVersion() + "\nSQLite " + DatabaseService::SqliteVersion() +
         "\norder of names " + DatabaseService::NameOrderVersion();
+}
+
+Command describeProgram(GlobalOptions& options);
+
+template <class Text> std::string ofProgram(Text text)
+{
+    GlobalOptions options;
+    return text(describeProgram(options));
+}
+
+std::string manual()
+{
+    return ofProgram(
+        [](const Command& program) { return manualPage(program, "dbservice " + DatabaseService::LibraryVersion()); });
+}
+
+std::string completion()
+{
+    return ofProgram(bashCompletion);
 }
 
 Command describeProgram(GlobalOptions& options)
@@ -49,6 +70,9 @@ Command describeProgram(GlobalOptions& options)
                 argument<&GlobalOptions::json>("--json", "Print results as JSON with the stored names as keys"),
                 argument<&GlobalOptions::quiet>("--quiet", "No progress and no notes; warnings and errors stay"),
                 shows<GlobalOptions>("--version", versions, "Show the versions of library, SQLite and order of names"),
+                shows<GlobalOptions>("--man", manual, "Print the manual page", {.hidden = true}),
+                shows<GlobalOptions>("--bash-completion", completion, "Print a script that completes the commands",
+                                     {.hidden = true}),
             },
         .details = "Results go to standard output, everything else to standard error.\n"
                    "Exit code: 0 done, 1 something failed or was lost, 2 wrong usage.\n"

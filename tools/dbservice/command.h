@@ -59,6 +59,7 @@ struct Rules {
     bool positive = false;
     std::vector<Check> checks = {};
     const char* excludes = nullptr; ///< the name of an argument that may not come along
+    bool hidden = false;            ///< in no help
     const char* oneOf = nullptr;    ///< the title of a group of arguments, of which exactly one is given
 };
 
@@ -199,9 +200,9 @@ Argument choice(const char* name, std::map<std::string, Value> values, const cha
 }
 
 /// A flag that shows a text in place of all else; `Options` are those of its command.
-template <class Options> Argument shows(const char* name, std::string (*text)(), const char* meaning)
+template <class Options> Argument shows(const char* name, std::string (*text)(), const char* meaning, Rules rules = {})
 {
-    return {{name, meaning}, &typeid(Options), [text](void*) -> Place { return text; }};
+    return {{name, meaning, std::move(rules)}, &typeid(Options), [text](void*) -> Place { return text; }};
 }
 
 /// The arguments, for options of which theirs are a part.

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
 
 namespace dbservice {
@@ -58,7 +59,8 @@ public:
     }
     CLI::Option* operator()(std::string (*text)()) const
     {
-        return m_app.set_version_flag(m_about.name, text, m_about.meaning);
+        const auto show = [text](std::int64_t) { throw CLI::CallForVersion(text(), 0); };
+        return m_app.add_flag_function(m_about.name, show, m_about.meaning)->configurable(false);
     }
 
 private:
@@ -105,6 +107,9 @@ void addArgument(CLI::App& app, const About& about, const Place& place)
     if (rules.required) {
         option->required();
     }
+    if (rules.hidden) {
+        option->group("");
+    }
     if (rules.type) {
         option->type_name(rules.type);
     }
@@ -138,19 +143,78 @@ void addCommand(CLI::App& parent, const Command& command, const Command& program
     }
 }
 
-/// The program and the commands that were named before something was wrong.
-std::string namedSoFar(const CLI::App& app)
+/// The program and the commands that were named before something was wrong, each within the one before.
+std::vector<const CLI::App*> namedSoFar(const CLI::App& app)
 {
-    std::string names = app.get_name();
-    for (const CLI::App* const part : app.get_subcommands()) {
-        names += ' ' + namedSoFar(*part);
+    std::vector<const CLI::App*> named{&app};
+    while (!named.back()->get_subcommands().empty()) {
+        named.push_back(named.back()->get_subcommands().front());
     }
-    return names;
+    return named;
+}
+
+/// How many letters have to be added, taken away, replaced, or swapped with the next.
+std::size_t distance(const std::string& left, const std::string& right)
+{
+    std::vector<std::vector<std::size_t>> steps(left.size() + 1, std::vector<std::size_t>(right.size() + 1));
+    for (std::size_t i = 0; i <= left.size(); ++i) {
+        for (std::size_t j = 0; j <= right.size(); ++j) {
+            if (i == 0 || j == 0) {
+                steps[i][j] = i + j;
+                continue;
+            }
+            const bool same = left[i - 1] == right[j - 1];
+            steps[i][j] = std::min({steps[i - 1][j] + 1, steps[i][j - 1] + 1, steps[i - 1][j - 1] + (same ? 0U : 1U)});
+            if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1]) {
+                steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return steps[left.size()][right.size()];
+}
+
+/// The name that was probably meant by what nobody knows, empty without one.
+std::string nearName(const CLI::App& app)
+{
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (unknown.empty()) {
+        return {};
+    }
+    const std::string typed = withoutPlainEnd(unknown.front().substr(0, unknown.front().find('=')));
+    const std::vector<const CLI::App*> named = namedSoFar(app);
+    std::vector<std::string> known;
+    for (const CLI::App* const part : named.back()->get_subcommands({})) {
+        known.push_back(part->get_name());
+    }
+    for (const CLI::App* const part : named) {
+        for (const CLI::Option* const option : part->get_options()) {
+            known.push_back(option->get_lnames().empty() ? "" : "--" + option->get_lnames().front());
+        }
+    }
+    std::string nearest;
+    std::size_t least = std::max<std::size_t>(1, typed.size() / 3) + 1;
+    for (const std::string& name : known) {
+        const std::size_t far = name.empty() ? least : distance(typed, name);
+        nearest = far < least ? name : nearest;
+        least = std::min(least, far);
+    }
+    return nearest;
+}
+
+void offerHelp(const CLI::App& app)
+{
+    std::cerr << "Try `";
+    for (const CLI::App* const part : namedSoFar(app)) {
+        std::cerr << part->get_name() << ' ';
+    }
+    std::cerr << "--help`." << std::endl;
 }
 
 int misused(const CLI::App& app, const char* what)
 {
-    std::cerr << "dbservice: " << printable(what) << "\nTry `" << namedSoFar(app) << " --help`." << std::endl;
+    const std::string near = nearName(app);
+    std::cerr << "dbservice: " << printable(what) << (near.empty() ? "" : "; did you mean `" + near + "`?") << '\n';
+    offerHelp(app);
     return wrongUsage;
 }
 
@@ -178,7 +242,14 @@ int runCommandLine(const Command& program, const std::vector<std::string>& argum
     } catch (const CLI::ParseError& error) {
         return misused(app, error.what());
     }
-    return chosen ? run(*chosen) : misused(app, "no command is given");
+    if (!chosen) {
+        return misused(app, "no command is given");
+    }
+    const int code = run(*chosen);
+    if (code == wrongUsage) {
+        offerHelp(app);
+    }
+    return code;
 }
 
 } // namespace dbservice
