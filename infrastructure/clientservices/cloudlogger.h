@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+/// The client's log, and what listens to it.
 namespace Logger {
 
 class LogSink;

@@ -8,6 +8,7 @@
 
 struct _SECURITY_ATTRIBUTES; // NOLINT(bugprone-reserved-identifier): the name that <windows.h> gives it
 
+/// Message threads, and the client's printf-style log.
 namespace CommonAbility {
 
 class MessageLoop;

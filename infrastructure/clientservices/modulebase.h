@@ -3,6 +3,7 @@
 #include "clientservices/export.h"
 #include "clientservices/msgthreadability.h"
 
+/// What the client's modules have in common.
 namespace TessixDeskClient {
 
 /// A module of the client: a message thread, and what the client tells each of its modules.

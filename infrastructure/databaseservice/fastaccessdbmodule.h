@@ -7,6 +7,7 @@
 
 #include <functional>
 
+/// The shortcut list, by a module that does not have its callers wait.
 namespace DatabaseService::FastAccessDB {
 
 /// The way to the client's shortcut list: each operation is a message to a thread of the module's own, named

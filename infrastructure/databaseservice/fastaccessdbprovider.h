@@ -9,6 +9,13 @@
 #include <string>
 #include <vector>
 
+/// The shortcut list, in `FastAccess.dat`, on the calling thread. Each function first creates what is missing of the
+/// table.
+///
+/// Threads: any. A callback runs on the calling thread, after the connection is closed. Two threads that bring the
+/// same old file up to date at once may both try to add the column; one then logs that it failed.
+/// Ownership: what `GetAllFastAccessData` hands to its callback belongs to the callback; see there.
+/// Failure: all return true; a failed statement is a line in the log, a failed read gives no rows.
 namespace DatabaseService::FastAccessDBProvider {
 
 /// The client's shortcut list, in `FastAccess.dat`: the table and the statements on it. Clients use the functions
@@ -50,13 +57,7 @@ public:
     bool DropTable();
 };
 
-/// The functions of the shortcut list. Each first creates what is missing of the table.
-///
-/// Threads: any. A callback runs on the calling thread, after the connection is closed. Two threads that bring the
-/// same old file up to date at once may both try to add the column; one then logs that it failed.
-/// Ownership: what `GetAllFastAccessData` hands to its callback belongs to the callback; see there.
-/// Failure: all return true; a failed statement is a line in the log, a failed read gives no rows.
-
+/// Creates what is missing of the table, and does nothing else.
 DATABASESERVICE_EXPORT bool InitFastAccessDB();
 
 /// Calls `callback(0, address)` once, where `address` is a `std::vector<FastAccessTable*>*` as an integer, with the
