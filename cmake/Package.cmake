@@ -85,7 +85,8 @@ This package holds the shared libraries.")
 debian_package(dev libdatabaseservice-dev libdevel "local stores of a cloud drive client - development files
 ${about}
 
-This package holds the headers and the files behind find_package of CMake.")
+This package holds the headers, the files behind find_package of CMake, and a
+first program for each store.")
 set(CPACK_COMPONENT_DEV_DEPENDS runtime)
 
 debian_package(tool dbservice utils "local stores of a cloud drive client - command-line tool

@@ -1,5 +1,5 @@
 # Adds to each package, before it is closed, what Debian asks of all of them: copyright, changelog, compressed manual
-# pages. CPack runs this where the components lie unpacked.
+# pages; and the first programs to what is for developers. CPack runs this where the components lie unpacked.
 find_program(GZIP gzip REQUIRED)
 
 function(compress file)
@@ -25,6 +25,9 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(WRITE ${documents}/copyright "DatabaseService\n\n${license}")
   file(WRITE ${documents}/changelog.Debian "${changelog}")
   compress(${documents}/changelog.Debian)
+  if(component STREQUAL "dev")
+    file(COPY ${CMAKE_CURRENT_LIST_DIR}/../../examples DESTINATION ${documents})
+  endif()
   file(GLOB pages ${root}/share/man/man*/*.[1-9])
   foreach(page IN LISTS pages)
     compress(${page})
