@@ -147,7 +147,7 @@ int recover(Session& session, const RecoverOptions& options)
             std::string further;
             if (bearing.fault() && bearing.fault()->isLock) {
                 reason = bearing.fault()->reason;
-            } else if (bearing.fault()) {
+            } else if (bearing.fault() && bearing.fault()->reason.starts_with("damaged")) {
                 further = ". A sqlite3 shell whose SQLite has sqlite_dbpage looks page by page: sqlite3 FILE .recover";
             }
             throw Failure("cannot recover " + platform::toUtf8(file) + ": " + reason + "; nothing has been made" +

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 #include <sqlite3.h>
 #include <string_view>
 #include <unordered_map>
@@ -21,24 +20,22 @@ using Severity = Finding::Severity;
 // --- Cells ----------------------------------------------------------------------------------------------------------
 
 /// The columns in which a NULL takes the row out of lists and counts, as a condition on it is never true.
-const std::set<std::string>& columnsOfConditions()
-{
-    static const std::set<std::string> columns{"DriveDataTable.name",           "DriveDataTable.parentId",
-                                               "DriveDataTable.mimeType",       "DriveDataTable.recycled",
-                                               "DriveDataTable.needToDisplay",  "DriveDataTable.softDelBatchId",
-                                               "DriveDataTable.moveBatchId",    "DriveDataTable.hardDelBatchId",
-                                               "DriveDataTable.restoreBatchId", "DriveDataTable.directlyRecycled",
-                                               "TransferTask.TaskStatus"};
-    return columns;
-}
+constexpr std::array<std::string_view, 11> columnsOfConditions{
+    "DriveDataTable.name",           "DriveDataTable.parentId",
+    "DriveDataTable.mimeType",       "DriveDataTable.recycled",
+    "DriveDataTable.needToDisplay",  "DriveDataTable.softDelBatchId",
+    "DriveDataTable.moveBatchId",    "DriveDataTable.hardDelBatchId",
+    "DriveDataTable.restoreBatchId", "DriveDataTable.directlyRecycled",
+    "TransferTask.TaskStatus"};
 
 /// The columns that the library leaves NULL by itself.
-const std::set<std::string>& columnsWithoutValue()
+constexpr std::array<std::string_view, 5> columnsWithoutValue{
+    "DriveDataTable.localAbsolutePath", "DriveDataTable.subFileAndDirectory", "DriveDataTable.operateType",
+    "DriveDataTable.device", "UserProperties.Value"};
+
+template <class Names> bool isAmong(const Names& names, std::string_view name)
 {
-    static const std::set<std::string> columns{"DriveDataTable.localAbsolutePath", "DriveDataTable.subFileAndDirectory",
-                                               "DriveDataTable.operateType", "DriveDataTable.device",
-                                               "UserProperties.Value"};
-    return columns;
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 enum Fault { Binary, NullWithoutCell, Null, TextForNumber, Fraction, faultCount };
@@ -92,9 +89,9 @@ Finding finding(const std::string& table, const ColumnCheck& check, Fault fault,
                 "behind it are read in each other's place";
         break;
     case Null:
-        severity = check.column->notNull           ? Severity::Error
-            : columnsOfConditions().contains(name) ? Severity::Warning
-                                                   : Severity::Note;
+        severity = check.column->notNull         ? Severity::Error
+            : isAmong(columnsOfConditions, name) ? Severity::Warning
+                                                 : Severity::Note;
         what += check.column->type == "INTEGER" ? "NULL, which reads as 0" : "NULL, which reads as an empty text";
         what += severity == Severity::Note ? "" : ", and to which no condition of a list or count applies";
         break;
@@ -261,7 +258,7 @@ void checkCells(Database& database, const TableShape& table, const TableShape& l
     for (const ColumnCheck& check : checks) {
         for (int fault = 0; fault < faultCount; ++fault) {
             const Met& met = check.met[static_cast<std::size_t>(fault)];
-            const bool mayBe = fault == Null && columnsWithoutValue().contains(table.name + "." + check.column->name);
+            const bool mayBe = fault == Null && isAmong(columnsWithoutValue, table.name + "." + check.column->name);
             if (met.rows > 0 && !mayBe) {
                 findings.push_back(finding(library.name, check, static_cast<Fault>(fault), met));
             }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <sqlite3.h>
+#include <stdexcept>
 #include <string_view>
 #include <unordered_set>
 
@@ -30,6 +31,12 @@ std::int64_t middle(const Range& range)
     const auto width = static_cast<std::uint64_t>(range.last) - static_cast<std::uint64_t>(range.first);
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(range.first) + width / 2);
 }
+
+/// Of the new file, beside the failures of the damaged one, which are borne.
+class WriteFailure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// Puts rows into a new table.
 class RowWriter {
@@ -127,13 +134,6 @@ private:
     Database& m_fresh;
     std::string m_insert;
     std::unique_ptr<sqlite3_stmt, Finalize> m_statement;
-
-public:
-    /// Beside the failures of the damaged file, which are borne.
-    class WriteFailure : public std::runtime_error {
-    public:
-        using std::runtime_error::runtime_error;
-    };
 };
 
 /// The rows of one table.
@@ -362,7 +362,7 @@ Salvage salvage(Database& damaged, const StoreShape& shape, const StoreKind& kin
                 found.tables.push_back(TableSalvage(damaged, *there, table, fresh).run());
             }
         }
-    } catch (const RowWriter::WriteFailure& failure) {
+    } catch (const WriteFailure& failure) {
         throw Failure(failure.what());
     }
     for (const TableShape& table : shape.tables) {
