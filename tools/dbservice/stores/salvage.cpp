@@ -145,14 +145,10 @@ public:
           m_table(there.name),
           m_name(inQuotes(there.name, '"')),
           m_columns(common(there, table)),
-          m_writer(fresh, table, m_columns)
+          m_writer(fresh, table, m_columns),
+          m_select(select(m_columns, m_name))
     {
         m_found.table = table.name;
-        m_select = "SELECT rowid";
-        for (const ColumnShape* column : m_columns) {
-            m_select += ", " + inQuotes(column->name, '"');
-        }
-        m_select += " FROM " + m_name + " NOT INDEXED WHERE rowid ";
     }
 
     SavedTable run()
@@ -185,6 +181,15 @@ private:
             }
         }
         return columns;
+    }
+
+    static std::string select(const std::vector<const ColumnShape*>& columns, const std::string& table)
+    {
+        std::string text = "SELECT rowid";
+        for (const ColumnShape* column : columns) {
+            text += ", " + inQuotes(column->name, '"');
+        }
+        return text + " FROM " + table + " NOT INDEXED WHERE rowid ";
     }
 
     bool isLost(const std::pair<std::int64_t, std::string>& known) const { return !m_seen.contains(known.first); }
@@ -315,7 +320,7 @@ private:
     const std::string m_name; ///< in quotes
     const std::vector<const ColumnShape*> m_columns;
     RowWriter m_writer;
-    std::string m_select;
+    const std::string m_select;
     std::int64_t m_last = 0;
     std::unordered_set<std::int64_t> m_seen;
     std::map<std::int64_t, std::string> m_known; ///< by an index; with the key if it is told
