@@ -174,7 +174,7 @@ TEST_F(ToolQuery, ARedactedCopyHoldsNoWordOfTheStores)
                               "2024 holiday/007.png",
                               "2024 holiday/7.png",
                               "Mother's Day.backup",
-                              "\xC3\x9C"
+                              "\xD0\x96"
                               "berraschung.pdf",
                               "\xD0\x9F\xD0\xB8\xD1\x81\xD1\x8C\xD0\xBC\xD0\xBE.txt",
                               "\xE5\x86\x99\xE7\x9C\x9F/\xE6\x9D\xB1.png"};
@@ -250,6 +250,9 @@ TEST_F(ToolQuery, ARedactedCopyHoldsNoWordOfTheStores)
     EXPECT_TRUE(refused(onStore({"copy-out", folder + "2", "--redact"}), "it holds a virtual table"));
     EXPECT_TRUE(refused(onStore({"copy-out", folder}), "is there already"));
     EXPECT_FALSE(fs::exists(folder + "2"));
+    writeFile(store() / "FastAccess.dat", "this is no database");
+    EXPECT_EQ(onStore({"copy-out", folder + "3"}).code, 1);
+    EXPECT_TRUE(fs::exists(utf8Path(folder + "3") / "main.dat"));
 }
 
 TEST_F(ToolQuery, ACopyIsWholeWhateverGoesOn)
@@ -337,7 +340,7 @@ TEST_F(ToolQuery, WhatAListMissesIsFoundWithTheReason)
 
 TEST_F(ToolQuery, NamesAreFoundByPattern)
 {
-    for (const char* name : {"\xC3\x9C"
+    for (const char* name : {"\xD0\x96"
                              "bung/a.txt",
                              "x[1].txt", "Abc"}) {
         writeFile(source() / utf8Path(name), "");
@@ -349,13 +352,13 @@ TEST_F(ToolQuery, NamesAreFoundByPattern)
         {{"a*", "--case"}, {"a.txt", "a9.txt"}},
         {{"[!a-w]*"},
          {"x[1].txt",
-          "\xC3\x9C"
+          "\xD0\x96"
           "bung"}},
         {{"x\\[1]*"}, {"x[1].txt"}},
         {{"x[[]1*"}, {"x[1].txt"}},
-        {{"\xC3\xBC"
+        {{"\xD0\xB6"
           "B"},
-         {"\xC3\x9C"
+         {"\xD0\x96"
           "bung"}},
         {{"*.*.*"}, {}},
         {{".t", "--offset", "1", "--count", "2"}, {"a9.txt", "A10.txt"}},
@@ -363,7 +366,7 @@ TEST_F(ToolQuery, NamesAreFoundByPattern)
         {{"*b*c*"}, {"Abc"}},
         {{"b"},
          {"Abc", "b.txt",
-          "\xC3\x9C"
+          "\xD0\x96"
           "bung"}}};
     for (const auto& [arguments, found] : cases) {
         Arguments command{"find"};
@@ -371,10 +374,10 @@ TEST_F(ToolQuery, NamesAreFoundByPattern)
         EXPECT_EQ(names(command), found) << arguments[0];
     }
     EXPECT_EQ(rows({"find", "a.txt"}).at(0)["path"],
-              "/\xC3\x9C"
+              "/\xD0\x96"
               "bung/a.txt");
     EXPECT_EQ(rows({"view", "document"}).at(0)["path"],
-              "/\xC3\x9C"
+              "/\xD0\x96"
               "bung/a.txt");
     EXPECT_TRUE(contains(onStore({"stat", "/"}).out, "rows, 18 bytes (18 B)\n"));
     changeStore("UPDATE DriveDataTable SET modifiedTime = 1700000000123 WHERE name = 'b.txt'");

@@ -36,7 +36,8 @@ public:
     {
         std::error_code error;
         if (fs::exists(fs::symlink_status(destination, error))) {
-            throw Failure("cannot copy to " + platform::toUtf8(destination) + ": it is there already");
+            throw Failure("cannot copy to " + platform::toUtf8(destination) +
+                          ": it is there already; name a folder that is not");
         }
         m_path += ".part" + std::to_string(std::random_device()());
         if (!fs::create_directory(m_path, error)) {
@@ -110,8 +111,18 @@ int copyOut(Session& session, const CopyOptions& options)
     const fs::path destination = fs::absolute(pathFromArgument(options.destination)).lexically_normal();
     session.nameInWarnings("the stores");
     const std::vector<fs::path> names = databaseFilesIn(session.storeFolder());
+    int code = 0;
+    for (const std::string_view store : storeFileNames) {
+        std::error_code ignored;
+        if (fs::exists(session.storeFolder() / store, ignored) &&
+            std::find(names.begin(), names.end(), fs::path(store)) == names.end()) {
+            session.reporter().error("cannot copy " + std::string(store) + ": it is empty or no database");
+            code = failed;
+        }
+    }
     if (names.empty()) {
-        throw Failure("cannot copy the stores: " + platform::toUtf8(session.storeFolder()) + " holds no databases");
+        throw Failure("cannot copy the stores: " + platform::toUtf8(session.storeFolder()) +
+                      " holds no databases; --folder names the folder of the stores");
     }
     NewFolder made(destination.has_filename() ? destination : destination.parent_path());
     const std::vector<Copied> copied = (options.redact ? copyRedacted : copyPlain)(session, names, made.path());
@@ -129,7 +140,7 @@ int copyOut(Session& session, const CopyOptions& options)
     if (!session.json()) {
         table.print(std::cout, Session::outputWidth());
     }
-    return 0;
+    return code;
 }
 
 } // namespace
@@ -151,7 +162,7 @@ Command copyoutCommand()
             "text is up to 8, 16, 32 ... characters long, and a known extension. It is random in all else, and "
             "another\n"
             "one in the next copy. Numbers and times stay, and so do mime types, drive#file, drive#folder, root and\n"
-            "SyncCloudFolder, and the names of tables and columns. Galleries become gallery1.dat and so on.\n"
+            "SyncCloudFolder, and the schema. Galleries become gallery1.dat and so on.\n"
             "Not even unused parts of the files hold the texts, since those have never been in them.",
         .example = "dbservice copy-out ~/for-support --redact",
         .run = copyOut,

@@ -91,6 +91,15 @@ template <class OnPart> void forParts(std::string_view text, OnPart onPart)
     }
 }
 
+/// A next number that looks like any; a generator of the library's takes longer to make than a text.
+std::uint64_t mixed(std::uint64_t number)
+{
+    number += 0x9E3779B97F4A7C15U;
+    number = (number ^ (number >> 30U)) * 0xBF58476D1CE4E5B9U;
+    number = (number ^ (number >> 27U)) * 0x94D049BB133111EBU;
+    return number ^ (number >> 31U);
+}
+
 std::size_t lengthOfClass(std::size_t length, std::size_t least)
 {
     std::size_t highest = 8;
@@ -140,7 +149,7 @@ struct Pseudonyms::Look {
     /// The text for a place among all, of `groups` times `group` places.
     std::string text(std::uint64_t place, std::size_t groups, std::uint64_t seed) const
     {
-        std::mt19937_64 random(seed);
+        const auto random = [&seed] { return seed = mixed(seed); };
         const std::size_t wanted = lengthOfClass(length, 3 * groups);
         std::string made = sign;
         std::size_t used = 0;

@@ -142,7 +142,9 @@ void writeRedacted(const fs::path& file, const fs::path& target, const Pseudonym
                           condition + " ORDER BY rowid");
     };
     if (!schema("sql LIKE 'CREATE VIRTUAL%'").empty()) {
-        throw Failure("cannot redact " + called + ": it holds a virtual table, which keeps texts in a form of its own");
+        throw Failure("cannot redact " + called +
+                      ": it holds a virtual table, which keeps texts in a form of its own; "
+                      "a copy without --redact is possible");
     }
     for (const std::string& sql : schema("type = 'table'")) {
         made.run(sql);

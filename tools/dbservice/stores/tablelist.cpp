@@ -90,7 +90,7 @@ void listTables(Session& session, Database& database, const std::vector<ListedTa
             return std::find(present.begin(), present.end(), table.name) != present.end();
         })) {
         throw Failure("cannot list " + std::string(tables.front().name) + ": " + database.called() +
-                      " has no such table");
+                      " has no such table; `dbservice init` lays down what is missing");
     }
     for (const ListedTable& table : tables) {
         if (std::find(present.begin(), present.end(), table.name) != present.end()) {
