@@ -5,6 +5,7 @@
 #include "moduleworkload.h"
 #include "scratchfolder.h"
 #include "storeworkload.h"
+#include "tellingerrors.h"
 #include "transferworkload.h"
 
 #include <CLI/CLI.hpp>
@@ -173,12 +174,5 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fputs("databaseservice_benchmark: ", stderr);
-        std::fputs(error.what(), stderr);
-        std::fputs("\n", stderr);
-        return 1;
-    }
+    return benchmarks::tellingErrors("databaseservice_benchmark", [&] { return run(argc, argv); });
 }

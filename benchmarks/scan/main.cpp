@@ -3,6 +3,7 @@
 #include "databaseservice/gallerydbprovider.h"
 #include "plainprogram.h"
 #include "scratchfolder.h"
+#include "tellingerrors.h"
 #include "usage.h"
 
 #include <CLI/CLI.hpp>
@@ -203,12 +204,5 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fputs("scan_benchmark: ", stderr);
-        std::fputs(error.what(), stderr);
-        std::fputs("\n", stderr);
-        return 1;
-    }
+    return benchmarks::tellingErrors("scan_benchmark", [&] { return run(argc, argv); });
 }
