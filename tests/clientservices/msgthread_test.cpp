@@ -1,5 +1,6 @@
 #include "clientservices/modulebase.h"
 
+#include "support/gate.h"
 #include "support/logcapture.h"
 #include "support/runonthreads.h"
 
@@ -11,7 +12,6 @@
 #include <chrono>
 #include <ctime>
 #include <filesystem>
-#include <latch>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -56,10 +56,10 @@ TEST_F(MessageThread, KeepsEachPostersOrderAndLosesNothing)
 
 TEST_F(MessageThread, TakesMessagesFromCreateThreadToTheQuitMessage)
 {
-    std::latch goOn(1);
+    testsupport::Gate goOn;
     int handled = 0;
     ModuleBase module;
-    const unsigned blocking = module.BindMessage([&](auto, auto) { goOn.wait(); });
+    const unsigned blocking = module.BindMessage([&](auto, auto) { goOn.pass(); });
     const unsigned counting = module.BindMessage([&](auto, auto) { ++handled; });
     const auto expectNothingTaken = [&] {
         EXPECT_FALSE(module.TryPostThreadMessage(counting, 0, 0));
@@ -77,7 +77,7 @@ TEST_F(MessageThread, TakesMessagesFromCreateThreadToTheQuitMessage)
     EXPECT_TRUE(module.PostThreadMessageW(ModuleBase::quitMessage, 0, 0));
     expectNothingTaken();
     EXPECT_TRUE(module.IsInMessageLoop());
-    goOn.count_down();
+    goOn.open();
     runOnThreads(2, [&](int) {
         module.StopWork();
         EXPECT_EQ(handled, 1);
@@ -164,8 +164,8 @@ TEST_F(MessageThread, SleepsWhileItIsIdle)
 // The object goes while a handler runs and more is queued: the rest is dropped, and the thread leaves nothing behind.
 TEST_F(MessageThread, EndsByItselfWhenItsObjectIsDestroyed)
 {
-    std::latch running(1);
-    std::latch goOn(1);
+    testsupport::Gate running;
+    testsupport::Gate goOn;
     std::atomic<int> handled = 0;
     auto held = std::make_shared<int>();
     const std::weak_ptr<int> left = held;
@@ -177,14 +177,14 @@ TEST_F(MessageThread, EndsByItselfWhenItsObjectIsDestroyed)
         ASSERT_TRUE(create(module));
         const unsigned message = module.BindMessage([&, held = std::move(held)](auto, auto) {
             ++handled;
-            running.count_down();
-            goOn.wait();
+            running.open();
+            goOn.pass();
         });
         module.TryPostThreadMessage(message, 0, 0);
         module.TryPostThreadMessage(message, 0, 0);
-        running.wait();
+        running.pass();
     }
-    goOn.count_down();
+    goOn.open();
     for (int wait = 0; !left.expired() && wait < 10'000; ++wait) {
         std::this_thread::sleep_for(1ms);
     }

@@ -89,9 +89,24 @@ bool isOfSystemLayer(std::string_view message)
     return message.starts_with("os_") || message.starts_with("cannot open file at line");
 }
 
-/// The file that the thread locked or opened last: what SQLite says next on it is about that.
-thread_local std::string fileOfThread;
-thread_local StoreWatch::Fault complaint;
+/// What is known of a thread.
+struct ThreadNotes {
+    std::string file; ///< that it locked or opened last: what SQLite says next on it is about that
+    StoreWatch::Fault complaint;
+};
+
+/// Those of the thread that asks. They outlive it: MinGW may free what is a thread's own before it is destroyed.
+ThreadNotes& notes()
+{
+    static auto& all = platform::neverDestroyed(new std::pair<std::mutex, std::list<ThreadNotes>>);
+    thread_local ThreadNotes* mine = nullptr;
+    if (mine == nullptr) {
+        const std::lock_guard lock(all.first);
+        mine = &all.second.emplace_back();
+    }
+    return *mine;
+}
+
 thread_local StoreWatch::Bearing* bearing = nullptr;
 thread_local bool copiesPages = false;
 
@@ -134,7 +149,7 @@ struct StoreWatch::Impl {
     {
         std::unique_lock guard(mutex);
         OpenFile& open = files[file];
-        fileOfThread = open.name;
+        notes().file = open.name;
         const Clock::time_point now = Clock::now();
         Clock::time_point& lastGrant = granted[{open.name, lock}];
         if (code != SQLITE_BUSY) {
@@ -254,7 +269,7 @@ int openFile(sqlite3_vfs* /*vfs*/, const char* name, sqlite3_file* file, int fla
 {
     const bool isDatabase = (flags & SQLITE_OPEN_MAIN_DB) != 0 && name != nullptr;
     if (isDatabase) {
-        fileOfThread = name;
+        notes().file = name;
     }
     const int code = watch->system->xOpen(watch->system, name, file, flags, openedAs);
     if (code != SQLITE_OK || !isDatabase) {
@@ -281,7 +296,8 @@ int openFile(sqlite3_vfs* /*vfs*/, const char* name, sqlite3_file* file, int fla
 
 void hear(void* /*unused*/, int code, const char* message)
 {
-    complaint = {toPath(fileOfThread), StoreWatch::explained(withoutStatement(message)), false};
+    StoreWatch::Fault& complaint = notes().complaint;
+    complaint = {toPath(notes().file), StoreWatch::explained(withoutStatement(message)), false};
     if (!isBearable(code) && !isOfSystemLayer(message)) {
         const bool damaged = (code & 0xFF) == SQLITE_CORRUPT;
         complaint.reason = (damaged ? "damaged: " : "") + std::string(sqlite3_errstr(code));
@@ -364,7 +380,7 @@ StoreWatch::CopiesPages::~CopiesPages()
 
 StoreWatch::Fault StoreWatch::lastComplaint()
 {
-    return complaint;
+    return notes().complaint;
 }
 
 StoreWatch::Bearing::Bearing()
