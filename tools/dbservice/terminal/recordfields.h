@@ -18,7 +18,7 @@ enum class Shown { Plain, Bytes, Time };
 
 /// A stored column and where a record has it: members or getters.
 template <class... Sources> struct Field {
-    const char* name;
+    const char* name = "";
     std::variant<Sources...> source;
     Shown shown = Shown::Plain;
 };
