@@ -8,6 +8,8 @@ SCAN ?= /usr
 export SCAN
 # How many pictures and videos `make legacy-sample` makes up.
 ROWS ?= 10000
+# How much of the whole `make reliability` does.
+SHARE ?= 1
 # How many tests and checks run at a time.
 JOBS ?= $(shell nproc)
 
@@ -62,6 +64,12 @@ test-report: build/release/build.ninja ## look at a report page in a browser, an
 	cmake --build --preset release --target dbservice
 	mkdir -p build/report
 	/usr/bin/python3 tests/report/page_test.py build/release/bin/dbservice build/report/scratch build/report
+
+.PHONY: reliability
+reliability: build/release/build.ninja ## harm the stores in every way we know, in 20 to 30 minutes (SHARE=1)
+	cmake --build --preset release --target reliability
+	printf '%s\n' crowds damage faults memory kills power fulldisk recovery threads | \
+	    xargs -P $(JOBS) -I PART build/release/bin/reliability PART --share $(SHARE)
 
 .PHONY: build-clang
 build-clang: build/clang/build.ninja ## build the libraries and their tests with clang, too

@@ -2,16 +2,43 @@
 
 #include <cstdlib>
 #include <new>
+#include <sqlite3.h>
 
 namespace {
 
 thread_local int left = -1;
+thread_local bool passes = false;
+thread_local bool passed = false;
+
+bool mayAllocate()
+{
+    if (left == 0 && !passed) {
+        passed = passes;
+        return false;
+    }
+    left -= left > 0;
+    return true;
+}
+
+sqlite3_mem_methods systemMemory;
+
+void* allocateForSqlite(int size)
+{
+    return mayAllocate() ? systemMemory.xMalloc(size) : nullptr;
+}
+
+void* resizeForSqlite(void* memory, int size)
+{
+    return mayAllocate() ? systemMemory.xRealloc(memory, size) : nullptr;
+}
 
 } // namespace
 
-void testsupport::setAllocationsLeft(int count)
+void testsupport::setAllocationsLeft(int count, Shortage shortage)
 {
     left = count;
+    passes = shortage == Shortage::Passing;
+    passed = false;
 }
 
 int testsupport::allocationsLeft()
@@ -19,10 +46,18 @@ int testsupport::allocationsLeft()
     return left;
 }
 
+void testsupport::limitSqliteMemory()
+{
+    sqlite3_config(SQLITE_CONFIG_GETMALLOC, &systemMemory);
+    sqlite3_mem_methods limited = systemMemory;
+    limited.xMalloc = allocateForSqlite;
+    limited.xRealloc = resizeForSqlite;
+    sqlite3_config(SQLITE_CONFIG_MALLOC, &limited);
+}
+
 void* operator new(std::size_t size)
 {
-    void* const memory = left == 0 ? nullptr : std::malloc(size);
-    left -= left > 0;
+    void* const memory = mayAllocate() ? std::malloc(size) : nullptr;
     return memory != nullptr ? memory : throw std::bad_alloc();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -11,6 +12,29 @@ namespace testsupport {
 /// where these are empty, where this program's goes.
 int runProgram(const std::vector<std::string>& commandLine, const std::filesystem::path& output = {},
                const std::filesystem::path& errors = {});
+
+/// A program that runs beside this one and can be killed. Its output goes where this program's goes.
+class RunningProgram {
+public:
+    explicit RunningProgram(const std::vector<std::string>& commandLine);
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+    ~RunningProgram();
+
+    /// Ends it on the spot, without a word to it.
+    void kill();
+    /// Waits for its end and gives its exit code; another number for one that was killed.
+    int wait();
+
+private:
+    std::intptr_t m_process = 0; ///< the system's; 0 once it was waited for
+};
+
+/// Limits of this process; without an argument there is none. False where the system has no such thing.
+bool limitFileSize(std::int64_t bytes = -1);
+bool limitOpenFiles(std::int64_t count = -1);
+/// How many files it has open; -1 where the system does not tell.
+int openFiles();
 
 /// A variable of this process's environment, which programs that it runs inherit, for as long as the object lives; an
 /// empty value stands for none.

@@ -2,9 +2,15 @@
 
 #include "platform/environment.h"
 
-#include <sys/wait.h>
-
+#include <csignal>
 #include <cstdlib>
+#include <iterator>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
 
 namespace testsupport {
 
@@ -17,6 +23,14 @@ std::string quoted(const std::string& text)
         result += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
     }
     return result + '\'';
+}
+
+template <class Resource> bool setLimit(Resource resource, std::int64_t value)
+{
+    rlimit limit{};
+    ::getrlimit(resource, &limit);
+    limit.rlim_cur = value < 0 ? limit.rlim_max : static_cast<rlim_t>(value);
+    return ::setrlimit(resource, &limit) == 0;
 }
 
 void setVariable(const std::string& name, const std::string& value)
@@ -46,6 +60,61 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     }
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+RunningProgram::RunningProgram(const std::vector<std::string>& commandLine)
+{
+    std::vector<char*> arguments;
+    for (const std::string& argument : commandLine) {
+        arguments.push_back(const_cast<char*>(argument.c_str())); // the interface's; nobody writes there
+    }
+    arguments.push_back(nullptr);
+    pid_t started = 0;
+    if (const int code = ::posix_spawn(&started, arguments[0], nullptr, nullptr, arguments.data(), environ);
+        code != 0) {
+        throw std::system_error(code, std::generic_category(), "cannot run " + commandLine[0]);
+    }
+    m_process = started;
+}
+
+RunningProgram::~RunningProgram()
+{
+    kill();
+    wait();
+}
+
+void RunningProgram::kill()
+{
+    if (m_process != 0) {
+        ::kill(static_cast<pid_t>(m_process), SIGKILL);
+    }
+}
+
+int RunningProgram::wait()
+{
+    int status = 0;
+    if (m_process != 0) {
+        ::waitpid(static_cast<pid_t>(std::exchange(m_process, 0)), &status, 0);
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool limitFileSize(std::int64_t bytes)
+{
+    std::signal(SIGXFSZ, SIG_IGN); // the write fails instead
+    return setLimit(RLIMIT_FSIZE, bytes);
+}
+
+bool limitOpenFiles(std::int64_t count)
+{
+    return setLimit(RLIMIT_NOFILE, count);
+}
+
+int openFiles()
+{
+    std::error_code unknown;
+    const std::filesystem::directory_iterator files("/proc/self/fd", unknown);
+    return unknown ? -1 : static_cast<int>(std::distance(begin(files), end(files))) - 1; // less the look itself
 }
 
 EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <system_error>
+#include <utility>
 
 namespace testsupport {
 
@@ -53,6 +54,38 @@ Handle openForOutput(const std::filesystem::path& file)
     return Handle(opened);
 }
 
+Handle start(const std::vector<std::string>& commandLine, const std::filesystem::path& output,
+             const std::filesystem::path& errors)
+{
+    std::string line;
+    for (const std::string& argument : commandLine) {
+        line += quoted(argument) + ' ';
+    }
+    std::wstring wideLine = platform::toWide(line);
+    const Handle outputFile = openForOutput(output);
+    const Handle errorFile = openForOutput(errors);
+    STARTUPINFOW information{};
+    information.cb = sizeof information;
+    information.dwFlags = STARTF_USESTDHANDLES;
+    information.hStdOutput = output.empty() ? GetStdHandle(STD_OUTPUT_HANDLE) : outputFile.get();
+    information.hStdError = errors.empty() ? GetStdHandle(STD_ERROR_HANDLE) : errorFile.get();
+    PROCESS_INFORMATION started{};
+    if (CreateProcessW(nullptr, wideLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &information, &started) ==
+        0) {
+        throw systemError("cannot run " + line);
+    }
+    const Handle thread(started.hThread);
+    return Handle(started.hProcess);
+}
+
+int exitCodeOf(HANDLE process)
+{
+    DWORD code = 0;
+    WaitForSingleObject(process, INFINITE);
+    GetExitCodeProcess(process, &code);
+    return static_cast<int>(code);
+}
+
 void setVariable(const std::string& name, const std::string& value)
 {
     const std::wstring wide = platform::toWide(value);
@@ -64,28 +97,47 @@ void setVariable(const std::string& name, const std::string& value)
 int runProgram(const std::vector<std::string>& commandLine, const std::filesystem::path& output,
                const std::filesystem::path& errors)
 {
-    std::string line;
-    for (const std::string& argument : commandLine) {
-        line += quoted(argument) + ' ';
+    const Handle process = start(commandLine, output, errors);
+    return exitCodeOf(process.get());
+}
+
+RunningProgram::RunningProgram(const std::vector<std::string>& commandLine)
+    : m_process(reinterpret_cast<std::intptr_t>(start(commandLine, {}, {}).release()))
+{
+}
+
+RunningProgram::~RunningProgram()
+{
+    kill();
+    wait();
+}
+
+void RunningProgram::kill()
+{
+    if (m_process != 0) {
+        TerminateProcess(reinterpret_cast<HANDLE>(m_process), 255);
     }
-    std::wstring wideLine = platform::toWide(line);
-    const Handle outputFile = openForOutput(output);
-    const Handle errorFile = openForOutput(errors);
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = output.empty() ? GetStdHandle(STD_OUTPUT_HANDLE) : outputFile.get();
-    start.hStdError = errors.empty() ? GetStdHandle(STD_ERROR_HANDLE) : errorFile.get();
-    PROCESS_INFORMATION started{};
-    if (CreateProcessW(nullptr, wideLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &started) == 0) {
-        throw systemError("cannot run " + line);
-    }
-    const Handle process(started.hProcess);
-    const Handle thread(started.hThread);
-    DWORD code = 0;
-    WaitForSingleObject(process.get(), INFINITE);
-    GetExitCodeProcess(process.get(), &code);
-    return static_cast<int>(code);
+}
+
+int RunningProgram::wait()
+{
+    const Handle process(reinterpret_cast<HANDLE>(std::exchange(m_process, 0)));
+    return process != nullptr ? exitCodeOf(process.get()) : 0;
+}
+
+bool limitFileSize(std::int64_t /*bytes*/)
+{
+    return false;
+}
+
+bool limitOpenFiles(std::int64_t /*count*/)
+{
+    return false;
+}
+
+int openFiles()
+{
+    return -1;
 }
 
 EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)

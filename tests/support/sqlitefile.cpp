@@ -92,6 +92,19 @@ std::string SqliteFile::text(const std::string& sql)
     return text;
 }
 
+void SqliteFile::fill(int rows)
+{
+    for (const auto& table : query("SELECT name FROM sqlite_master WHERE name NOT LIKE 'sqlite%'")) {
+        const std::string values =
+            value("SELECT group_concat(CASE WHEN type LIKE 'INT%' OR type LIKE 'RE%' OR type LIKE 'DOU%' THEN 'value' "
+                  "ELSE '''id-'' || value' END) FROM pragma_table_info(" +
+                  table[0] + ")");
+        exec("INSERT INTO " + table[0] +
+             " WITH RECURSIVE n(value) AS (SELECT 1 UNION ALL SELECT value + 1 FROM n WHERE value < " +
+             std::to_string(rows) + ") SELECT " + values.substr(1, values.size() - 2) + " FROM n");
+    }
+}
+
 std::string SqliteFile::tables()
 {
     const std::string names = value("SELECT group_concat(name) FROM (SELECT name FROM sqlite_master WHERE type = "

@@ -33,6 +33,9 @@ public:
     /// A line for each row, with its cells between bars.
     std::string text(const std::string& sql);
 
+    /// So many rows into every table, whatever its columns: numbers, and texts that end in them.
+    void fill(int rows);
+
     /// The names of the tables, with commas between them; SQLite's own are left out.
     std::string tables();
     /// A table's columns in runs of one kind, a line for each: "TEXT NOT NULL: a b".

@@ -1,0 +1,99 @@
+// Many writers and readers at once, in one process and in several, on every store.
+
+#include "clientservices/globalparamwrapper.h"
+#include "harness.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+#include "support/process.h"
+#include "support/runonthreads.h"
+
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+using namespace testsupport;
+using Clock = std::chrono::steady_clock;
+
+namespace reliability {
+
+// member FOLDER RESULT STORE PROCESS THREADS MILLISECONDS: half of the threads write rows of their own numbers, half
+// read. Writes a line for each: its first number or -1, how often it came through, its longest wait in milliseconds.
+void member(Run& run)
+{
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(run.rest.at(0)));
+    const Store& store = *std::ranges::find(stores(), run.rest.at(2), &Store::name);
+    store.create();
+    const int threads = std::stoi(run.rest.at(4));
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(std::stoi(run.rest.at(5)));
+    std::mutex mutex;
+    std::ofstream result(run.rest.at(1));
+    runOnThreads(threads, [&](int thread) {
+        const bool writes = thread % 2 == 0;
+        const int first = (std::stoi(run.rest.at(3)) * threads + thread) * 10'000'000;
+        int count = 0;
+        Clock::duration longest{};
+        for (Clock::time_point begin = Clock::now(); begin < end; ++count) {
+            writes ? store.add(first + count) : static_cast<void>(store.read());
+            const Clock::time_point now = Clock::now();
+            longest = std::max(longest, now - std::exchange(begin, now));
+        }
+        const std::lock_guard lock(mutex);
+        result << (writes ? first : -1) << ' ' << count << ' '
+               << std::chrono::duration_cast<std::chrono::milliseconds>(longest).count() << '\n';
+    });
+    result.close();
+    std::_Exit(failureLines() == 0 ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+void crowds(Run& run)
+{
+    constexpr int threads = 16;
+    Folders folders;
+    const TestFolder beside;
+    for (const Store& store : stores()) {
+        for (const int processes : {1, 4}) {
+            const std::string name = store.name + ", processes: " + std::to_string(processes);
+            run.trying(name);
+            folders.fresh();
+            store.create();
+            std::vector<std::unique_ptr<RunningProgram>> members;
+            const auto result = [&](int process) { return beside.path() / std::to_string(process); };
+            for (int process = 0; process < processes; ++process) {
+                members.push_back(std::make_unique<RunningProgram>(
+                    std::vector<std::string>{RELIABILITY_PROGRAM, "member", platform::toUtf8(folders.path()),
+                                             platform::toUtf8(result(process)), store.name, std::to_string(process),
+                                             std::to_string(threads / processes), std::to_string(run.part(30'000))}));
+            }
+            std::set<int> acknowledged;
+            std::vector<int> counts[2];
+            std::int64_t longest[2] = {};
+            for (int process = 0; process < processes; ++process) {
+                run.expect(members[static_cast<std::size_t>(process)]->wait() == 0, "a call failed");
+                std::ifstream lines(result(process));
+                int first = 0;
+                int count = 0;
+                for (std::int64_t wait = 0; lines >> first >> count >> wait;) {
+                    run.trying(name, count);
+                    counts[first < 0].push_back(count);
+                    longest[first < 0] = std::max(longest[first < 0], wait);
+                    // The control: a write is told that was none.
+                    for (int number = first; first >= 0 && number < first + count + run.control; ++number) {
+                        acknowledged.insert(number);
+                    }
+                }
+            }
+            for (const bool reads : {false, true}) {
+                const auto [least, most] = std::ranges::minmax(counts[reads]);
+                Run::tell(name + ": " + std::to_string(least) + " to " + std::to_string(most) + " calls for each of " +
+                          std::to_string(counts[reads].size()) + (reads ? " readers" : " writers") +
+                          ", the longest in " + std::to_string(longest[reads]) + " ms");
+            }
+            run.expect(soundState(run, folders.path()) && numbersIn(folders, store) == acknowledged,
+                       "rows are not those that were acknowledged");
+        }
+    }
+}
+
+} // namespace reliability
