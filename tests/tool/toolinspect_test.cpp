@@ -31,7 +31,7 @@ protected:
     /// A copy of a store's file under a name that tells nothing of it.
     std::string copy(const std::string& file, const std::string& name = "copy") const
     {
-        fs::copy_file(store() / file, m_folder.path() / name, fs::copy_options::overwrite_existing);
+        writeBytes(m_folder.path() / name, bytesOf(store() / file));
         return path(name);
     }
     void zero(const std::string& file, std::size_t page) const
