@@ -97,8 +97,6 @@ Database::Database(const std::filesystem::path& file, Access access, const std::
         fail(verb);
     }
     sqlite3_busy_timeout(db, std::numeric_limits<int>::max());
-    // A look at a whole file goes back and forth between a table and its indexes.
-    sqlite3_exec(db, "PRAGMA cache_size = -65536", nullptr, nullptr, nullptr);
 }
 
 void Database::run(std::string_view statement, const std::vector<Value>& values, const OnRow& onRow)

@@ -135,6 +135,7 @@ private:
 
     void checkIntegrity()
     {
+        m_database->run("PRAGMA cache_size = -65536"); // it goes back and forth between a table and its indexes
         for (std::string line : m_database->texts("PRAGMA integrity_check(100)")) {
             std::replace(line.begin(), line.end(), '\n', ' ');
             const std::size_t index = line.find("missing from index ");
