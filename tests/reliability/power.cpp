@@ -58,7 +58,8 @@ void power(Run& run)
     int undoneCalls = 0;
     for (int chain = 0; chain < run.part(100); ++chain) {
         const Recording recording(run, folders);
-        const auto& [states, ends, outcome, calls] = recording.reference;
+        const auto& states = recording.reference.states;
+        const auto& ends = recording.reference.ends;
         const double share = 100.0 / static_cast<double>(recording.requests.size());
         recording.replay(folders, run.control, [&](UnsureDisk& disk, const Request&, std::size_t at, std::size_t over) {
             if (static_cast<double>(run.random()) >= share * 0x1p32) {

@@ -9,8 +9,8 @@ namespace dbservice {
 
 class Session;
 
-/// Copies a database page by page, damage and all, as it is between two changes of whoever works on it, who waits meanwhile. Nothing may be at
-/// `target` yet. Throws a `Failure`.
+/// Copies a database page by page, damage and all, as it is between two changes of whoever works on it, who waits
+/// meanwhile. Nothing may be at `target` yet. Throws a `Failure`.
 void copyDatabase(Session& session, const std::filesystem::path& file, const std::filesystem::path& target);
 
 /// Adds every text in a database.
