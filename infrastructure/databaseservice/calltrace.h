@@ -19,6 +19,7 @@
 /// Costs: without a callback one atomic load a call.
 namespace DatabaseService {
 
+/// One call, from its begin to after its commit. The texts are good for as long as the callback runs.
 struct CallTrace {
     std::string_view store;     ///< the store's file name; of `CommonSqliteDb` the whole path
     std::string_view statement; ///< SQL with the names of its parameters, without the values that are bound
@@ -26,7 +27,7 @@ struct CallTrace {
     std::uint64_t rowsOut = 0;  ///< rows that were read
     bool succeeded = false;     ///< what the engine reports; a row that is lost on the way does not count against it
 
-    std::chrono::steady_clock::time_point start;
+    std::chrono::steady_clock::time_point start; ///< of the call
     // Together they are the call, less what closing takes.
     std::chrono::nanoseconds opening{};    ///< the connection, where the call opens one, and preparing the statement
     std::chrono::nanoseconds waiting{};    ///< for locks that others had, in any stage; `CommonSqliteDb` does not tell
@@ -34,6 +35,7 @@ struct CallTrace {
     std::chrono::nanoseconds committing{}; ///< nothing where there is no transaction of the call's own
 };
 
+/// What a call ends in.
 using CallTraceCallback = std::function<void(const CallTrace&)>;
 
 /// From here on each call of the engine and of `CommonSqliteDb` ends in the callback; an empty one ends that. Calls
