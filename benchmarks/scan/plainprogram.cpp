@@ -439,11 +439,12 @@ void PlainProgram::count() const
 void PlainProgram::countBelowRoot() const
 {
     const Database database(m_store);
-    const Query query(database,
-                      "WITH RECURSIVE items(fileId, recycled) AS (SELECT fileId, recycled FROM DriveDataTable WHERE "
-                      "parentId = '' UNION ALL SELECT DriveDataTable.fileId, DriveDataTable.recycled FROM "
-                      "DriveDataTable JOIN items ON DriveDataTable.parentId = items.fileId) SELECT COUNT(*) FROM items "
-                      "WHERE recycled = '0'");
+    const Query query(
+        database,
+        "WITH RECURSIVE items(fileId, recycled, size) AS (SELECT fileId, recycled, size FROM "
+        "DriveDataTable WHERE parentId = '' UNION ALL SELECT DriveDataTable.fileId, "
+        "DriveDataTable.recycled, DriveDataTable.size FROM DriveDataTable JOIN items ON "
+        "DriveDataTable.parentId = items.fileId) SELECT COUNT(*), SUM(size) FROM items WHERE recycled = 0");
     query.step();
 }
 

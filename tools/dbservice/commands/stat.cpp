@@ -19,14 +19,23 @@ struct StatOptions {
     bool all = false;
 };
 
-/// Of the same rows that the library counts.
-std::int64_t bytesBelow(Session& session, const std::string& id)
+struct Subtree {
+    std::int64_t rows = 0;
+    std::int64_t bytes = 0;
+};
+
+/// The rows that the library counts as a folder's, and their bytes, in one walk.
+Subtree subtreeOf(Session& session, const std::string& id)
 {
-    return session.driveAsItIs().number(
+    Subtree subtree;
+    session.driveAsItIs().run(
         "WITH RECURSIVE items(fileId, recycled, size) AS (SELECT fileId, recycled, size FROM DriveDataTable "
         "WHERE fileId = ?1 UNION ALL SELECT child.fileId, child.recycled, child.size FROM DriveDataTable AS child "
-        "JOIN items ON child.parentId = items.fileId) SELECT sum(size) FROM items WHERE recycled = 0",
-        {id});
+        "JOIN items ON child.parentId = items.fileId) SELECT count(*), sum(size) FROM items WHERE recycled = 0",
+        {id}, [&](const Database::Row& row) {
+            subtree = {row.number(0), row.number(1)};
+        });
+    return subtree;
 }
 
 int stat(Session& session, const StatOptions& options)
@@ -39,19 +48,17 @@ int stat(Session& session, const StatOptions& options)
         throw Failure("cannot count what is below " + id + ": the row is its own ancestor");
     }
     warnOfStrays(session, {row});
-    const int subtree = drive.GetFilesChildNodeCount(id);
-    const std::int64_t bytes = bytesBelow(session, id);
+    const auto [rows, bytes] = subtreeOf(session, id);
     if (session.json()) {
         Json json = toJson(row);
-        json["subtree"] = subtree;
+        json["subtree"] = rows;
         json["subtreeBytes"] = bytes;
         std::cout << toLine(json) << '\n';
         return 0;
     }
     Table table = toTable(row, options.all);
-    table.add(
-        {"subtree",
-         counted(subtree, "row", "rows") + ", " + counted(bytes, "byte", "bytes") + " (" + humanSize(bytes) + ")"});
+    table.add({"subtree",
+               counted(rows, "row", "rows") + ", " + counted(bytes, "byte", "bytes") + " (" + humanSize(bytes) + ")"});
     table.print(std::cout, Session::outputWidth());
     return 0;
 }
