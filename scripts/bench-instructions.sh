@@ -15,16 +15,16 @@ rows=5000
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
-# Prints the instructions of one side of one operation; leaves the number of rows in $scratch/rows.
+# Leaves the instructions of one side of one operation in $scratch/SIDE.count, and its rows in $scratch/SIDE.rows.
 count()
 {
     if ! LD_BIND_NOW=1 valgrind --tool=callgrind --toggle-collect='benchmarks::secondsOf(*' \
-        --callgrind-out-file="$scratch/profile" --log-file="$scratch/log" \
-        "$program" --rows "$rows" --operation "$1" --side "$2" >"$scratch/rows"; then
-        cat "$scratch/log" 2>/dev/null >&2
+        --callgrind-out-file="$scratch/$2.profile" --log-file="$scratch/$2.log" \
+        "$program" --rows "$rows" --operation "$1" --side "$2" >"$scratch/$2.rows"; then
+        cat "$scratch/$2.log" 2>/dev/null >&2
         return 1
     fi
-    sed -n 's/^summary: *//p' "$scratch/profile"
+    sed -n 's/^summary: *//p' "$scratch/$2.profile" >"$scratch/$2.count"
 }
 
 failed=0
@@ -32,10 +32,13 @@ failed=0
 # compare OPERATION [LIMIT]
 compare()
 {
-    library=$(count "$1" library)
-    libraryRows=$(cat "$scratch/rows")
-    expert=$(count "$1" expert)
-    if [ "$libraryRows" != "$(cat "$scratch/rows")" ] || [ "${expert:-0}" -eq 0 ]; then
+    count "$1" library & # at the same time, which changes no count
+    count "$1" expert
+    wait $!
+    library=$(cat "$scratch/library.count")
+    expert=$(cat "$scratch/expert.count")
+    libraryRows=$(cat "$scratch/library.rows")
+    if [ "$libraryRows" != "$(cat "$scratch/expert.rows")" ] || [ "${expert:-0}" -eq 0 ]; then
         echo "$1: the two sides did not do the same work" >&2
         exit 1
     fi
