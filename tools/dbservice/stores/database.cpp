@@ -144,8 +144,7 @@ std::vector<std::string> Database::texts(std::string_view statement, const std::
 
 std::vector<std::string> Database::tables()
 {
-    return texts("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite!_%' ESCAPE '!' "
-                 "ORDER BY rowid");
+    return texts(namesOfTables);
 }
 
 std::vector<std::string> Database::columns(const std::string& table)

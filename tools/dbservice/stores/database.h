@@ -14,6 +14,10 @@ struct sqlite3_stmt;
 
 namespace dbservice {
 
+/// The names of a file's tables, as they were made one after the other, without SQLite's own.
+inline constexpr const char* namesOfTables =
+    "SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite!_%' ESCAPE '!' ORDER BY rowid";
+
 /// A connection of the tool's own to one SQLite file, for what the library has no function for. It knows the order of
 /// names. Locks are waited for as everywhere in the tool (`StoreWatch`).
 ///
@@ -62,8 +66,7 @@ public:
     /// The first cells of all rows.
     std::vector<std::string> texts(std::string_view statement, const std::vector<Value>& values = {});
 
-    /// The names of the tables, as they were made one after the other, without SQLite's own.
-    std::vector<std::string> tables();
+    std::vector<std::string> tables(); ///< `namesOfTables`
     std::vector<std::string> columns(const std::string& table);
 
     /// Throws the `Failure` with what SQLite said last.

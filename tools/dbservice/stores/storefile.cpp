@@ -4,6 +4,7 @@
 #include "databaseservice/commonsqlitedb.h"
 #include "platform/paths.h"
 #include "platform/text.h"
+#include "stores/database.h"
 #include "terminal/displaytext.h"
 #include "terminal/failure.h"
 
@@ -21,8 +22,7 @@ StoreFile::StoreFile(const std::filesystem::path& fileName) : m_name(platform::t
 
 std::vector<std::string> StoreFile::tables()
 {
-    return texts("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite!_%' ESCAPE '!' "
-                 "ORDER BY rowid");
+    return texts(namesOfTables);
 }
 
 bool StoreFile::hasTable(const std::string& table)
