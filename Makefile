@@ -38,7 +38,7 @@ legacy-sample: build/release/build.ninja ## make up build/legacy/legacy-sample.d
 	build/release/bin/legacysample build/legacy/legacy-sample.dat $(ROWS)
 
 .PHONY: test
-test: build/release/build.ninja ## build everything and run all tests
+test: build/release/build.ninja ## build all but the benchmarks and run all tests
 	cmake --build --preset release --target all all_verify_interface_header_sets
 	ctest --preset release --parallel $(JOBS)
 

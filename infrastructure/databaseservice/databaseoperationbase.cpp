@@ -6,7 +6,6 @@
 #include "databaseservice/engine/parameterlistsource.h"
 #include "databaseservice/engine/rowsink.h"
 #include "databaseservice/engine/unitofwork.h"
-#include "platform/text.h"
 
 #include <chrono>
 #include <memory>
@@ -16,11 +15,6 @@
 namespace DatabaseService {
 
 namespace {
-
-std::wstring errorText(sqlite3* db)
-{
-    return platform::toWide(sqlite3_errmsg(db));
-}
 
 // The rows of a query as their public form: each cell by its kind.
 class ResultListSink final : public RowSink {

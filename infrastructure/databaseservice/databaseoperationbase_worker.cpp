@@ -29,11 +29,6 @@ namespace {
 constexpr const char* executeFunction = "DatabaseOperationBase::Execute";
 constexpr const char* openFunction = "DatabaseOperationBase::OpenDatabase";
 
-std::wstring errorText(sqlite3* db)
-{
-    return platform::toWide(sqlite3_errmsg(db));
-}
-
 } // namespace
 
 /// The one worker behind every operation of a store.

@@ -21,8 +21,7 @@ sqlite3* DataMigrationDB::OpenLegacyDatabase(const std::wstring& path)
     sqlite3* db = nullptr;
     if (openConnection(platform::toUtf8(file), BusyHandler, db) != Opening::Done) {
         logFailure(__LINE__, "DatabaseService::V10::DataMigrationDB::OpenLegacyDatabase",
-                   L"the legacy file " + m_legacyPath + L" could not be opened: " +
-                       platform::toWide(sqlite3_errmsg(db)));
+                   L"the legacy file " + m_legacyPath + L" could not be opened: " + errorText(db));
         CloseDatabase(db);
         return nullptr;
     }

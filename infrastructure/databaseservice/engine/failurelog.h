@@ -1,6 +1,10 @@
 #pragma once
 
 #include "clientservices/cloudlogger.h"
+#include "platform/text.h"
+
+#include <sqlite3.h>
+#include <string>
 
 namespace DatabaseService {
 
@@ -8,6 +12,12 @@ namespace DatabaseService {
 template <class Text> void logFailure(int line, const char* function, const Text& message)
 {
     Logger::CloudLogger::GetInstance()->Output(0, 5, line, function, message, true);
+}
+
+/// What SQLite says of the last failure of a connection.
+inline std::wstring errorText(sqlite3* db)
+{
+    return platform::toWide(sqlite3_errmsg(db));
 }
 
 } // namespace DatabaseService
