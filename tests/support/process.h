@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/environment.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -19,7 +21,11 @@ public:
     explicit RunningProgram(const std::vector<std::string>& commandLine);
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
-    ~RunningProgram();
+    ~RunningProgram()
+    {
+        kill();
+        wait();
+    }
 
     /// Ends it on the spot, without a word to it.
     void kill();
@@ -36,18 +42,23 @@ bool limitOpenFiles(std::int64_t count = -1);
 /// How many files it has open; -1 where the system does not tell.
 int openFiles();
 
-/// A variable of this process's environment, which programs that it runs inherit, for as long as the object lives; an
-/// empty value stands for none.
+/// Of this process, and inherited by programs that it runs. An empty value stands for none.
+void setEnvironmentVariable(const std::string& name, const std::string& value);
+
+/// A variable of the environment for as long as the object lives.
 class EnvironmentVariable {
 public:
-    EnvironmentVariable(const std::string& name, const std::string& value);
+    EnvironmentVariable(const std::string& name, const std::string& value) : m_name(name)
+    {
+        setEnvironmentVariable(name, value);
+    }
     EnvironmentVariable(const EnvironmentVariable&) = delete;
     EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-    ~EnvironmentVariable();
+    ~EnvironmentVariable() { setEnvironmentVariable(m_name, m_before); }
 
 private:
     const std::string m_name;
-    const std::string m_before;
+    const std::string m_before = platform::environmentVariable(m_name);
 };
 
 } // namespace testsupport

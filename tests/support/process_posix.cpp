@@ -1,7 +1,5 @@
 #include "support/process.h"
 
-#include "platform/environment.h"
-
 #include <csignal>
 #include <cstdlib>
 #include <iterator>
@@ -31,15 +29,6 @@ template <class Resource> bool setLimit(Resource resource, std::int64_t value)
     ::getrlimit(resource, &limit);
     limit.rlim_cur = value < 0 ? limit.rlim_max : static_cast<rlim_t>(value);
     return ::setrlimit(resource, &limit) == 0;
-}
-
-void setVariable(const std::string& name, const std::string& value)
-{
-    if (value.empty()) {
-        ::unsetenv(name.c_str());
-    } else {
-        ::setenv(name.c_str(), value.c_str(), 1);
-    }
 }
 
 } // namespace
@@ -77,12 +66,6 @@ RunningProgram::RunningProgram(const std::vector<std::string>& commandLine)
     m_process = started;
 }
 
-RunningProgram::~RunningProgram()
-{
-    kill();
-    wait();
-}
-
 void RunningProgram::kill()
 {
     if (m_process != 0) {
@@ -117,16 +100,13 @@ int openFiles()
     return unknown ? -1 : static_cast<int>(std::distance(begin(files), end(files))) - 1; // less the look itself
 }
 
-EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
-    : m_name(name),
-      m_before(platform::environmentVariable(name))
+void setEnvironmentVariable(const std::string& name, const std::string& value)
 {
-    setVariable(name, value);
-}
-
-EnvironmentVariable::~EnvironmentVariable()
-{
-    setVariable(m_name, m_before);
+    if (value.empty()) {
+        ::unsetenv(name.c_str());
+    } else {
+        ::setenv(name.c_str(), value.c_str(), 1);
+    }
 }
 
 } // namespace testsupport

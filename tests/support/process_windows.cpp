@@ -1,6 +1,5 @@
 #include "support/process.h"
 
-#include "platform/environment.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 
@@ -86,12 +85,6 @@ int exitCodeOf(HANDLE process)
     return static_cast<int>(code);
 }
 
-void setVariable(const std::string& name, const std::string& value)
-{
-    const std::wstring wide = platform::toWide(value);
-    SetEnvironmentVariableW(platform::toWide(name).c_str(), wide.empty() ? nullptr : wide.c_str());
-}
-
 } // namespace
 
 int runProgram(const std::vector<std::string>& commandLine, const std::filesystem::path& output,
@@ -104,12 +97,6 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
 RunningProgram::RunningProgram(const std::vector<std::string>& commandLine)
     : m_process(reinterpret_cast<std::intptr_t>(start(commandLine, {}, {}).release()))
 {
-}
-
-RunningProgram::~RunningProgram()
-{
-    kill();
-    wait();
 }
 
 void RunningProgram::kill()
@@ -140,16 +127,10 @@ int openFiles()
     return -1;
 }
 
-EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
-    : m_name(name),
-      m_before(platform::environmentVariable(name))
+void setEnvironmentVariable(const std::string& name, const std::string& value)
 {
-    setVariable(name, value);
-}
-
-EnvironmentVariable::~EnvironmentVariable()
-{
-    setVariable(m_name, m_before);
+    const std::wstring wide = platform::toWide(value);
+    SetEnvironmentVariableW(platform::toWide(name).c_str(), wide.empty() ? nullptr : wide.c_str());
 }
 
 } // namespace testsupport
