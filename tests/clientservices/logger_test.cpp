@@ -4,6 +4,7 @@
 #include "clientservices/logsinks.h"
 #include "databaseservice/korvlog.h"
 #include "platform/paths.h"
+#include "platform/scopeexit.h"
 #include "support/filebytes.h"
 #include "support/runonthreads.h"
 #include "support/testfolder.h"
@@ -40,30 +41,26 @@ void log(const std::string& message)
     logger().Output(0, 2, 1, "f", message, true);
 }
 
-class FunctionSink : public Logger::LogSink {
-public:
-    explicit FunctionSink(std::function<void(const LogEntry&)> function) : m_function(std::move(function)) { }
+using Function = std::function<void(const LogEntry&)>;
+
+struct FunctionSink : Logger::LogSink {
+    explicit FunctionSink(Function function) : m_function(std::move(function)) { }
     void Write(const LogEntry& entry) override { m_function(entry); }
 
-private:
-    std::function<void(const LogEntry&)> m_function;
+    const Function m_function;
 };
 
-/// A sink in the log for as long as the object lives.
-class Attached {
-public:
-    explicit Attached(std::shared_ptr<Logger::LogSink> sink) : m_sink(std::move(sink)) { logger().AddSink(m_sink); }
-    explicit Attached(std::function<void(const LogEntry&)> function)
-        : Attached(std::make_shared<FunctionSink>(std::move(function)))
-    {
-    }
-    Attached(const Attached&) = delete;
-    Attached& operator=(const Attached&) = delete;
-    ~Attached() { logger().RemoveSink(m_sink); }
+/// The sink is in the log for as long as what this returns lives.
+auto attached(std::shared_ptr<Logger::LogSink> sink)
+{
+    logger().AddSink(sink);
+    return platform::ScopeExit([sink] { logger().RemoveSink(sink); });
+}
 
-private:
-    std::shared_ptr<Logger::LogSink> m_sink;
-};
+auto attached(const Function& function)
+{
+    return attached(std::make_shared<FunctionSink>(function));
+}
 
 std::string fields(const LogEntry& entry)
 {
@@ -77,7 +74,7 @@ std::string fields(const LogEntry& entry)
 TEST(CloudLogger, BothFormsCarryEachField)
 {
     Lines lines;
-    const Attached sink([&](const LogEntry& entry) { lines.push_back(fields(entry)); });
+    const auto sink = attached([&](const LogEntry& entry) { lines.push_back(fields(entry)); });
     logger().Output(7, 5, 123, "Class::Function", std::string("narrow \xC3\xA4"), true);
     logger().Output(8, 2, 124, nullptr, std::wstring(L"wide \u00E4 \u5047"), false);
     EXPECT_EQ(lines,
@@ -88,7 +85,7 @@ TEST(CloudLogger, BothFormsCarryEachField)
 TEST(KorvWriteLog, CarriesEachFieldAndFormats)
 {
     LogEntry last;
-    const Attached sink([&](const LogEntry& entry) { last = entry; });
+    const auto sink = attached([&](const LogEntry& entry) { last = entry; });
     KorvWriteLog(31, 0x40001, "tag", 77, "file", "function", "%s[%d] %lld", "text", -1, 1LL << 40);
     EXPECT_EQ(fields(last),
               "31 262145 77 function=function message=text[-1] 1099511627776 tag=tag file=file flag=0 failure=0");
@@ -112,7 +109,7 @@ TEST(CloudLogger, WritesToTheSinksThatAreThere)
     logger().AddSink(first);
     log("one");
     {
-        const Attached sink([&](const LogEntry& entry) { second.push_back(entry.message); });
+        const auto sink = attached([&](const LogEntry& entry) { second.push_back(entry.message); });
         logger().RemoveSink(first);
         log("two");
     }
@@ -124,13 +121,13 @@ TEST(CloudLogger, WritesToTheSinksThatAreThere)
 
 TEST(CloudLogger, DropsWhatASinkThrowsAndWhatItLogs)
 {
-    const Attached failing([](const LogEntry&) {
+    const auto failing = attached([](const LogEntry&) {
         log("from the sink");
         KorvWriteLog(0, 0, "", 0, "", "", "from the sink");
         throw std::runtime_error("disk full");
     });
     Lines lines;
-    const Attached sink([&](const LogEntry& entry) { lines.push_back(entry.message); });
+    const auto sink = attached([&](const LogEntry& entry) { lines.push_back(entry.message); });
     log("one");
     KorvWriteLog(0, 0, "", 0, "", "", "two");
     EXPECT_EQ(lines, (Lines{"one", "two"}));
@@ -146,7 +143,7 @@ TEST(CloudLogger, TakesLinesAndSinksFromManyThreads)
     std::atomic<int> overlaps{0};
     std::atomic<int> afterRemoval{0};
     int seen = 0; // written under the logger's lock only
-    const Attached staying([&](const LogEntry& entry) {
+    const auto staying = attached([&](const LogEntry& entry) {
         overlaps += inside++ == 0 ? 0 : 1;
         seen += entry.message == std::to_string(entry.line) ? 1 : 0;
         std::this_thread::yield();
@@ -160,7 +157,7 @@ TEST(CloudLogger, TakesLinesAndSinksFromManyThreads)
         for (int round = 0; round < 100 && thread == threadCount; ++round) {
             std::atomic<bool> removed{false};
             {
-                const Attached passing([&](const LogEntry&) { afterRemoval += removed ? 1 : 0; });
+                const auto passing = attached([&](const LogEntry&) { afterRemoval += removed ? 1 : 0; });
                 std::this_thread::yield();
             }
             removed = true;
@@ -175,7 +172,7 @@ TEST(RotatingFileSink, WritesOnePlainLinePerEntry)
 {
     const testsupport::TestFolder folder;
     const std::filesystem::path file = folder.path() / platform::toPath(L"Protokoll \u00E4 \u5047.log");
-    const Attached sink(Logger::MakeRotatingFileSink(file, 1'000'000, 1));
+    const auto sink = attached(Logger::MakeRotatingFileSink(file, 1'000'000, 1));
     logger().Output(0, 5, 42, "Class::Function", std::string("first\nsecond\x1B[2J\r\t\x7F{} %d"), true);
     KorvWriteLog(31, 1, "unknown", 7, "source", "Other", "printed %d", 5);
     const std::string time = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} )"; // lines do not wait in a buffer
