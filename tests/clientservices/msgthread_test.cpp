@@ -25,8 +25,7 @@ using testsupport::runOnThreads;
 
 constexpr int posters = 8;
 
-class MessageThread : public testing::Test {
-protected:
+struct MessageThread : testing::Test {
     bool create(ModuleBase& module) { return module.CreateThread("MessageThreadOfATest", 0, 0, nullptr); }
 
     testsupport::LogCapture m_log;

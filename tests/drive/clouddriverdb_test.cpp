@@ -2,6 +2,7 @@
 
 #include "databaseservice/clouddriverdb.h"
 #include "support/drivefields.h"
+#include "support/lists.h"
 #include "support/observed.h"
 #include "support/plainlines.h"
 #include "support/storetest.h"
@@ -20,7 +21,7 @@ constexpr int64 day = 86400;
 
 /// What many statements have in common, and the marks that stand for it.
 const std::vector<std::pair<std::string, std::string>> marks{
-    {"{list}", "select " + driveColumnList() + " from DriveDataTable"},
+    {"{list}", "select " + joined(driveColumns(), ", ") + " from DriveDataTable"},
     {"{count}", "select count(*) from DriveDataTable"},
     {"{folder}", " mimeType = 'application/vnd.tessix-apps.folder'"},
     {"{file}", " mimeType != 'application/vnd.tessix-apps.folder'"},
@@ -31,16 +32,15 @@ const std::vector<std::pair<std::string, std::string>> marks{
     {"{key}", " name COLLATE NameCompare"},
 };
 
-class CloudLists : public StoreTest {
-protected:
+struct CloudLists : StoreTest {
     CloudLists()
     {
         settings().SetServerTime(100 * day);
         settings().SetRecyFileAutoDelInterval(30);
         settings().SetEnableShowLostDiskFile(false);
         m_drive.InitDatabase();
-        CloudDriverDb::InitDatabasePath(wide(L"DriveModuleData.dat"));
-        m_lists.OpenUnicodePath(wide(L"DriveModuleData.dat").c_str());
+        CloudDriverDb::InitDatabasePath(m_path);
+        m_lists.OpenUnicodePath(m_path.c_str());
         m_lists.QuerySqlResult(
             "select 1", [this](sqlite3_stmt*& row, int64) { m_trace.attach(sqlite3_db_handle(row)); }, 0);
         EXPECT_TRUE(m_log.failuresWere({}));
@@ -49,45 +49,35 @@ protected:
 
     static GlobalParamWrapper& settings() { return *GlobalParamWrapper::GetInstance(); }
 
-    std::wstring wide(const std::wstring& name) const { return platform::toWide(platform::toUtf8(path(name))); }
-
     Lines logged() { return takePlainLines(m_log); }
 
     /// The statements since the last look, without the connection's number.
     Lines statements()
     {
-        Lines all = m_trace.take();
-        for (std::string& sql : all) {
-            sql.erase(0, 2);
-        }
-        return all;
+        return mapped(m_trace.take(), [](const std::string& sql) { return sql.substr(2); });
     }
 
     /// The call runs exactly these statements, {display} in them or not as the setting says.
-    void expectStatements(const std::function<void()>& call, const Lines& wanted)
+    void expectSql(const std::function<void()>& call, const Lines& wanted)
     {
         for (const bool showLost : {false, true}) {
             settings().SetEnableShowLostDiskFile(showLost);
             call();
-            Lines expected;
-            for (std::string sql : wanted) {
-                replace(sql, "{display}", showLost ? "" : " and  (needToDisplay = 0 or needToDisplay = 1)");
-                for (const auto& [mark, meaning] : marks) {
-                    replace(sql, mark, meaning);
+            auto meanings = marks;
+            meanings.emplace_back("{display}", showLost ? "" : " and  (needToDisplay = 0 or needToDisplay = 1)");
+            Lines expected = wanted;
+            for (std::string& sql : expected) {
+                for (const auto& [mark, meaning] : meanings) {
+                    if (const std::size_t at = sql.find(mark); at != std::string::npos) {
+                        sql.replace(at, mark.size(), meaning);
+                    }
                 }
-                expected.push_back(sql);
             }
             EXPECT_EQ(statements(), expected);
         }
     }
 
-    static void replace(std::string& sql, const std::string& mark, const std::string& meaning)
-    {
-        if (const std::size_t at = sql.find(mark); at != std::string::npos) {
-            sql.replace(at, mark.size(), meaning);
-        }
-    }
-
+    const std::wstring m_path = wide(path(L"DriveModuleData.dat"));
     ObservedDrive m_drive;
     StatementTrace m_trace;
     CloudDriverDb m_lists;
@@ -102,28 +92,28 @@ TEST_F(CloudLists, ListsAreAskedForToTheCharacter)
     DriveDataTable record;
     DriveFullTask task{};
     Records out;
-    expectStatements([&] { db.QueryChildFolder("p", 0, 10, CLOUD_DB_SORT_NAME_ASC, out); },
-                     {"{list} where parentId = 'p'  and {folder} and {live} and {staying}{display}"
-                      " order by {key}  limit 0, 10 "});
-    expectStatements([&] { db.QueryChildFolder("", 0, 10, CLOUD_DB_SORT_NAME_ASC, out); },
-                     {"{list} where directlyRecycled=1  and {folder} and {binned} and {recent}{display}"
-                      " order by {key}  limit 0, 10 "});
-    expectStatements([&] { db.QueryChildFile("", 3, 4, CLOUD_DB_SORT_TYPE(0), out); },
-                     {"{list} where directlyRecycled=1  and {file} and {binned} and {recent}{display} limit 3, 4 "});
-    expectStatements([&] { db.QueryRecycleExpiredFile(5, 7, 1234, out); },
-                     {"{list} where directlyRecycled=1  and {binned} and  recycledTime <= 1234  limit 5, 7 "});
-    expectStatements([&] { db.QueryRecycleExpiredFile(0, 1, -1, out); },
-                     {"{list} where directlyRecycled=1  and {binned}"
-                      " and  recycledTime <= 18446744073709551615  limit 0, 1 "});
-    expectStatements([&] { db.QueryRecycleFolder("p", out); },
-                     {"{list} where parentId = 'p'  and {folder} and  directlyRecycled=0 "});
-    expectStatements([&] { db.QueryFileInfo("f", record); }, {"{list} where fileId='f'"});
-    expectStatements([&] { db.GetSqlResult("select 1", out); }, {"select 1"});
-    expectStatements([&] { db.GetFirstSyncFolder(task); },
-                     {"select fileId,cursor,state,updateTime,data1,data2,data3,data4 from DriveFolderSync"
-                      " order by updateTime desc limit 1"});
-    expectStatements([&] { db.UpdateRecycleChild("p", -2); },
-                     {"update DriveDataTable set recycled=-2 where parentId='p' and directlyRecycled=0"});
+    expectSql([&] { db.QueryChildFolder("p", 0, 10, CLOUD_DB_SORT_NAME_ASC, out); },
+              {"{list} where parentId = 'p'  and {folder} and {live} and {staying}{display}"
+               " order by {key}  limit 0, 10 "});
+    expectSql([&] { db.QueryChildFolder("", 0, 10, CLOUD_DB_SORT_NAME_ASC, out); },
+              {"{list} where directlyRecycled=1  and {folder} and {binned} and {recent}{display}"
+               " order by {key}  limit 0, 10 "});
+    expectSql([&] { db.QueryChildFile("", 3, 4, CLOUD_DB_SORT_TYPE(0), out); },
+              {"{list} where directlyRecycled=1  and {file} and {binned} and {recent}{display} limit 3, 4 "});
+    expectSql([&] { db.QueryRecycleExpiredFile(5, 7, 1234, out); },
+              {"{list} where directlyRecycled=1  and {binned} and  recycledTime <= 1234  limit 5, 7 "});
+    expectSql([&] { db.QueryRecycleExpiredFile(0, 1, -1, out); },
+              {"{list} where directlyRecycled=1  and {binned}"
+               " and  recycledTime <= 18446744073709551615  limit 0, 1 "});
+    expectSql([&] { db.QueryRecycleFolder("p", out); },
+              {"{list} where parentId = 'p'  and {folder} and  directlyRecycled=0 "});
+    expectSql([&] { db.QueryFileInfo("f", record); }, {"{list} where fileId='f'"});
+    expectSql([&] { db.GetSqlResult("select 1", out); }, {"select 1"});
+    expectSql([&] { db.GetFirstSyncFolder(task); },
+              {"select fileId,cursor,state,updateTime,data1,data2,data3,data4 from DriveFolderSync"
+               " order by updateTime desc limit 1"});
+    expectSql([&] { db.UpdateRecycleChild("p", -2); },
+              {"update DriveDataTable set recycled=-2 where parentId='p' and directlyRecycled=0"});
 }
 
 TEST_F(CloudLists, CountsAreAskedForToTheCharacter)
@@ -131,24 +121,23 @@ TEST_F(CloudLists, CountsAreAskedForToTheCharacter)
     CloudDriverDb& db = m_lists;
     int64 folders = 0;
     int64 files = 0;
-    expectStatements([&] { db.GetTotalNumber(); }, {"{count} where {live}"});
-    expectStatements([&] { db.GetTotalFolderNumber(); }, {"{count} where {live} and {folder}"});
-    expectStatements([&] { db.GetRecycleTotalNumber(); }, {"{count} where recycled = 1"});
-    expectStatements([&] { db.GetRecycleFolderNumber(); }, {"{count} where recycled = 1 and {folder}"});
-    expectStatements([&] { db.GetSubAllNumber("p"); }, {"{count} where parentId = 'p' "});
-    expectStatements([&] { db.GetFolderChildNumber("p", folders, files); },
-                     {"{count} where parentId = 'p' and {folder} and {live} and {staying}{display}",
-                      "{count} where parentId = 'p' and {file} and {live} and {staying}{display}"});
-    expectStatements([&] { db.GetSubFileNumber(""); },
-                     {"{count} where parentId = '' and {file} and {live} and {staying}{display}"});
-    expectStatements([&] { db.GetRecycleChildNumber(folders, files); },
-                     {"{count} where  directlyRecycled=1 and {folder} and {binned}{display}",
-                      "{count} where  directlyRecycled=1 and {file} and {binned} and {recent}{display}"});
-    expectStatements([&] { db.GetTypeTotalNumber(CLOUD_DB_VIEW_RECYCLE); },
-                     {"{count} where directlyRecycled=1 {display}"});
-    expectStatements([&] { db.GetDuplicateName("p", "n"); },
-                     {"{count} where parentId = 'p'  and {live} and {staying} and  name = 'n' "});
-    expectStatements([&] { db.GetFullTaskStatus("f"); }, {"select state from DriveFullTask  where fileId='f' limit 1"});
+    expectSql([&] { db.GetTotalNumber(); }, {"{count} where {live}"});
+    expectSql([&] { db.GetTotalFolderNumber(); }, {"{count} where {live} and {folder}"});
+    expectSql([&] { db.GetRecycleTotalNumber(); }, {"{count} where recycled = 1"});
+    expectSql([&] { db.GetRecycleFolderNumber(); }, {"{count} where recycled = 1 and {folder}"});
+    expectSql([&] { db.GetSubAllNumber("p"); }, {"{count} where parentId = 'p' "});
+    expectSql([&] { db.GetFolderChildNumber("p", folders, files); },
+              {"{count} where parentId = 'p' and {folder} and {live} and {staying}{display}",
+               "{count} where parentId = 'p' and {file} and {live} and {staying}{display}"});
+    expectSql([&] { db.GetSubFileNumber(""); },
+              {"{count} where parentId = '' and {file} and {live} and {staying}{display}"});
+    expectSql([&] { db.GetRecycleChildNumber(folders, files); },
+              {"{count} where  directlyRecycled=1 and {folder} and {binned}{display}",
+               "{count} where  directlyRecycled=1 and {file} and {binned} and {recent}{display}"});
+    expectSql([&] { db.GetTypeTotalNumber(CLOUD_DB_VIEW_RECYCLE); }, {"{count} where directlyRecycled=1 {display}"});
+    expectSql([&] { db.GetDuplicateName("p", "n"); },
+              {"{count} where parentId = 'p'  and {live} and {staying} and  name = 'n' "});
+    expectSql([&] { db.GetFullTaskStatus("f"); }, {"select state from DriveFullTask  where fileId='f' limit 1"});
 }
 
 TEST_F(CloudLists, EachViewHasItsClass)
@@ -158,9 +147,9 @@ TEST_F(CloudLists, EachViewHasItsClass)
         const auto view = CLOUD_DB_VIEW_TYPE(number);
         const std::string shown =
             " where classIndex=" + std::to_string(1 << number) + "  and {file} and {live}{display}";
-        expectStatements([&] { m_lists.QueryTypeFile(view, 0, 9, CLOUD_DB_SORT_NAME_ASC, out); },
-                         {"{list}" + shown + " order by {key}  limit 0, 9 "});
-        expectStatements([&] { m_lists.GetTypeTotalNumber(view); }, {"{count}" + shown});
+        expectSql([&] { m_lists.QueryTypeFile(view, 0, 9, CLOUD_DB_SORT_NAME_ASC, out); },
+                  {"{list}" + shown + " order by {key}  limit 0, 9 "});
+        expectSql([&] { m_lists.GetTypeTotalNumber(view); }, {"{count}" + shown});
     }
 }
 
@@ -181,9 +170,9 @@ TEST_F(CloudLists, EachSortHasItsOrder)
     Records out;
     for (const auto& [number, order] : sorts) {
         const auto sort = CLOUD_DB_SORT_TYPE(number);
-        expectStatements([&] { m_lists.QueryChildFile("p", -1, std::numeric_limits<int>::min(), sort, out); },
-                         {"{list} where parentId = 'p'  and {file} and {live} and {staying}{display}" + order +
-                          " limit 4294967295, 2147483648 "});
+        expectSql([&] { m_lists.QueryChildFile("p", -1, std::numeric_limits<int>::min(), sort, out); },
+                  {"{list} where parentId = 'p'  and {file} and {live} and {staying}{display}" + order +
+                   " limit 4294967295, 2147483648 "});
     }
 }
 
@@ -234,11 +223,7 @@ TEST_F(CloudLists, RowsAreOrderedPagedAndCounted)
     Records out{treeRecord("z", "")};
     EXPECT_TRUE(m_lists.QueryChildFile("p", 0, 3, CLOUD_DB_SORT_NAME_ASC, out));
     EXPECT_TRUE(m_lists.QueryChildFile("p", 3, 3, CLOUD_DB_SORT_NAME_ASC, out));
-    std::string ids;
-    for (const DriveDataTable& record : out) {
-        ids += record.GetFileid();
-    }
-    EXPECT_EQ(ids, "zcbda") << "pages append to what was there";
+    EXPECT_EQ(joined(mapped(out, &DriveDataTable::GetFileid)), "z,c,b,d,a") << "pages append to what was there";
 
     int64 folders = -1;
     int64 files = -1;
@@ -264,7 +249,7 @@ TEST_F(CloudLists, ARowGivesEveryMember)
         field.set(bare, field.column == "fileId" ? "bare" : field.text ? "" : "0");
     }
     Records out;
-    const std::string all = "select " + driveColumnList() + " from DriveDataTable order by fileId";
+    const std::string all = "select " + joined(driveColumns(), ", ") + " from DriveDataTable order by fileId";
     EXPECT_TRUE(m_lists.GetSqlResult(all.c_str(), out));
     EXPECT_EQ(cellsOf(out), cellsOf({stored[0], stored[1], bare})) << "NULL reads as empty";
 
@@ -323,7 +308,7 @@ TEST_F(CloudLists, WithoutAFileOrATableListsAreEmptyAndCountsAreDefaults)
     CloudDriverDb closed;
     EXPECT_FALSE(closed.IsOpen());
     expectNothing(closed, notOpen("QuerySqlResult"));
-    CloudDriverDb::InitDatabasePath(wide(L"empty.dat"));
+    CloudDriverDb::InitDatabasePath(wide(path(L"empty.dat")));
     CloudDriverDb empty;
     EXPECT_EQ(empty.QueryTotalCount("PRAGMA busy_timeout", -1), 30000);
     expectNothing(empty, sqliteFailed("", 1, "no such table: DriveDataTable"));

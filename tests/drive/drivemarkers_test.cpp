@@ -1,11 +1,8 @@
-// Markers of pending operations.
-
 #include "support/drivetest.h"
 #include "support/enginelines.h"
 
 using namespace testsupport;
-using DatabaseService::DriveDataTable;
-using DatabaseService::DriverDBProvider;
+using namespace DatabaseService;
 
 namespace {
 
@@ -41,28 +38,19 @@ DriveDataTable keyed(const std::string& fileId, const std::string& helpData)
 
 } // namespace
 
-TEST_F(DriveMarkers, EachTouchesExactlyItsColumns)
+TEST_F(DriveMarkers, EachTouchesExactlyItsColumnsInOneTransactionAndIsTrue)
 {
     for (const auto& [name, set, columns, tail] : markers) {
         const auto call = [set = set](DriverDBProvider& drive, const DriveDataTable& record) {
             return (drive.*set)({record});
         };
         expectExactly({name, call, columns, tail});
+        m_drive.trace.take();
+        EXPECT_TRUE((m_drive.*set)({keyed("id", "id"), keyed("unknown", "unknown"), keyed("other", "other")}));
+        EXPECT_EQ(m_drive.trace.take().size(), 5U) << name;
+        EXPECT_TRUE((m_drive.*set)({}));
+        EXPECT_EQ(m_drive.trace.take().size(), 2U) << name;
     }
-}
-
-TEST_F(DriveMarkers, BatchesAreOneTransactionAndAlwaysTrue)
-{
-    m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", "")});
-    m_drive.trace.take();
-    for (const Marker& marker : markers) {
-        SCOPED_TRACE(marker.name);
-        EXPECT_TRUE((m_drive.*marker.set)({keyed("a", "a"), keyed("unknown", "unknown"), keyed("b", "b")}));
-        EXPECT_EQ(m_drive.trace.take().size(), 5U);
-        EXPECT_TRUE((m_drive.*marker.set)({}));
-        EXPECT_EQ(m_drive.trace.take().size(), 2U);
-    }
-    EXPECT_EQ(ids(), "'a,b'");
     useFolder(path(L"missing"));
     for (const Marker& marker : markers) {
         EXPECT_TRUE((m_drive.*marker.set)({treeRecord("a", "")})) << marker.name;
@@ -70,22 +58,11 @@ TEST_F(DriveMarkers, BatchesAreOneTransactionAndAlwaysTrue)
     EXPECT_EQ(failedOpens(), std::ssize(markers));
 }
 
-// Either way the middle row is to take a key that is there already.
-TEST_F(DriveMarkers, ChangesOfKeyAreMirrorImages)
+TEST_F(DriveMarkers, NothingGuardsTheKey)
 {
-    const Records newIsFileId{keyed("new-a", "a"), keyed("taken", "b"), keyed("new-c", "c")};
-    const Records newIsHelpData{keyed("a", "new-a"), keyed("b", "taken"), keyed("c", "new-c")};
-    for (const bool newFolder : {true, false}) {
-        m_file.exec("DELETE FROM DriveDataTable");
-        m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", ""), treeRecord("c", ""),
-                                      treeRecord("taken", ""), treeRecord("child", "a")});
-        EXPECT_TRUE(newFolder ? m_drive.NewDirDriveDataById(newIsFileId) : m_drive.UploadDriveDataById(newIsHelpData));
-        EXPECT_TRUE(m_log.failuresWere({EngineLines("DriveModuleData.dat").step,
-                                        EngineLines::bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
-        EXPECT_EQ(
-            m_file.value("SELECT group_concat(fileId || parentId) FROM (SELECT * FROM DriveDataTable ORDER BY 1)"),
-            "'b,childa,new-a,new-c,taken'");
-    }
-    EXPECT_TRUE(m_drive.UploadDriveDataById({keyed("b", "")}));
-    EXPECT_EQ(m_file.value("SELECT count(*) FROM DriveDataTable WHERE fileId = ''"), "1") << "nothing guards the key";
+    m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("taken", ""), treeRecord("child", "a")});
+    EXPECT_TRUE(m_drive.UploadDriveDataById({keyed("a", "taken"), keyed("a", "")}));
+    const EngineLines lines("DriveModuleData.dat");
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
+    EXPECT_EQ(m_file.text("SELECT fileId, parentId FROM DriveDataTable ORDER BY 1"), "''|''\n'child'|'a'\n'taken'|''");
 }

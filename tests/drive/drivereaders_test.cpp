@@ -1,5 +1,3 @@
-// The drive's readers, tree queries and the mark-and-sweep pair.
-
 #include "support/drivetest.h"
 #include "support/enginelines.h"
 
@@ -8,10 +6,7 @@
 #include <set>
 
 using namespace testsupport;
-using DatabaseService::DatabaseBindParameter;
-using DatabaseService::DriveDataTable;
-using DatabaseService::int64;
-using DatabaseService::uint64;
+using namespace DatabaseService;
 
 namespace {
 
@@ -20,8 +15,7 @@ using Ids = std::vector<std::string>;
 const EngineLines lines("DriveModuleData.dat");
 const EngineLines linesOfEmpty("empty.dat");
 
-class DriveReaders : public DriveTest {
-protected:
+struct DriveReaders : DriveTest {
     std::string statement() { return DriveTest::statement("BEGIN DEFERRED"); }
 
     /// A tree: root/{docs/{old/{deep}, plan}, photo}, where "old" and "photo" lie in the recycle bin, and a stray row.
@@ -40,20 +34,9 @@ protected:
 
 Ids idsOf(const std::vector<DriveDataTable>& records)
 {
-    Ids ids;
-    for (const DriveDataTable& record : records) {
-        ids.push_back(record.GetFileid());
-    }
+    Ids ids = mapped(records, &DriveDataTable::GetFileid);
     std::ranges::sort(ids);
     return ids;
-}
-
-/// The names between SELECT and FROM.
-Ids selected(const std::string& sql)
-{
-    std::string list = sql.substr(7, sql.find(" FROM ") - 7);
-    std::replace(list.begin(), list.end(), ',', ' ');
-    return split(list);
 }
 
 } // namespace
@@ -65,38 +48,28 @@ TEST_F(DriveReaders, EveryFullReadGivesEveryMember)
     m_drive.trace.take();
     DatabaseBindParameter bind;
     bind.Bind(std::string("data4-2"), ":value");
-    const std::string raw = "SELECT " + driveColumnList() + " FROM DriveDataTable ORDER BY fileId";
+    const std::string names = joined(driveColumns());
+    const std::string raw = "SELECT " + names + " FROM DriveDataTable ORDER BY fileId";
     using Records = std::vector<DriveDataTable>;
     const auto values = [](const std::vector<std::shared_ptr<DriveDataTable>>& pointers) {
-        std::vector<DriveDataTable> records;
-        for (const auto& pointer : pointers) {
-            records.push_back(*pointer);
-        }
-        return records;
+        return mapped(pointers, [](const auto& pointer) { return *pointer; });
     };
-    const std::tuple<std::string, std::function<Records()>, std::string, Records> cases[] = {
-        {"id", [&] { return std::vector{m_drive.GetDriveDataById("b")}; }, "WHERE fileId = :fileId ;", {stored[1]}},
-        {"all", [&] { return m_drive.GetALLDriveData(); }, "FROM DriveDataTable;", stored},
-        {"parent",
-         [&] { return m_drive.GetDriveDataByParentId("parentId-1"); },
-         "WHERE parentId = :parentId;",
-         {stored[0]}},
-        {"where",
-         [&] { return m_drive.GetDriveDataByWhereSql("data4 = :value", bind); },
-         "FROM DriveDataTable WHERE data4 = :value",
-         {stored[1]}},
-        {"raw", [&] { return values(m_drive.GetDriveDataByRawSQL(raw)); }, "ORDER BY fileId", stored},
-        {"raw metadata", [&] { return values(m_drive.GetFileMetadataByRawSQL(raw)); }, "ORDER BY fileId", stored},
+    // The call, what its statement has behind the table, and its records.
+    const std::tuple<std::function<Records()>, std::string, Records> cases[] = {
+        {[&] { return std::vector{m_drive.GetDriveDataById("b")}; }, " WHERE fileId = :fileId ;", {stored[1]}},
+        {[&] { return m_drive.GetALLDriveData(); }, ";", stored},
+        {[&] { return m_drive.GetDriveDataByParentId("parentId-1"); }, " WHERE parentId = :parentId;", {stored[0]}},
+        {[&] { return m_drive.GetDriveDataByWhereSql("data4 = :value", bind); }, " WHERE data4 = :value", {stored[1]}},
+        {[&] { return values(m_drive.GetDriveDataByRawSQL(raw)); }, " ORDER BY fileId", stored},
+        {[&] { return values(m_drive.GetFileMetadataByRawSQL(raw)); }, " ORDER BY fileId", stored},
     };
-    const Ids columns = driveColumns();
-    for (const auto& [name, read, tail, expected] : cases) {
-        SCOPED_TRACE(name);
+    for (const auto& [read, tail, expected] : cases) {
+        SCOPED_TRACE(tail);
         std::vector<DriveDataTable> records = read();
         std::ranges::sort(records, {}, &DriveDataTable::GetFileid);
         EXPECT_EQ(cellsOf(records), cellsOf(expected));
-        const std::string sql = statement();
-        EXPECT_TRUE(sql.ends_with(tail)) << sql;
-        EXPECT_EQ(selected(sql), Ids(columns.begin() + (name == "id"), columns.end()));
+        const bool knowsTheId = tail.starts_with(" WHERE fileId");
+        EXPECT_EQ(statement(), "SELECT " + names.substr(knowsTheId ? 7 : 0) + " FROM DriveDataTable" + tail);
         for (const DriveDataTable& record : records) {
             EXPECT_EQ(record.GetHelpData(), "");
             EXPECT_EQ(record.GetFileOperationType(), -1);
@@ -287,8 +260,8 @@ TEST_F(DriveReaders, TreesAreWalkedThroughTheRecycleBin)
 
 TEST_F(DriveReaders, MarkAndSweep)
 {
-    DriveDataTable listed = treeRecord("listed", "root");
-    DriveDataTable simple = treeRecord("simple", "root");
+    const DriveDataTable listed = treeRecord("listed", "root");
+    const DriveDataTable simple = treeRecord("simple", "root");
     m_drive.InsertDriveDataBatch({treeRecord("gone", "root"), listed, simple, treeRecord("recycled", "root"),
                                   treeRecord("deleted", "root"), treeRecord("moved", "root"),
                                   treeRecord("restored", "root"), treeRecord("below", "gone")});

@@ -1,5 +1,3 @@
-// The drive store's file as SQLite describes it.
-
 #include "support/drivefields.h"
 #include "support/enginelines.h"
 #include "support/filebytes.h"
@@ -7,12 +5,11 @@
 #include "support/storetest.h"
 
 using namespace testsupport;
-using DatabaseService::DriverDBProviderBase;
+using namespace DatabaseService;
 
 namespace {
 
-class DriveSchema : public StoreTest {
-protected:
+struct DriveSchema : StoreTest {
     const std::filesystem::path m_path = path(L"DriveModuleData.dat");
     ObservedDrive m_drive;
 };
@@ -112,11 +109,11 @@ TEST_F(DriveSchema, EveryConnectionKnowsTheCollation)
     EXPECT_TRUE(m_drive.InitDatabase());
     EXPECT_EQ(DriverDBProviderBase::GetNameCompareName(), "NameCompare");
     for (const char* id : {"10", "9", "a2", "A10", ""}) {
-        DatabaseService::DriveDataTable record = treeRecord("id" + std::string(id), "root");
+        DriveDataTable record = treeRecord("id" + std::string(id), "root");
         record.SetName(id);
         m_drive.InsertDriveData(record);
     }
-    std::list<DatabaseService::DatabaseQueryResult*>* list = nullptr;
+    std::list<DatabaseQueryResult*>* list = nullptr;
     EXPECT_TRUE(m_drive.Query("SELECT name FROM DriveDataTable ORDER BY name COLLATE NameCompare", list));
     EXPECT_EQ(takeRows(m_drive, list), (Rows{{"''"}, {"'9'"}, {"'10'"}, {"'a2'"}, {"'A10'"}}));
 

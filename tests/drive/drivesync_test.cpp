@@ -1,26 +1,20 @@
-// The configuration of the drive's synchronisation and the tasks of a full one.
-
 #include "support/drivetest.h"
 
 using namespace testsupport;
-using DatabaseService::DriveConfTable;
-using DatabaseService::DriveFullTask;
-using DatabaseService::DriverDBProvider;
-using DatabaseService::int64;
+using namespace DatabaseService;
 
 namespace {
 
-constexpr int64 wide = (int64{1} << 40) + 5; // 5 in 32 bits
+constexpr int64 big = (int64{1} << 40) + 5; // 5 in 32 bits
 
-class DriveSync : public DriveTest {
-protected:
-    Rows rows(const std::string& table) { return m_file.query("SELECT * FROM " + table + " ORDER BY 1"); }
+struct DriveSync : DriveTest {
+    Rows rows() { return m_file.query("SELECT * FROM DriveConfTable ORDER BY 1"); }
 };
 
 DriveConfTable configuration(int64 id)
 {
-    return {id,     -2,       "start", 3,  -4,       5,        6,      wide, wide + 1, wide + 2, 7,   wide + 3,
-            "root", wide + 4, "C:\\s", -8, "closed", wide + 5, "lost", "d1", "d2",     "d3",     "d4"};
+    return {id,     -2,      "start", 3,  -4,       5,       6,      big,  big + 1, big + 2, 7,   big + 3,
+            "root", big + 4, "C:\\s", -8, "closed", big + 5, "lost", "d1", "d2",    "d3",    "d4"};
 }
 
 // In the order of the table, which is not the structure's.
@@ -43,18 +37,18 @@ const Setting settings[] = {
     {"isFirstStart", "8", false, [](auto& drive, int id) { return drive.UpdateIsFirstStartInDriverConfV2(id, 8); }},
     {"rootFileId", "'r'", false, [](auto& drive, int id) { return drive.UpdateRootFileIdInDriverConf(id, "r"); }},
     {"lastFullSyncTimestamp", "1099511627781", true,
-     [](auto& drive, int id) { return drive.UpdateLastFullSyncTimestampInDriverConf(id, wide); }},
+     [](auto& drive, int id) { return drive.UpdateLastFullSyncTimestampInDriverConf(id, big); }},
     {"lastAutomaticSyncTimestamp", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateLastAutomaticSyncTimestampInDriverConf(id, wide); }},
+     [](auto& drive, int id) { return drive.UpdateLastAutomaticSyncTimestampInDriverConf(id, big); }},
     {"lastSubscribeTimestamp", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateLastSubscribeTimestampInDriverConf(id, wide); }},
+     [](auto& drive, int id) { return drive.UpdateLastSubscribeTimestampInDriverConf(id, big); }},
     {"startCursor", "'s'", false, [](auto& drive, int id) { return drive.UpdateStartCursorInDriverConf(id, "s"); }},
     {"fullSyncInterval", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateFullSyncIntervalInDriverConf(id, wide); }},
+     [](auto& drive, int id) { return drive.UpdateFullSyncIntervalInDriverConf(id, big); }},
     {"automaticSyncInterval", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateAutomaticSyncIntervalInDriverConf(id, wide); }},
+     [](auto& drive, int id) { return drive.UpdateAutomaticSyncIntervalInDriverConf(id, big); }},
     {"lastLostFileQueryTimestamp", "1099511627781", true,
-     [](auto& drive, int id) { return drive.UpdateLastLostFileQueryTimestampInDriverConf(id, wide); }},
+     [](auto& drive, int id) { return drive.UpdateLastLostFileQueryTimestampInDriverConf(id, big); }},
     {"lostFileQueryCursor", "'l'", true,
      [](auto& drive, int id) { return drive.UpdateLostFileQueryCursorInDriverConf(id, "l"); }},
 };
@@ -67,15 +61,15 @@ TEST_F(DriveSync, ConfigurationGoesInAndOutWhole)
     EXPECT_EQ(statement("BEGIN DEFERRED"), "SELECT COUNT(isFirstStart) FROM DriveConfTable;");
     EXPECT_FALSE(m_drive.GetDriverConfItem().first);
 
-    DriveConfTable stored = configuration(wide);
+    DriveConfTable stored = configuration(big);
     m_drive.InsertDriverConfItem(stored);
-    EXPECT_EQ(rows("DriveConfTable"), (Rows{cells(std::to_string(wide))}));
+    EXPECT_EQ(rows(), (Rows{cells(std::to_string(big))}));
     auto [found, read] = m_drive.GetDriverConfItem();
     EXPECT_TRUE(found);
-    EXPECT_EQ(read.id, wide);
-    read.id = wide + 1;
+    EXPECT_EQ(read.id, big);
+    read.id = big + 1;
     m_drive.InsertDriverConfItem(read);
-    EXPECT_EQ(rows("DriveConfTable").at(1), cells(std::to_string(wide + 1))) << "read as it was written";
+    EXPECT_EQ(rows().at(1), cells(std::to_string(big + 1))) << "read as it was written";
     EXPECT_EQ(m_drive.CountDriverConfItem(), 2);
 
     m_file.exec("DELETE FROM DriveConfTable; INSERT INTO DriveConfTable(id) VALUES(3)");
@@ -90,16 +84,16 @@ TEST_F(DriveSync, EachSettingTouchesItsColumn)
         m_drive.InsertDriverConfItem(stored);
     }
     m_drive.trace.take();
-    for (const auto& [column, cell, reports, set] : settings) {
-        SCOPED_TRACE(column);
-        Rows expected = rows("DriveConfTable");
-        expected[0].at(std::stoul(m_file.value("SELECT cid FROM pragma_table_info('DriveConfTable') WHERE name = '" +
-                                               std::string(column) + '\''))) = cell;
+    for (const auto& [name, cell, reports, set] : settings) {
+        SCOPED_TRACE(name);
+        const std::string column = name;
+        Rows expected = rows();
+        expected[0].at(std::stoul(
+            m_file.value("SELECT cid FROM pragma_table_info('DriveConfTable') WHERE name = '" + column + '\''))) = cell;
         EXPECT_EQ(set(m_drive, 1), 1);
-        EXPECT_EQ(statement(),
-                  "UPDATE DriveConfTable SET " + std::string(column) + " = :" + column + " WHERE id = :id ;");
+        EXPECT_EQ(statement(), "UPDATE DriveConfTable SET " + column + " = :" + column + " WHERE id = :id ;");
         EXPECT_EQ(set(m_drive, 3), 1) << "an unknown id is no failure";
-        EXPECT_EQ(rows("DriveConfTable"), expected);
+        EXPECT_EQ(rows(), expected);
         m_drive.trace.take();
     }
     EXPECT_EQ(m_drive.GetDriverConfItem().second.fullSyncInterval, 5);
@@ -115,14 +109,14 @@ TEST_F(DriveSync, EachSettingTouchesItsColumn)
 
 TEST_F(DriveSync, Tasks)
 {
-    const DriveFullTask a{"a", "ca", -1, wide, "1", "2", "3", "4"};
-    const DriveFullTask b{"b", "cb", 2, -wide, "5", "6", "7", "8"};
+    const DriveFullTask a{"a", "ca", -1, big, "1", "2", "3", "4"};
+    const DriveFullTask b{"b", "cb", 2, -big, "5", "6", "7", "8"};
     DriveFullTask c = a;
     c.fileId = "c";
     const std::string fields = "fileId,cursor,state,updateTime,data1,data2,data3,data4";
     const std::string values = ":fileId,:cursor,:state,:updateTime,:data1,:data2,:data3,:data4";
-    const std::vector<std::string> rowA{"'a'", "'ca'", "-1", "1099511627781", "'1'", "'2'", "'3'", "'4'"};
-    std::vector<std::string> rowB{"'b'", "'cb'", "2", "-1099511627781", "'5'", "'6'", "'7'", "'8'"};
+    const std::string rowA = "'a'|'ca'|-1|1099511627781|'1'|'2'|'3'|'4'\n";
+    const std::string all = "SELECT * FROM DriveFullTask ORDER BY 1";
 
     EXPECT_TRUE(m_drive.InsertFullTask(a));
     EXPECT_EQ(statement(), "INSERT INTO DriveFullTask (" + fields + ") VALUES (" + values + ");");
@@ -139,24 +133,21 @@ TEST_F(DriveSync, Tasks)
     m_drive.trace.take();
     EXPECT_TRUE(m_drive.DeleteFullTaskById("c"));
     EXPECT_EQ(statement(), "DELETE FROM DriveFullTask WHERE fileId = :fileId;");
-    EXPECT_EQ(rows("DriveFullTask"), Rows());
+    EXPECT_EQ(m_file.text(all), "");
     EXPECT_TRUE(m_drive.RelaceFullTaskBatch(batch));
-    EXPECT_EQ(rows("DriveFullTask"), (Rows{rowA, rowB}));
+    EXPECT_EQ(m_file.text(all), rowA + "'b'|'cb'|2|-1099511627781|'5'|'6'|'7'|'8'");
     m_drive.trace.take();
     batch = {{"b", "", 3, 4, "", "", "", "new"}};
     EXPECT_TRUE(m_drive.RelaceFullTaskBatch(batch));
     EXPECT_EQ(statement(), "REPLACE INTO DriveFullTask (" + fields + ") VALUES (" + values + ");");
-    rowB = {"'b'", "''", "3", "4", "''", "''", "''", "'new'"};
-    EXPECT_EQ(rows("DriveFullTask"), (Rows{rowA, rowB}));
+    EXPECT_EQ(m_file.text(all), rowA + "'b'|''|3|4|''|''|''|'new'");
 
     EXPECT_TRUE(m_drive.UpdateFullTaskWithValue("b", 9));
     EXPECT_TRUE(m_drive.UpdateCursorInFullSyncTask("b", "cursor"));
     EXPECT_EQ(statement(), "UPDATE DriveFullTask SET cursor = :cursor WHERE fileId = :fileId ;");
     EXPECT_TRUE(m_drive.UpdateStateInFullSyncTask("b", -5));
     EXPECT_EQ(statement(), "UPDATE DriveFullTask SET state = :state WHERE fileId = :fileId;");
-    rowB[1] = "'cursor'";
-    rowB[2] = "-5";
-    EXPECT_EQ(rows("DriveFullTask"), (Rows{rowA, rowB}));
+    EXPECT_EQ(m_file.text(all), rowA + "'b'|'cursor'|-5|4|''|''|''|'new'");
 
     EXPECT_EQ(m_drive.GetFullTaskById("unknown").fileId, "");
     EXPECT_TRUE(m_drive.DeleteFullTask() && m_drive.GetFullTask().empty());

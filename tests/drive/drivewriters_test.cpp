@@ -1,5 +1,3 @@
-// The drive's row writers: each statement touches exactly its columns.
-
 #include "support/drivetest.h"
 #include "support/enginelines.h"
 
@@ -25,14 +23,16 @@ const std::string markers = "renameName renameTime renameBatchId moveParentId mo
 
 const EngineLines lines("DriveModuleData.dat");
 
+const std::string all =
+    cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare;
+
 const DriveUpdate updates[] = {
-    {"UpdateDriveData, one", [](auto& drive, auto& record) { return drive.UpdateDriveData(record); },
-     cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare},
+    {"UpdateDriveData, one", [](auto& drive, auto& record) { return drive.UpdateDriveData(record); }, all},
     {"UpdateDriveData, pointers",
      [](auto& drive, auto& record) {
          return drive.UpdateDriveData(std::vector{std::make_shared<DriveDataTable>(record)});
      },
-     cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare},
+     all},
     {"UpdateDriveAllData", [](auto& drive, auto& record) { return drive.UpdateDriveAllData({record}); },
      cloud + local + batch + "autoUpload riskFileSign riskFileType " + spare},
     {"UpdateDriveBaseData", [](auto& drive, auto& record) { return drive.UpdateDriveBaseData({record}); },
@@ -100,11 +100,16 @@ TEST_F(DriveWriters, ABatchIsOneTransactionThatLosesFailedRowsOnly)
     m_drive.InsertDriveData(treeRecord("b", "root"));
     m_drive.trace.take();
     EXPECT_TRUE(m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", "lost"), treeRecord("c", "")}));
-    EXPECT_TRUE(
-        m_log.failuresWere({lines.step, EngineLines::bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
     EXPECT_EQ(m_drive.trace.take().size(), 5U);
     EXPECT_EQ(m_file.text("SELECT fileId, parentId FROM DriveDataTable ORDER BY 1"), "'a'|''\n'b'|'root'\n'c'|''");
 
+    const auto update = [](const char* id) { return std::make_shared<DriveDataTable>(filledRecord(id, 2)); };
+    EXPECT_TRUE(m_drive.UpdateDriveData(std::vector{update("a"), std::shared_ptr<DriveDataTable>(), update("b")}));
+    EXPECT_EQ(m_file.text("SELECT name FROM DriveDataTable ORDER BY fileId"), "'name-2'\n'name-2'\n'name of c'");
+    EXPECT_TRUE(m_log.failuresWere({{"DriverDBProviderBase::UpdateDriveData", "*"}})) << "for the null record";
+
+    m_drive.trace.take();
     EXPECT_TRUE(m_drive.InsertDriveDataBatch({}));
     EXPECT_TRUE(m_drive.UpdateDriveData(std::vector<std::shared_ptr<DriveDataTable>>()));
     EXPECT_TRUE(m_drive.DeleteDriveDataById(std::vector<std::string>()));
@@ -112,21 +117,12 @@ TEST_F(DriveWriters, ABatchIsOneTransactionThatLosesFailedRowsOnly)
     EXPECT_EQ(m_drive.trace.take().size(), 8U) << "an empty batch begins and commits";
 }
 
-TEST_F(DriveWriters, NullRecordsAreLeftOutWithALine)
-{
-    m_drive.InsertDriveDataBatch({filledRecord("a", 1), filledRecord("b", 1)});
-    const auto update = [](const char* id) { return std::make_shared<DriveDataTable>(filledRecord(id, 2)); };
-    EXPECT_TRUE(m_drive.UpdateDriveData(std::vector{update("a"), std::shared_ptr<DriveDataTable>(), update("b")}));
-    EXPECT_EQ(m_file.query("SELECT name FROM DriveDataTable"), (Rows{{"'name-2'"}, {"'name-2'"}}));
-    EXPECT_TRUE(m_log.failuresWere({{"DriverDBProviderBase::UpdateDriveData", "*"}}));
-}
-
 TEST_F(DriveWriters, UpdateByNamesPatchesEighteenMembers)
 {
-    const std::string keys[] = {
-        "batchOper",   "localAbsolutePath", "uploadTime",    "renameName",        "renameTime",  "moveParentId",
-        "moveTime",    "softDelete",        "deleteSrcPath", "softDeleteSrcPath", "softDelTime", "hardDelete",
-        "hardDelTime", "localRestore",      "restoreTime",   "parentId",          "name",        "version"};
+    const std::vector<std::string> keys =
+        split("batchOper localAbsolutePath uploadTime renameName renameTime moveParentId moveTime softDelete "
+              "deleteSrcPath softDeleteSrcPath softDelTime hardDelete hardDelTime localRestore restoreTime parentId "
+              "name version");
     const DriveDataTable before = filledRecord("id", 1);
     m_drive.InsertDriveData(before);
     std::unordered_map<std::string, std::string> values;

@@ -1,13 +1,11 @@
 #include "databaseservice/calltrace.h"
 #include "databaseservice/driverdbprovider.h"
-#include "support/sqlitefile.h"
+#include "support/drivefields.h"
 #include "support/storetest.h"
 
 #include <chrono>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 using namespace DatabaseService;
 using namespace testsupport;
@@ -21,8 +19,7 @@ struct Call {
     CallTrace times;
 };
 
-class CallTraces : public StoreTest {
-protected:
+struct CallTraces : StoreTest {
     CallTraces()
     {
         m_drive.InitDatabase();
@@ -38,11 +35,7 @@ protected:
 
 TEST_F(CallTraces, EachCallTellsItsStoreItsStatementAndItsRows)
 {
-    std::vector<DriveDataTable> rows(3);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        rows[i].SetFileid(std::to_string(i));
-    }
-    EXPECT_TRUE(m_drive.InsertDriveDataBatch(rows));
+    EXPECT_TRUE(m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("b", ""), treeRecord("c", "")}));
     EXPECT_EQ(m_drive.GetALLDriveData().size(), 3U);
     m_drive.ExecuteSQL("UPDATE none SET x = 1"); // gives true whatever happens
     EXPECT_FALSE(m_log.take().empty());

@@ -9,9 +9,7 @@
 #include <stdexcept>
 
 using namespace testsupport;
-using DatabaseService::CommonSqliteDb;
-using DatabaseService::int64;
-using DatabaseService::ListKeptConnections;
+using namespace DatabaseService;
 
 namespace {
 
@@ -36,12 +34,10 @@ private:
     Lines& m_calls;
 };
 
-class PlainConnection : public StoreTest {
-protected:
+struct PlainConnection : StoreTest {
     PlainConnection() { open(m_db); }
 
     std::string utf8(const std::wstring& name) const { return platform::toUtf8(path(name)); }
-    std::wstring wide(const std::wstring& name) const { return platform::toWide(utf8(name)); }
 
     void open(CommonSqliteDb& db, const std::wstring& name = L"plain.dat")
     {
@@ -85,7 +81,7 @@ TEST_F(PlainConnection, EveryFormOfPathOpensAndCreatesItsFile)
     const std::wstring name = L"gr\u00F6\u00DFe \u6587\u4EF6.dat";
     CommonSqliteDb db;
     EXPECT_FALSE(db.IsOpen());
-    EXPECT_TRUE(db.OpenUnicodePath(wide(name).c_str()));
+    EXPECT_TRUE(db.OpenUnicodePath(wide(path(name)).c_str()));
     EXPECT_TRUE(db.IsOpen());
     EXPECT_TRUE(db.ExcuteSql("CREATE TABLE t(a)"));
     EXPECT_TRUE(db.OpenUtf8Path(utf8(name).c_str()));
@@ -246,7 +242,7 @@ TEST_F(PlainConnection, AConnectionInUseCannotBeClosed)
     EXPECT_EQ(logged(), Lines{line});
     EXPECT_EQ(m_db.QueryTotalCount("SELECT count(*) FROM sqlite_master", -1), 0) << "of the second file";
     ASSERT_EQ(ListKeptConnections().size(), kept + 1);
-    EXPECT_EQ(ListKeptConnections().back().database, wide(L"plain.dat"));
+    EXPECT_EQ(ListKeptConnections().back().database, wide(path(L"plain.dat")));
 }
 
 TEST_F(PlainConnection, CopiesShareTheConnection)

@@ -2,47 +2,37 @@
 
 #include "databaseservice/driverdbproviderbase.h"
 #include "support/drivefields.h"
+#include "support/runonthreads.h"
 #include "support/storetest.h"
 
 #include <atomic>
-#include <thread>
 
 using namespace testsupport;
-using DatabaseService::DriveDataTable;
-using DatabaseService::DriverDBProviderBase;
-
-namespace {
-
-constexpr int batches = 15;
-constexpr int rowsPerBatch = 40;
+using namespace DatabaseService;
 
 using Concurrency = StoreTest;
-
-} // namespace
 
 // Every transaction is seen whole or not at all.
 TEST_F(Concurrency, ThreadsOnOneProvider)
 {
+    constexpr int batches = 15;
+    constexpr int rowsPerBatch = 40;
     DriverDBProviderBase drive;
     drive.InitDatabase();
     std::atomic<int> writing = 2;
-    const auto write = [&](const std::string& prefix) {
-        for (int batch = 0; batch < batches; ++batch) {
+    runOnThreads(3, [&](int thread) {
+        while (thread == 0 && writing > 0) {
+            EXPECT_EQ(drive.CountDriverData() % rowsPerBatch, 0);
+        }
+        for (int batch = 0; thread > 0 && batch < batches; ++batch) {
             std::vector<DriveDataTable> records;
             for (int row = 0; row < rowsPerBatch; ++row) {
-                records.push_back(treeRecord(prefix + std::to_string(batch * rowsPerBatch + row), "root"));
+                records.push_back(treeRecord(std::to_string((batch * rowsPerBatch + row) * 2 + thread), "root"));
             }
             drive.InsertDriveDataBatch(records);
         }
         --writing;
-    };
-    std::thread first(write, "a");
-    std::thread second(write, "b");
-    while (writing > 0) {
-        EXPECT_EQ(drive.CountDriverData() % rowsPerBatch, 0);
-    }
-    first.join();
-    second.join();
+    });
     EXPECT_EQ(drive.CountDriverData(), 2 * batches * rowsPerBatch);
     SqliteFile file(path(L"DriveModuleData.dat"), SqliteFile::Collation::NameCompare);
     EXPECT_EQ(file.value("PRAGMA integrity_check"), "'ok'");

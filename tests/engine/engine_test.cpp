@@ -8,19 +8,11 @@
 #include "support/observed.h"
 #include "support/storetest.h"
 
-#include <chrono>
 #include <stdexcept>
 #include <thread>
 
 using namespace testsupport;
-using DatabaseService::CellReader;
-using DatabaseService::CloseKeptConnections;
-using DatabaseService::DatabaseBindParameter;
-using DatabaseService::DatabaseQueryResult;
-using DatabaseService::ListKeptConnections;
-using DatabaseService::OpenTransactions;
-using DatabaseService::RowFunction;
-using DatabaseService::statementOf;
+using namespace DatabaseService;
 
 namespace {
 
@@ -30,17 +22,11 @@ using Binds = std::list<DatabaseBindParameter>;
 const EngineLines lines("engine.dat");
 const std::string insertRow = "INSERT INTO t(id, name) VALUES(:id, :name)";
 
-DatabaseBindParameter idOnly(int id)
+template <class... Name> DatabaseBindParameter row(int id, const Name&... name)
 {
     DatabaseBindParameter bind;
     bind.Bind(id, ":id");
-    return bind;
-}
-
-DatabaseBindParameter idAndName(int id, const std::string& name)
-{
-    DatabaseBindParameter bind = idOnly(id);
-    bind.Bind(name, ":name");
+    (bind.Bind(std::string(name), ":name"), ...);
     return bind;
 }
 
@@ -49,8 +35,7 @@ ExpectedLine opening(const std::string& path)
     return {"DatabaseOperationBase::OpenDatabase", "OpenDataBase:" + path, 1};
 }
 
-class Engine : public StoreTest {
-protected:
+struct Engine : StoreTest {
     Engine() { m_file.exec("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT)"); }
 
     Rows rows() { return m_file.query("SELECT id, name FROM t ORDER BY id"); }
@@ -75,7 +60,7 @@ TEST_F(Engine, EveryOverloadRunsOnTheConnectionAndStatementItIsGiven)
     const std::string sql = "SELECT id FROM t WHERE id = :id";
     sqlite3* db = m_store.GetDbConnection();
     sqlite3_stmt* stmt = nullptr;
-    DatabaseBindParameter bind = idOnly(2);
+    DatabaseBindParameter bind = row(2);
     Binds list;
     Results* rows = nullptr;
     auto& s = m_store;
@@ -104,7 +89,7 @@ TEST_F(Engine, EveryOverloadRunsOnTheConnectionAndStatementItIsGiven)
         SCOPED_TRACE(call);
         const auto has = [call = call](const char* word) { return call.find(word) != std::string::npos; };
         stmt = has("stmt") ? m_store.PrepareSql(db, sql) : nullptr;
-        list = {idOnly(3), idOnly(9)}; // a caller's statement that ends on a row would hold up another's commit
+        list = {row(3), row(9)}; // a caller's statement that ends on a row would hold up another's commit
         rows = nullptr;
         m_store.closed = 0;
         m_store.trace.take();
@@ -130,6 +115,8 @@ TEST_F(Engine, EveryOverloadRunsOnTheConnectionAndStatementItIsGiven)
     }
     EXPECT_TRUE(m_store.CloseDatabase(db));
     EXPECT_TRUE(m_store.CloseDatabase(nullptr));
+    EXPECT_FALSE(m_store.FreeTable(new Results{new DatabaseQueryResult, nullptr}) ||
+                 m_store.FreeQueryResult(new Results));
 }
 
 TEST_F(Engine, AFailedOpenIsThreeLinesAndNothingElse)
@@ -187,16 +174,16 @@ TEST_F(Engine, AFailedBeginSaysMoreForWritesThanForReads)
     const std::string sql = "SELECT '\xE5\x90\x8D'";
     Results* list = nullptr;
     EXPECT_FALSE(m_store.Execute(db, sql));
-    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, lines.errorMessage, EngineLines::sql(sql)}));
+    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, lines.errorMessage, lines.sql(sql)}));
     EXPECT_FALSE(m_store.Query(db, sql, list));
-    EXPECT_TRUE(m_log.failuresWere({exec, begin, lines.beginRead, EngineLines::sql(sql)}));
+    EXPECT_TRUE(m_log.failuresWere({exec, begin, lines.beginRead, lines.sql(sql)}));
     EXPECT_EQ(takeRows(m_store, list), Rows());
     EXPECT_EQ(sqlite3_next_stmt(db, nullptr), nullptr);
 
     // A caller's statement comes without text and is not finalized.
     sqlite3_stmt* stmt = m_store.PrepareSql(db, sql);
     EXPECT_FALSE(m_store.Execute(db, stmt));
-    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, EngineLines::sql("")}));
+    EXPECT_TRUE(m_log.failuresWere({exec, lines.beginWrite, lines.sql("")}));
     EXPECT_TRUE(m_store.FinalizeStatment(stmt));
     EXPECT_TRUE(m_store.CloseDatabase(db));
 }
@@ -208,21 +195,21 @@ TEST_F(Engine, AFailedBindEndsTheBatchWithoutACommit)
     const std::tuple<std::string, std::string, std::string> cases[] = {{"name", "\xE5\x90\x8D without its colon", "0"},
                                                                        {":name", large, "2"}};
     for (const auto& [name, value, index] : cases) {
-        Binds list{idAndName(1, "a"), idOnly(2), idAndName(3, "c")};
+        Binds list{row(1, "a"), row(2), row(3, "c")};
         std::next(list.begin())->Bind(value, name);
         EXPECT_FALSE(m_store.Execute(insertRow, list));
-        EXPECT_TRUE(m_log.failuresWere({lines.bind(index + " and value is " + value), EngineLines::bindMessage("*"),
-                                        lines.errorMessage, EngineLines::sql(insertRow)}));
+        EXPECT_TRUE(m_log.failuresWere({lines.bind(index + " and value is " + value), lines.bindMessage("*"),
+                                        lines.errorMessage, lines.sql(insertRow)}));
         EXPECT_EQ(rows(), Rows()) << "closing undid the first row";
         EXPECT_TRUE(list.back().HasNext()) << "the third element was not reached";
         EXPECT_EQ(m_store.opened, m_store.closed);
     }
     // On a connection of the caller's the transaction stays open.
     sqlite3* db = m_store.GetDbConnection();
-    Binds list{idOnly(-7)};
+    Binds list{row(-7)};
     EXPECT_FALSE(m_store.Execute(db, "SELECT :name", list));
-    EXPECT_TRUE(m_log.failuresWere({lines.bind("0 and value is -7"), EngineLines::bindMessage("*"), lines.errorMessage,
-                                    EngineLines::sql("SELECT :name")}));
+    EXPECT_TRUE(m_log.failuresWere(
+        {lines.bind("0 and value is -7"), lines.bindMessage("*"), lines.errorMessage, lines.sql("SELECT :name")}));
     EXPECT_EQ(sqlite3_get_autocommit(db), 0);
     EXPECT_TRUE(m_store.CloseDatabase(db));
 }
@@ -230,29 +217,29 @@ TEST_F(Engine, AFailedBindEndsTheBatchWithoutACommit)
 TEST_F(Engine, AFailedStepCostsItsRowOnly)
 {
     const std::string reason = "UNIQUE constraint failed: t.id";
-    Binds list{idAndName(1, "a"), idAndName(1, "again"), idAndName(2, "b")};
+    Binds list{row(1, "a"), row(1, "again"), row(2, "b")};
     EXPECT_TRUE(m_store.Execute(insertRow, list));
-    EXPECT_TRUE(m_log.failuresWere({lines.step, EngineLines::bindMessage(reason)}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage(reason)}));
     EXPECT_EQ(rows(), (Rows{{"1", "'a'"}, {"2", "'b'"}}));
     EXPECT_TRUE(m_store.Execute("INSERT INTO t(id) VALUES(2)"));
-    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.finalize, EngineLines::afterFinalize(reason)}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.finalize, lines.afterFinalize(reason)}));
 
     // A caller's statement is not finalized: its failure shows again at its next reset.
     sqlite3* db = m_store.GetDbConnection();
     sqlite3_stmt* stmt = m_store.PrepareSql(db, insertRow);
-    Binds one{idAndName(2, "again")};
+    Binds one{row(2, "again")};
     EXPECT_TRUE(m_store.Execute(db, stmt, one));
     EXPECT_TRUE(m_log.failuresWere({lines.step}));
     one.front().Reset();
     EXPECT_TRUE(m_store.Execute(db, stmt, one));
     EXPECT_FALSE(m_store.FinalizeStatment(stmt));
-    EXPECT_TRUE(m_log.failuresWere({EngineLines::bindMessage(reason), lines.step, lines.finalize}));
+    EXPECT_TRUE(m_log.failuresWere({lines.bindMessage(reason), lines.step, lines.finalize}));
     EXPECT_TRUE(m_store.CloseDatabase(db));
 }
 
 TEST_F(Engine, AQueryThatFailsOnTheWayKeepsWhatItHas)
 {
-    const ExpectedLine overflow = EngineLines::afterFinalize("integer overflow");
+    const ExpectedLine overflow = lines.afterFinalize("integer overflow");
     m_file.exec("CREATE TABLE n(v INTEGER); INSERT INTO n VALUES(-1), (-2), (-9223372036854775807 - 1), (-4)");
     EXPECT_EQ(query("SELECT abs(v) FROM n"), (Rows{{"1"}, {"2"}}));
     EXPECT_TRUE(m_log.failuresWere({lines.finalize, overflow}));
@@ -329,12 +316,12 @@ TEST_F(Engine, ExceptionsLeaveNoOwnConnectionOrStatement)
 
 TEST_F(Engine, ListsBindInPlaceAndOnTopOfEachOther)
 {
-    Binds list{idAndName(1, "first"), idOnly(2)};
+    Binds list{row(1, "first"), row(2)};
     EXPECT_TRUE(m_store.Execute(insertRow, list));
     EXPECT_EQ(rows(), (Rows{{"1", "'first'"}, {"2", "'first'"}})) << "what an element leaves out keeps its value";
     EXPECT_TRUE(m_store.Execute(insertRow, list)) << "spent elements bind nothing";
     EXPECT_EQ(m_file.value("SELECT count(*) FROM t WHERE name IS NULL"), "2");
-    DatabaseBindParameter half = idAndName(10, "half");
+    DatabaseBindParameter half = row(10, "half");
     half.Next();
     EXPECT_EQ(query("SELECT :name", half), (Rows{{"'half'"}})) << "from the cursor on";
 
@@ -365,7 +352,7 @@ TEST_F(Engine, AListWithRowsGivesThoseOfItsLastElement)
     const auto byName = statementOf<std::string>("SELECT id FROM t WHERE name = :name", ":name");
     const std::vector<std::string> names{"a", "nobody", "b"};
     for (const std::size_t count : {3U, 2U, 0U}) {
-        DatabaseService::RecordSource source(byName, std::span(names).first(count));
+        RecordSource source(byName, std::span(names).first(count));
         std::vector<std::int64_t> ids;
         RowFunction sink([&](CellReader& cells) { ids.push_back(cells.nextInteger()); });
         EXPECT_TRUE(run(m_store, {.sql = byName.sql, .elements = &source, .rows = &sink}));
@@ -379,7 +366,7 @@ TEST_F(Engine, WhatIsBoundToACallersStatementStays)
     sqlite3_stmt* stmt = m_store.PrepareSql(db, "SELECT :text");
     std::string text = "before";
     const auto byText = statementOf<std::string>("", ":text");
-    auto source = DatabaseService::oneValue(byText, text);
+    auto source = oneValue(byText, text);
     EXPECT_TRUE(run(m_store, {.db = db, .stmt = stmt, .elements = &source}));
     text.replace(0, 6, "behind");
     sqlite3_reset(stmt);
@@ -387,12 +374,6 @@ TEST_F(Engine, WhatIsBoundToACallersStatementStays)
     EXPECT_EQ(query(db, stmt), (Rows{{"'before'"}})) << "a finished statement starts again with what is bound";
     EXPECT_TRUE(m_store.FinalizeStatment(stmt));
     EXPECT_TRUE(m_store.CloseDatabase(db));
-}
-
-TEST_F(Engine, FreeingAnswersFalse)
-{
-    EXPECT_FALSE(m_store.FreeTable(new Results{new DatabaseQueryResult, nullptr}));
-    EXPECT_FALSE(m_store.FreeQueryResult(new Results));
 }
 
 TEST_F(Engine, StatementsAreCompiledOnceAndNotAgain)
@@ -406,19 +387,6 @@ TEST_F(Engine, StatementsAreCompiledOnceAndNotAgain)
     EXPECT_TRUE(m_store.CloseDatabase(db));
 }
 
-TEST_F(Engine, ALockedFileIsWaitedForInSilence)
-{
-    m_file.exec("BEGIN IMMEDIATE; INSERT INTO t(id) VALUES(1)");
-    std::thread holder([this] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        m_file.exec("COMMIT");
-    });
-    EXPECT_TRUE(m_store.Execute("INSERT INTO t(id) VALUES(2)"));
-    holder.join();
-    EXPECT_EQ(rows().size(), 2U);
-    EXPECT_EQ(m_log.take().size(), 1U) << "the open line only";
-}
-
 TEST_F(Engine, TextIsStoredWholeAndRepaired)
 {
     const std::tuple<std::string, std::string, std::string> cases[] = {
@@ -427,7 +395,7 @@ TEST_F(Engine, TextIsStoredWholeAndRepaired)
         {std::string("\xFFz\0\xFF", 4), "EFBFBD7A00EFBFBD", "\xEF\xBF\xBDz"},
     };
     for (const auto& [given, storedHex, read] : cases) {
-        DatabaseBindParameter bind = idAndName(1, given);
+        DatabaseBindParameter bind = row(1, given);
         EXPECT_TRUE(m_store.Execute("REPLACE INTO t(id, name) VALUES(:id, :name)", bind));
         EXPECT_EQ(m_file.query("SELECT typeof(name), hex(CAST(name AS BLOB)) FROM t"),
                   (Rows{{"'text'", textCell(storedHex)}}));

@@ -2,15 +2,14 @@
 // the statement. Nobody can tell them apart: same answers, log lines and file, same records.
 
 #include "databaseservice/engine/recordio.h"
+#include "support/lists.h"
 #include "support/observed.h"
 #include "support/storetest.h"
 
 #include <limits>
 
 using namespace testsupport;
-using DatabaseService::DatabaseBindParameter;
-using DatabaseService::DatabaseQueryResult;
-using DatabaseService::int64;
+using namespace DatabaseService;
 
 namespace {
 
@@ -24,18 +23,17 @@ struct Item {
 };
 
 constexpr std::array itemTable{
-    DatabaseService::column<&Item::id>("id", "INTEGER", 1),
-    DatabaseService::column<&Item::text>("text", "TEXT", 1),
-    DatabaseService::column<&Item::small>("small", "INTEGER", 1),
-    DatabaseService::column<&Item::other>("other", "TEXT", 1),
+    column<&Item::id>("id", "INTEGER", 1),
+    column<&Item::text>("text", "TEXT", 1),
+    column<&Item::small>("small", "INTEGER", 1),
+    column<&Item::other>("other", "TEXT", 1),
 };
-constexpr auto itemColumns = DatabaseService::pick(itemTable, 1U);
+constexpr auto itemColumns = pick(itemTable, 1U);
 
 /// What can be seen of a call: its answer, the rows written or read, and its log.
 using Outcome = std::tuple<bool, Rows, std::vector<std::string>>;
 
-class EngineTwoWays : public StoreTest {
-protected:
+struct EngineTwoWays : StoreTest {
     EngineTwoWays()
     {
         m_store.onOpen = [](sqlite3* db) { sqlite3_limit(db, SQLITE_LIMIT_LENGTH, 1000); };
@@ -44,21 +42,16 @@ protected:
     Outcome write(const std::string& setup, const std::vector<Item>& items, const std::string& sql, bool straight)
     {
         m_file.exec("DROP TABLE IF EXISTS item; " + setup);
-        bool result = false;
-        if (straight) {
-            const DatabaseService::Statement<Item> statement{sql, parametersOf(itemColumns)};
-            result = writeRecords(m_store, statement, items);
-        } else {
-            std::list<DatabaseBindParameter> binds;
-            for (const Item& item : items) {
-                DatabaseBindParameter& bind = binds.emplace_back();
-                bind.Bind(item.id, ":id");
-                bind.Bind(item.text, ":text");
-                bind.Bind(item.small, ":small");
-                bind.Bind(item.other, ":other");
-            }
-            result = m_store.Execute(sql, binds);
+        const Statement<Item> statement{sql, parametersOf(itemColumns)};
+        std::list<DatabaseBindParameter> binds;
+        for (const Item& item : items) {
+            DatabaseBindParameter& bind = binds.emplace_back();
+            bind.Bind(item.id, ":id");
+            bind.Bind(item.text, ":text");
+            bind.Bind(item.small, ":small");
+            bind.Bind(item.other, ":other");
         }
+        const bool result = straight ? writeRecords(m_store, statement, items) : m_store.Execute(sql, binds);
         return {result, m_file.query("SELECT * FROM item"), m_log.take()};
     }
 
@@ -72,20 +65,16 @@ protected:
         } else {
             std::list<DatabaseQueryResult*>* list = nullptr;
             result = m_store.Query(sql, list);
-            for (DatabaseQueryResult* row : *list) {
-                Item& item = items.emplace_back();
-                item.id = row->GetInt();
-                item.text = row->GetString();
-                item.small = static_cast<std::int32_t>(row->GetInt());
-                item.other = row->GetString();
+            for (DatabaseQueryResult* row : *list) { // braces keep the order of the calls
+                items.push_back(
+                    {row->GetInt(), row->GetString(), static_cast<std::int32_t>(row->GetInt()), row->GetString()});
             }
             m_store.FreeQueryResult(list);
         }
-        Rows rows;
-        for (const Item& item : items) {
-            rows.push_back({std::to_string(item.id), item.text, std::to_string(item.small), item.other});
-        }
-        return {result, rows, m_log.take()};
+        const auto cells = [](const Item& item) -> Rows::value_type {
+            return {std::to_string(item.id), item.text, std::to_string(item.small), item.other};
+        };
+        return {result, mapped(items, cells), m_log.take()};
     }
 
     SqliteFile m_file{path(L"engine.dat")};
@@ -106,14 +95,7 @@ TEST_F(EngineTwoWays, Writes)
     const std::vector<Item> tooLarge{{1, "a", 0, ""}, {2, std::string(2000, 'l'), 0, "\xFF"}, {3, "c", 0, ""}};
     const std::string plain = "CREATE TABLE item(id INTEGER PRIMARY KEY, text TEXT, small INTEGER, other TEXT)";
     const std::string insert = "INSERT INTO item VALUES(:id, :text, :small, :other)";
-    struct Case {
-        const char* name;
-        std::string setup;
-        std::vector<Item> items;
-        std::size_t rows;
-        std::string sql;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::string, std::vector<Item>, std::size_t, std::string> cases[] = {
         {"values", plain, items, items.size(), insert},
         {"no types", "CREATE TABLE item(id, text, small, other)", items, items.size(), insert},
         {"nothing", plain, {}, 0, insert},
@@ -121,11 +103,11 @@ TEST_F(EngineTwoWays, Writes)
         {"value too large", plain, tooLarge, 0, insert},
         {"unknown parameter", plain, failing, 0, "INSERT INTO item(id, text) VALUES(:id, :text)"},
     };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.name);
-        const Outcome objects = write(test.setup, test.items, test.sql, false);
-        EXPECT_EQ(std::get<Rows>(objects).size(), test.rows);
-        EXPECT_EQ(objects, write(test.setup, test.items, test.sql, true));
+    for (const auto& [name, setup, records, rows, sql] : cases) {
+        SCOPED_TRACE(name);
+        const Outcome objects = write(setup, records, sql, false);
+        EXPECT_EQ(std::get<Rows>(objects).size(), rows);
+        EXPECT_EQ(objects, write(setup, records, sql, true));
     }
 }
 

@@ -1,19 +1,13 @@
-// The value classes at the engine's border, and the drive's record.
-
 #include "databaseservice/databasebindparameter.h"
 #include "databaseservice/databasequeryresult.h"
 #include "support/drivefields.h"
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <set>
 #include <type_traits>
 
 using namespace testsupport;
-using DatabaseService::DatabaseBindParameter;
-using DatabaseService::DatabaseQueryResult;
-using DatabaseService::DriveDataTable;
-using DatabaseService::int64;
+using namespace DatabaseService;
 
 namespace {
 
@@ -99,8 +93,7 @@ TEST(QueryResult, CellsReadAsEitherKind)
 
 TEST(QueryResult, EachReadConsumesItsCell)
 {
-    DatabaseQueryResult row;
-    row.Insert(int64{1});
+    DatabaseQueryResult row = rowOf(int64{1});
     row.Insert(std::wstring(L"two"));
     row.Insert(int64{3});
     EXPECT_EQ(row.GetInt(), 1);
@@ -119,23 +112,15 @@ TEST(QueryResult, EachReadConsumesItsCell)
     EXPECT_EQ(moved.GetInt(), 1);
 }
 
-TEST(DriveRecord, DefaultsAndEverySetterWithItsGetter)
+TEST(DriveRecord, DefaultsAndCopies)
 {
     const DriveDataTable fresh;
-    const DriveDataTable filled = filledRecord("id", 1);
-    std::set<std::string> values;
     for (const DriveField& field : driveFields()) {
-        SCOPED_TRACE(field.column);
-        EXPECT_EQ(field.get(fresh), field.column == "kind" ? "drive#file" : field.text ? "" : "0");
-        EXPECT_TRUE(values.insert(field.get(filled)).second) << "two accessors of one member show as one value twice";
+        EXPECT_EQ(field.get(fresh), field.column == "kind" ? "drive#file" : field.text ? "" : "0") << field.column;
     }
-    EXPECT_EQ(values.size(), 53U);
+    EXPECT_EQ(driveFields().size(), 53U);
     EXPECT_EQ(fresh.GetHelpData(), "");
     EXPECT_EQ(fresh.GetFileOperationType(), -1);
-}
-
-TEST(DriveRecord, CopiesTakeEveryMember)
-{
     DriveDataTable source = filledRecord("id", 2);
     source.SetHelpData("other id");
     source.SetFileOperationType(9);
@@ -154,10 +139,9 @@ TEST(DriveRecord, EmptyAndFolder)
     EXPECT_TRUE(record.Empty());
     record.SetFileid("id");
     EXPECT_FALSE(record.Empty());
-    record.SetMimeType("application/vnd.tessix-apps.folder");
-    EXPECT_TRUE(record.IsFolder());
-    for (const char* other : {"application/vnd.tessix-apps.folder ", "APPLICATION/VND.TESSIX-APPS.FOLDER"}) {
-        record.SetMimeType(other);
-        EXPECT_FALSE(record.IsFolder());
+    const std::string folder = "application/vnd.tessix-apps.folder";
+    for (const std::string& type : {folder, folder + ' ', std::string("APPLICATION/VND.TESSIX-APPS.FOLDER")}) {
+        record.SetMimeType(type);
+        EXPECT_EQ(record.IsFolder(), type == folder);
     }
 }

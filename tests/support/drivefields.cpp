@@ -1,5 +1,7 @@
 #include "support/drivefields.h"
 
+#include "support/lists.h"
+
 #include <cstdint>
 #include <regex>
 #include <type_traits>
@@ -30,53 +32,29 @@ DriveField field(const char* column, void (DriveDataTable::*set)(Set), Get (Driv
 
 const std::vector<DriveField>& driveFields()
 {
-    using R = DriveDataTable;
+    // The column, and what its accessors are called after.
+#define FIELD(column, member) field(#column, &DriveDataTable::Set##member, &DriveDataTable::Get##member)
     // clang-format off
     static const std::vector<DriveField> fields{
-        field("fileId", &R::SetFileid, &R::GetFileid), field("name", &R::SetName, &R::GetName),
-        field("kind", &R::SetKind, &R::GetKind), field("mimeType", &R::SetMimeType, &R::GetMimeType),
-        field("description", &R::SetDescription, &R::GetDescription), field("size", &R::SetSize, &R::GetSize),
-        field("attachmentSize", &R::SetAttachmentSize, &R::GetAttachmentSize), field("hash", &R::SetHash, &R::GetHash),
-        field("contentVersion", &R::SetContentVersion, &R::GetContentVersion),
-        field("parentId", &R::SetParentId, &R::GetParentId), field("favorite", &R::SetFavorite, &R::GetFavorite),
-        field("recycled", &R::SetRecycled, &R::GetRecycled),
-        field("directlyRecycled", &R::SetDirectlyRecycled, &R::GetDirectlyRecycled),
-        field("createdTime", &R::SetCreatedTime, &R::GetCreatedTime),
-        field("modifiedTime", &R::SetModifiedTime, &R::GetModifiedTime),
-        field("recycledTime", &R::SetRecycledTime, &R::GetRecycledTime), field("isSync", &R::SetIsSync, &R::GetIsSync),
-        field("thumbnailDownloadLink", &R::SetThumbnailDownloadLink, &R::GetThumbnailDownloadLink),
-        field("LCDImageDownloadLink", &R::SetLcdImageDownloadLink, &R::GetLcdImageDownloadLink),
-        field("version", &R::SetVersion, &R::GetVersion), field("batchOper", &R::SetBatchOper, &R::GetBatchOper),
-        field("localAbsolutePath", &R::SetLocalAbsolutePath, &R::GetLocalAbsolutePath),
-        field("localFileSha256", &R::SetLocalFileSha256, &R::GetLocalFileSha256),
-        field("deleteSrcPath", &R::SetDeleteSrcPath, &R::GetDeleteSrcPath),
-        field("uploadTime", &R::SetUploadTime, &R::GetUploadTime),
-        field("renameName", &R::SetRenameName, &R::GetRenameName),
-        field("renameTime", &R::SetRenameTime, &R::GetRenameTime),
-        field("moveParentId", &R::SetMoveParentId, &R::GetMoveParentId),
-        field("moveTime", &R::SetMoveTime, &R::GetMoveTime), field("softDelete", &R::SetSoftDelete, &R::GetSoftDelete),
-        field("softDeleteSrcPath", &R::SetSoftDeleteSrcPath, &R::GetSoftDeleteSrcPath),
-        field("softDelTime", &R::SetSoftDelTime, &R::GetSoftDelTime),
-        field("hardDelete", &R::SetHardDelete, &R::GetHardDelete),
-        field("hardDelTime", &R::SetHardDelTime, &R::GetHardDelTime),
-        field("localRestore", &R::SetLocalRestore, &R::GetLocalRestore),
-        field("restoreTime", &R::SetRestoreTime, &R::GetRestoreTime),
-        field("uploadBatchId", &R::SetUploadBatchId, &R::GetUploadBatchId),
-        field("renameBatchId", &R::SetRenameBatchId, &R::GetRenameBatchId),
-        field("moveBatchId", &R::SetMoveBatchId, &R::GetMoveBatchId),
-        field("softDelBatchId", &R::SetSoftDelBatchId, &R::GetSoftDelBatchId),
-        field("hardDelBatchId", &R::SetHardDelBatchId, &R::GetHardDelBatchId),
-        field("restoreBatchId", &R::SetRestoreBatchId, &R::GetRestoreBatchId),
-        field("newBatchId", &R::SetNewBatchId, &R::GetNewBatchId),
-        field("autoUpload", &R::SetAutoUpload, &R::GetAutoUpload),
-        field("riskFileSign", &R::SetRiskFileSign, &R::GetRiskFileSign),
-        field("riskFileType", &R::SetRiskFileType, &R::GetRiskFileType),
-        field("fileExtSign", &R::SetFileExtSign, &R::GetFileExtSign),
-        field("needToDisplay", &R::SetCloudContentStatus, &R::GetCloudContentStatus),
-        field("classIndex", &R::SetClassIndex, &R::GetClassIndex), field("data1", &R::SetData1, &R::GetData1),
-        field("data2", &R::SetData2, &R::GetData2), field("data3", &R::SetData3, &R::GetData3),
-        field("data4", &R::SetData4, &R::GetData4)};
+        FIELD(fileId, Fileid), FIELD(name, Name), FIELD(kind, Kind), FIELD(mimeType, MimeType),
+        FIELD(description, Description), FIELD(size, Size), FIELD(attachmentSize, AttachmentSize), FIELD(hash, Hash),
+        FIELD(contentVersion, ContentVersion), FIELD(parentId, ParentId), FIELD(favorite, Favorite),
+        FIELD(recycled, Recycled), FIELD(directlyRecycled, DirectlyRecycled), FIELD(createdTime, CreatedTime),
+        FIELD(modifiedTime, ModifiedTime), FIELD(recycledTime, RecycledTime), FIELD(isSync, IsSync),
+        FIELD(thumbnailDownloadLink, ThumbnailDownloadLink), FIELD(LCDImageDownloadLink, LcdImageDownloadLink),
+        FIELD(version, Version), FIELD(batchOper, BatchOper), FIELD(localAbsolutePath, LocalAbsolutePath),
+        FIELD(localFileSha256, LocalFileSha256), FIELD(deleteSrcPath, DeleteSrcPath), FIELD(uploadTime, UploadTime),
+        FIELD(renameName, RenameName), FIELD(renameTime, RenameTime), FIELD(moveParentId, MoveParentId),
+        FIELD(moveTime, MoveTime), FIELD(softDelete, SoftDelete), FIELD(softDeleteSrcPath, SoftDeleteSrcPath),
+        FIELD(softDelTime, SoftDelTime), FIELD(hardDelete, HardDelete), FIELD(hardDelTime, HardDelTime),
+        FIELD(localRestore, LocalRestore), FIELD(restoreTime, RestoreTime), FIELD(uploadBatchId, UploadBatchId),
+        FIELD(renameBatchId, RenameBatchId), FIELD(moveBatchId, MoveBatchId), FIELD(softDelBatchId, SoftDelBatchId),
+        FIELD(hardDelBatchId, HardDelBatchId), FIELD(restoreBatchId, RestoreBatchId), FIELD(newBatchId, NewBatchId),
+        FIELD(autoUpload, AutoUpload), FIELD(riskFileSign, RiskFileSign), FIELD(riskFileType, RiskFileType),
+        FIELD(fileExtSign, FileExtSign), FIELD(needToDisplay, CloudContentStatus), FIELD(classIndex, ClassIndex),
+        FIELD(data1, Data1), FIELD(data2, Data2), FIELD(data3, Data3), FIELD(data4, Data4)};
     // clang-format on
+#undef FIELD
     return fields;
 }
 
@@ -106,48 +84,23 @@ DriveDataTable treeRecord(const std::string& fileId, const std::string& parentId
 
 std::vector<std::string> cellsOf(const DriveDataTable& record)
 {
-    std::vector<std::string> cells;
-    for (const DriveField& field : driveFields()) {
-        cells.push_back(field.cell(record));
-    }
-    return cells;
+    return mapped(driveFields(), [&](const DriveField& field) { return field.cell(record); });
 }
 
 Rows cellsOf(const std::vector<DriveDataTable>& records)
 {
-    Rows rows;
-    for (const DriveDataTable& record : records) {
-        rows.push_back(cellsOf(record));
-    }
-    return rows;
+    return mapped(records, [](const DriveDataTable& record) { return cellsOf(record); });
 }
 
 std::vector<std::string> driveColumns()
 {
-    std::vector<std::string> names;
-    for (const DriveField& field : driveFields()) {
-        names.push_back(field.column);
-    }
-    return names;
-}
-
-std::string driveColumnList()
-{
-    std::string list;
-    for (const std::string& name : driveColumns()) {
-        list += (list.empty() ? "" : ", ") + name;
-    }
-    return list;
+    return mapped(driveFields(), &DriveField::column);
 }
 
 std::vector<std::string> parametersIn(const std::string& sql)
 {
     static const std::regex parameter(":([A-Za-z0-9]+)");
-    std::vector<std::string> names;
-    for (std::sregex_iterator at(sql.begin(), sql.end(), parameter), end; at != end; ++at) {
-        names.push_back(at->str(1));
-    }
-    return names;
+    return {std::sregex_token_iterator(sql.begin(), sql.end(), parameter, 1), {}};
 }
 
 } // namespace testsupport

@@ -37,9 +37,8 @@ DatabaseService::DriveDataTable treeRecord(const std::string& fileId, const std:
 std::vector<std::string> cellsOf(const DatabaseService::DriveDataTable& record);
 Rows cellsOf(const std::vector<DatabaseService::DriveDataTable>& records);
 
-/// The 53 column names, and the same with commas between them.
+/// The 53 column names.
 std::vector<std::string> driveColumns();
-std::string driveColumnList();
 
 /// The parameters of a statement, in the order in which its text names them.
 std::vector<std::string> parametersIn(const std::string& sql);

@@ -1,22 +1,14 @@
 #include "support/drivetest.h"
 
 #include <algorithm>
-#include <iterator>
-#include <sstream>
 
 namespace testsupport {
 
 using DatabaseService::DriveDataTable;
 
-std::vector<std::string> split(const std::string& words)
-{
-    std::istringstream stream(words);
-    return {std::istream_iterator<std::string>(stream), {}};
-}
-
 std::vector<std::string> DriveTest::row(const std::string& id)
 {
-    return m_file.query("SELECT " + driveColumnList() + " FROM DriveDataTable WHERE fileId = '" + id + '\'').at(0);
+    return m_file.query("SELECT " + joined(driveColumns()) + " FROM DriveDataTable WHERE fileId = '" + id + '\'').at(0);
 }
 
 std::string DriveTest::statement(const std::string& begin)
@@ -46,7 +38,7 @@ void DriveTest::expectExactly(const DriveUpdate& update)
     record.SetHelpData(byHelpData ? "id" : "new");
     EXPECT_TRUE(update.call(m_drive, record));
 
-    std::string settings;
+    std::vector<std::string> settings;
     DriveDataTable expected = filledRecord("id", 1);
     for (const std::string& word : split(update.columns)) {
         const std::string column = word.substr(0, word.find('='));
@@ -54,9 +46,9 @@ void DriveTest::expectExactly(const DriveUpdate& update)
         const auto field = std::ranges::find(driveFields(), column, &DriveField::column);
         ASSERT_TRUE(field != driveFields().end()) << column;
         field->set(expected, parameter == "helpData" ? record.GetHelpData() : field->get(record));
-        settings += (settings.empty() ? "" : ",") + column + " = :" + parameter;
+        settings.push_back(column + " = :" + parameter);
     }
-    EXPECT_EQ(statement(), "UPDATE DriveDataTable SET " + settings + ' ' + update.tail);
+    EXPECT_EQ(statement(), "UPDATE DriveDataTable SET " + joined(settings) + ' ' + update.tail);
     EXPECT_EQ(row(expected.GetFileid()), cellsOf(expected));
     EXPECT_EQ(row("other"), cellsOf(filledRecord("other", 2)));
     EXPECT_EQ(m_file.value("SELECT count(*) FROM DriveDataTable WHERE subFileAndDirectory = 5 AND operateType = 6 "

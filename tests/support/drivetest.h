@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/drivefields.h"
+#include "support/lists.h"
 #include "support/observed.h"
 #include "support/storetest.h"
 
@@ -9,8 +10,6 @@
 #include <vector>
 
 namespace testsupport {
-
-std::vector<std::string> split(const std::string& words);
 
 /// An update of rows of the drive's table by one statement.
 struct DriveUpdate {
@@ -21,8 +20,7 @@ struct DriveUpdate {
 };
 
 /// A test with a drive store that is laid down, and a look at its file past the library.
-class DriveTest : public StoreTest {
-protected:
+struct DriveTest : StoreTest {
     DriveTest()
     {
         m_drive.InitDatabase();

@@ -19,13 +19,8 @@ using DatabaseService::TransmissionDB::TransmissionDBModule;
 
 namespace {
 
-// Is destroyed after the static objects of all functions, and gives handlers time to miss them.
-struct LastToGo {
-    LastToGo() = default;
-    LastToGo(const LastToGo&) = delete;
-    LastToGo& operator=(const LastToGo&) = delete;
-    ~LastToGo() { std::this_thread::sleep_for(std::chrono::milliseconds(50)); }
-} lastToGo;
+// Comes after the static objects of all functions are destroyed, and gives handlers time to miss them.
+[[maybe_unused]] const int lastToCome = std::atexit([] { std::this_thread::sleep_for(std::chrono::milliseconds(50)); });
 
 TessixDeskClient::ModuleBase& module(char name)
 {
@@ -56,6 +51,6 @@ int platform::programMain(const std::vector<std::string>& arguments)
         module(name).StopWork();
     }
     const testing::AssertionResult clean = log.failuresWere({});
-    std::cerr << clean.message();
+    std::cerr << (clean ? "" : clean.message());
     return clean ? EXIT_SUCCESS : EXIT_FAILURE;
 }

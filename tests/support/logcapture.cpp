@@ -1,6 +1,7 @@
 #include "support/logcapture.h"
 
 #include "clientservices/cloudlogger.h"
+#include "support/lists.h"
 
 #include <algorithm>
 
@@ -8,9 +9,9 @@ namespace testsupport {
 
 namespace {
 
-std::string describe(int severity, const std::string& function, const std::string& message)
+std::string describe(const ExpectedLine& line)
 {
-    return std::to_string(severity) + ' ' + function + ": " + message;
+    return std::to_string(line.severity) + ' ' + line.function + ": " + line.message;
 }
 
 // The transfer module's lines, which are no failures, by the numbers of the printf-style log.
@@ -22,7 +23,7 @@ bool isOfTransferModule(const Logger::LogEntry& entry)
 
 std::string describe(const Logger::LogEntry& entry)
 {
-    std::string text = describe(entry.severity, entry.function, entry.message);
+    std::string text = describe(ExpectedLine{entry.function, entry.message, entry.severity});
     const bool isOdd = entry.module != 0 || entry.line <= 0 || (entry.severity == 5 && !entry.flag);
     if (isOdd && !isOfTransferModule(entry)) {
         text += " (module " + std::to_string(entry.module) + ", line " + std::to_string(entry.line) + ", flag " +
@@ -33,29 +34,20 @@ std::string describe(const Logger::LogEntry& entry)
 
 bool matches(const Logger::LogEntry& entry, const ExpectedLine& line)
 {
-    if (!line.message.ends_with('*')) {
-        return describe(entry) == describe(line.severity, line.function, line.message);
+    ExpectedLine wanted = line;
+    if (line.message.ends_with('*') && entry.message.starts_with(line.message.substr(0, line.message.size() - 1))) {
+        wanted.message = entry.message;
     }
-    const std::string prefix = line.message.substr(0, line.message.size() - 1);
-    return entry.message.starts_with(prefix) &&
-        describe(entry) == describe(line.severity, line.function, entry.message);
+    return describe(entry) == describe(wanted);
 }
 
 testing::AssertionResult compare(const std::vector<Logger::LogEntry>& entries, const std::vector<ExpectedLine>& lines)
 {
-    if (std::ranges::equal(entries, lines, matches)) {
-        return testing::AssertionSuccess();
-    }
-    testing::AssertionResult failure = testing::AssertionFailure();
-    failure << "the log has\n";
-    for (const Logger::LogEntry& entry : entries) {
-        failure << "  " << describe(entry) << '\n';
-    }
-    failure << "and should have\n";
-    for (const ExpectedLine& line : lines) {
-        failure << "  " << describe(line.severity, line.function, line.message) << '\n';
-    }
-    return failure;
+    const auto all = [](const auto& some) {
+        return joined(mapped(some, [](const auto& line) { return describe(line); }), "\n  ");
+    };
+    return testing::AssertionResult(std::ranges::equal(entries, lines, matches))
+        << "the log has\n  " << all(entries) << "\nand should have\n  " << all(lines);
 }
 
 } // namespace
@@ -88,11 +80,7 @@ testing::AssertionResult LogCapture::linesWere(const std::vector<ExpectedLine>& 
 
 std::vector<std::string> LogCapture::take()
 {
-    std::vector<std::string> lines;
-    for (const Logger::LogEntry& entry : takeEntries(false)) {
-        lines.push_back(describe(entry));
-    }
-    return lines;
+    return mapped(takeEntries(false), [](const Logger::LogEntry& entry) { return describe(entry); });
 }
 
 std::vector<Logger::LogEntry> LogCapture::takeEntries(bool failuresOnly)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/lists.h"
 #include "support/logcapture.h"
 
 #include <regex>
@@ -31,11 +32,7 @@ inline std::string sqliteFailed(const std::string& title, int code, const std::s
 inline std::vector<std::string> takePlainLines(LogCapture& log)
 {
     static const std::regex sourceLine(", line [1-9][0-9]*, flag");
-    std::vector<std::string> lines = log.take();
-    for (std::string& line : lines) {
-        line = std::regex_replace(line, sourceLine, ", flag");
-    }
-    return lines;
+    return mapped(log.take(), [](const auto& line) { return std::regex_replace(line, sourceLine, ", flag"); });
 }
 
 } // namespace testsupport

@@ -2,8 +2,8 @@
 
 #include "databaseservice/driverdbproviderbase.h"
 #include "platform/paths.h"
+#include "support/lists.h"
 
-#include <memory>
 #include <stdexcept>
 
 namespace testsupport {
@@ -30,36 +30,32 @@ std::string textCell(const std::string& text)
 
 SqliteFile::SqliteFile(const std::filesystem::path& file, Collation collation)
 {
+    sqlite3* db = nullptr;
     std::string error;
-    if (sqlite3_open(platform::toUtf8(file).c_str(), &m_db) != SQLITE_OK) {
-        error = sqlite3_errmsg(m_db);
+    if (sqlite3_open(platform::toUtf8(file).c_str(), &db) != SQLITE_OK) {
+        error = sqlite3_errmsg(db);
     } else if (collation == Collation::NameCompare) {
-        DatabaseService::DriverDBProviderBase::BindNameCompare(m_db, error);
+        DatabaseService::DriverDBProviderBase::BindNameCompare(db, error);
     }
+    m_db.reset(db);
     if (!error.empty()) {
-        sqlite3_close(m_db);
         throw std::runtime_error(error);
     }
-    sqlite3_busy_timeout(m_db, 60'000);
-    sqlite3_exec(m_db, "PRAGMA synchronous=OFF", nullptr, nullptr, nullptr); // for speed alone
-}
-
-SqliteFile::~SqliteFile()
-{
-    sqlite3_close(m_db);
+    sqlite3_busy_timeout(db, 60'000);
+    sqlite3_exec(db, "PRAGMA synchronous=OFF", nullptr, nullptr, nullptr); // for speed alone
 }
 
 void SqliteFile::exec(const std::string& sql)
 {
-    if (sqlite3_exec(m_db, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
-        throw std::runtime_error(sqlite3_errmsg(m_db));
+    if (sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+        throw std::runtime_error(sqlite3_errmsg(handle()));
     }
 }
 
 Rows SqliteFile::query(const std::string& sql)
 {
     sqlite3_stmt* prepared = nullptr;
-    sqlite3_prepare_v2(m_db, sql.c_str(), -1, &prepared, nullptr);
+    sqlite3_prepare_v2(handle(), sql.c_str(), -1, &prepared, nullptr);
     const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> stmt(prepared, &sqlite3_finalize);
     Rows rows;
     int code = SQLITE_ERROR;
@@ -70,7 +66,7 @@ Rows SqliteFile::query(const std::string& sql)
         }
     }
     if (code != SQLITE_DONE) {
-        throw std::runtime_error(sqlite3_errmsg(m_db));
+        throw std::runtime_error(sqlite3_errmsg(handle()));
     }
     return rows;
 }
@@ -82,14 +78,7 @@ std::string SqliteFile::value(const std::string& sql)
 
 std::string SqliteFile::text(const std::string& sql)
 {
-    std::string text;
-    for (const std::vector<std::string>& row : query(sql)) {
-        text += text.empty() ? "" : "\n";
-        for (const std::string& cell : row) {
-            text += (&cell == &row.front() ? "" : "|") + cell;
-        }
-    }
-    return text;
+    return joined(mapped(query(sql), [](const auto& row) { return joined(row, "|"); }), "\n");
 }
 
 void SqliteFile::fill(int rows)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <sqlite3.h>
 #include <string>
 #include <vector>
@@ -19,11 +20,7 @@ public:
 
     /// Creates a missing file.
     explicit SqliteFile(const std::filesystem::path& file, Collation collation = Collation::None);
-    SqliteFile(const SqliteFile&) = delete;
-    SqliteFile& operator=(const SqliteFile&) = delete;
-    ~SqliteFile();
-
-    sqlite3* handle() const { return m_db; }
+    sqlite3* handle() const { return m_db.get(); }
 
     /// Any number of statements.
     void exec(const std::string& sql);
@@ -42,7 +39,7 @@ public:
     std::string columns(const std::string& table);
 
 private:
-    sqlite3* m_db = nullptr;
+    std::unique_ptr<sqlite3, int (*)(sqlite3*)> m_db{nullptr, &sqlite3_close};
 };
 
 } // namespace testsupport

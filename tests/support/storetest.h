@@ -13,14 +13,15 @@
 namespace testsupport {
 
 /// A test with a user's database folder of its own and an eye on the log.
-class StoreTest : public testing::Test {
-protected:
+struct StoreTest : testing::Test {
     StoreTest() { useFolder(m_folder.path()); }
     ~StoreTest() override { GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder({}); }
 
+    static std::wstring wide(const std::filesystem::path& path) { return platform::toWide(platform::toUtf8(path)); }
+
     static void useFolder(const std::filesystem::path& folder)
     {
-        GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(platform::toUtf8(folder)));
+        GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(wide(folder));
     }
 
     std::filesystem::path path(const std::wstring& name) const { return m_folder.path() / platform::toPath(name); }
