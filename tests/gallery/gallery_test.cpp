@@ -1,11 +1,9 @@
-// The gallery store: its tables, writers, counts and lookup.
-
 #include "databaseservice/gallerydbprovider.h"
 #include "support/enginelines.h"
+#include "support/lists.h"
 #include "support/storetest.h"
 
 #include <functional>
-#include <sstream>
 
 using namespace testsupport;
 using namespace DatabaseService;
@@ -89,8 +87,7 @@ const Table tables[] = {
      CountUploadTaskTable},
 };
 
-class Gallery : public StoreTest {
-protected:
+struct Gallery : StoreTest {
     Gallery() { InitGalleryDatabase(L"gallery.dat"); }
 
     GalleryFileTable find(std::string uniqueId) { return GetGalleryFileOneData(uniqueId); }
@@ -106,10 +103,9 @@ TEST_F(Gallery, EachTableHoldsItsRecord)
     for (const auto& [name, columns, kinds, key, insert, count] : tables) {
         SCOPED_TRACE(name);
         order += (order.empty() ? "'" : ",") + std::string(name);
-        std::istringstream words(columns);
         Rows schema;
         Rows row(1);
-        for (std::string column; words >> column;) {
+        for (const std::string& column : split(columns)) {
             const std::size_t place = schema.size();
             const bool text = kinds[place] == 'T';
             schema.push_back({textCell(column), text ? "'TEXT'" : "'INTEGER'", "1", "NULL", column == key ? "1" : "0"});

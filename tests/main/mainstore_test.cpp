@@ -1,5 +1,4 @@
-// The main store's tables, settings, logs, cards and clean-up.
-
+#include "support/lists.h"
 #include "support/mainstoretest.h"
 
 #include <cmath>
@@ -83,8 +82,7 @@ TEST_F(MainStore, PropertiesAreWrittenInOneTransaction)
     EXPECT_TRUE(openedTimes(1));
     properties = {{L"b", L"lost"}, {L"c", L"3"}};
     Main::InsertUserProperties(properties);
-    EXPECT_TRUE(
-        m_log.failuresWere({lines.step, EngineLines::bindMessage("UNIQUE constraint failed: UserProperties.Key")}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: UserProperties.Key")}));
     properties = {{L"a", L"one"}, {L"d", L"4"}};
     Main::UpdateUserProperties(properties);
     EXPECT_TRUE(openedTimes(1));
@@ -117,25 +115,24 @@ TEST_F(MainStore, LogsKeepWholeNumbersOfTimes)
                                                     {infinity, most}, {-infinity, '-' + most}, {std::nan(""), "0.0"}};
     std::vector<UserLog> logs;
     std::vector<UBAUserLog> ubaLogs;
-    std::string expected;
+    std::vector<std::string> expected;
     for (const auto& [time, stored] : times) {
         const int64 id = std::ssize(logs) + 10;
         logs.push_back(usage<UserLog>(id, time));
         ubaLogs.push_back(usage<UBAUserLog>(id, time));
-        expected += (expected.empty() ? "" : "\n") + std::to_string(id) +
-            "|'1'|'2'|'3'|'4'|'5'|'6''|'7\xEF\xBF\xBD'|'8'|" + stored +
-            "|2.0|'b'|'c'|'d'|'e'|'f'|-1|2|'i'|'j'|'k'|'l'|-3.0|'n'|4";
+        expected.push_back(std::to_string(id) + "|'1'|'2'|'3'|'4'|'5'|'6''|'7\xEF\xBF\xBD'|'8'|" + stored +
+                           "|2.0|'b'|'c'|'d'|'e'|'f'|-1|2|'i'|'j'|'k'|'l'|-3.0|'n'|4");
     }
     Main::InsertUserUserLog(logs);
     Main::InsertUserUBAUserLog(ubaLogs);
     Main::GetAllUserLog();
     EXPECT_TRUE(openedTimes(3));
-    EXPECT_EQ(m_file.text("SELECT * FROM UserLogTable"), expected);
-    EXPECT_EQ(m_file.text("SELECT * FROM UBAUserLog"), expected);
+    EXPECT_EQ(m_file.text("SELECT * FROM UserLogTable"), joined(expected, "\n"));
+    EXPECT_EQ(m_file.text("SELECT * FROM UBAUserLog"), joined(expected, "\n"));
 
     Main::InsertUserUserLog({usage<UserLog>(1, 1), usage<UserLog>(1, 2)});
     const std::string reason = "UNIQUE constraint failed: UserLogTable.id";
-    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.finalize, EngineLines::afterFinalize(reason)}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.finalize, lines.afterFinalize(reason)}));
     EXPECT_EQ(m_file.value("SELECT useTime FROM UserLogTable WHERE id = 1"), "1.0");
 }
 
@@ -205,7 +202,7 @@ TEST_F(MainStore, CacheFilesGoAndTheFoldersAboveStay)
     }
     const auto there = [&](const wchar_t* file) { return std::filesystem::exists(path(file)); };
     const auto remove = [&](const std::wstring& folder, const std::wstring& names, const std::wstring& from) {
-        const std::wstring root = platform::toWide(platform::toUtf8(m_folder.path())) + platform::folderSeparator;
+        const std::wstring root = wide(m_folder.path()) + platform::folderSeparator;
         Main::DeleteCacheFile(root + folder + platform::folderSeparator + names, from.empty() ? from : root + from);
     };
     remove(L"cache", L"*", L"");

@@ -1,5 +1,3 @@
-// Start and reset of the stores, and the wipe.
-
 #include "databaseservice/databaseservice.h"
 #include "databaseservice/driverdbproviderbase.h"
 #include "databaseservice/dropalltables.h"
@@ -21,8 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Service : public StoreTest {
-protected:
+struct Service : StoreTest {
     ~Service() override { g_userDataBaseFolder.clear(); }
 
     /// Starts all stores and puts a row into each.
@@ -85,7 +82,7 @@ TEST_F(Service, StoresStartInOrder)
     EXPECT_EQ(g_userDataBaseFolder, m_user);
     EXPECT_EQ(counts(), (std::vector{1, 1, 1})) << "what is there stays";
     fs::create_directory(path(L"other"));
-    InitDataBase(platform::toWide(platform::toUtf8(path(L"other"))));
+    InitDataBase(wide(path(L"other")));
     EXPECT_TRUE(fs::is_empty(path(L"other"))) << "the folder is only remembered; stores are where the settings say";
 }
 

@@ -17,8 +17,7 @@ constexpr const char* rotateless = "CREATE TABLE FastAccess (Id INTEGER PRIMARY 
                                    "INTEGER, DataType INTEGER, IconPath TEXT, Title TEXT, Tip TEXT, UpdataTime "
                                    "INTEGER, FilePath TEXT, FileId TEXT, ParentId TEXT)";
 
-class FastAccess : public StoreTest {
-protected:
+struct FastAccess : StoreTest {
     ~FastAccess() override { GlobalParamWrapper::GetInstance()->SetUserCachePath({}); }
 
     /// Takes what the callback is given, as a client does.
@@ -140,7 +139,7 @@ TEST_F(FastAccess, ADeletedShortcutTakesItsCachedIconAlong)
     const std::pair<std::string, bool> icons[] = {
         {"/my FastAccess icons/b.png", true}, {"/FastAccess\u76F8.png", true}, {"/fastaccess/d.png", false}};
     const std::filesystem::path cache = path(L"cache");
-    GlobalParamWrapper::GetInstance()->SetUserCachePath(platform::toWide(platform::toUtf8(cache)));
+    GlobalParamWrapper::GetInstance()->SetUserCachePath(wide(cache));
     for (const auto& [icon, cached] : icons) {
         SCOPED_TRACE(icon);
         const std::filesystem::path file = platform::toPath(platform::toWide(platform::toUtf8(cache) + icon));

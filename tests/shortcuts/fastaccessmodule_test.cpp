@@ -15,8 +15,7 @@ namespace {
 
 using Module = HeldModule<FastAccessDBModule>;
 
-class FastAccessModule : public StoreTest {
-protected:
+struct FastAccessModule : StoreTest {
     static ExpectedLine posted(const std::string& operation, const std::string& line)
     {
         return {"DatabaseService::FastAccessDB::FastAccessDBModule::" + operation, "Post " + line, 2};

@@ -20,12 +20,12 @@ struct EngineLines {
     const ExpectedLine commit = engine("Execute", "CommitTransaction failed" + m_name);
     const ExpectedLine errorMessage = engine("Execute", "Error message is *");
 
-    static ExpectedLine bindMessage(const std::string& text) { return engine("BindParameter", "Error msg is " + text); }
-    static ExpectedLine afterFinalize(const std::string& text)
+    ExpectedLine bindMessage(const std::string& text) const { return engine("BindParameter", "Error msg is " + text); }
+    ExpectedLine afterFinalize(const std::string& text) const
     {
         return engine("Execute", "Finalize failed, and error msg is " + text);
     }
-    static ExpectedLine sql(const std::string& text) { return engine("Execute", "SQL is " + text); }
+    ExpectedLine sql(const std::string& text) const { return engine("Execute", "SQL is " + text); }
 
     ExpectedLine exec(const std::string& message) const
     {

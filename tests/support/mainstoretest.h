@@ -11,8 +11,7 @@ namespace testsupport {
 namespace Main = DatabaseService::MainDatabaseProvider;
 
 /// A test with a fresh `main.dat`.
-class MainStoreTest : public StoreTest {
-protected:
+struct MainStoreTest : StoreTest {
     MainStoreTest()
     {
         Main::InitMainDatabase();

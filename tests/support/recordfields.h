@@ -2,6 +2,7 @@
 
 #include "databaseservice/integers.h"
 #include "platform/text.h"
+#include "support/lists.h"
 #include "support/sqlitefile.h"
 
 #include <functional>
@@ -50,6 +51,12 @@ template <class Record> struct RecordField {
     }
 };
 
+/// The column and the member have one name.
+#define FIELD(Record, member)                                                                                          \
+    {                                                                                                                  \
+#member, &Record::member                                                                                       \
+    }
+
 /// A table's columns in the order of a full read.
 template <class Record> struct RecordFields {
     std::string table;
@@ -68,21 +75,14 @@ template <class Record> struct RecordFields {
 
     std::vector<std::string> cells(const Record& record) const
     {
-        std::vector<std::string> cells;
-        for (const auto& field : all) {
-            cells.push_back(field.cell(record));
-        }
-        return cells;
+        return mapped(all, [&](const auto& field) { return field.cell(record); });
     }
 
     /// The table's rows by their first column.
     Rows rows(SqliteFile& file) const
     {
-        std::string names;
-        for (const auto& field : all) {
-            names += (names.empty() ? "" : ", ") + field.column;
-        }
-        return file.query("SELECT " + names + " FROM " + table + " ORDER BY 1");
+        return file.query("SELECT " + joined(mapped(all, &RecordField<Record>::column)) + " FROM " + table +
+                          " ORDER BY 1");
     }
 };
 

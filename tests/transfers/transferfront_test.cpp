@@ -17,8 +17,7 @@ using Completed = CompletedTaskProperty;
 using Download = DownloadTaskProperty;
 using Upload = UploadTaskProperty;
 
-class TransferFront : public StoreTest {
-protected:
+struct TransferFront : StoreTest {
     /// How often `call` opens the file, whatever else the log says.
     template <class Call> std::ptrdiff_t opens(Call call)
     {
@@ -27,8 +26,7 @@ protected:
         return std::ranges::count_if(m_log.take(), [](auto& line) { return line.find(" OpenDataBase:") != line.npos; });
     }
 
-    std::string value(const std::string& sql) { return SqliteFile(path(L"transmission.dat")).value(sql); }
-    std::string tables() { return SqliteFile(path(L"transmission.dat")).tables(); }
+    SqliteFile file() { return SqliteFile(path(L"transmission.dat")); }
 };
 
 template <class Record> auto list(std::initializer_list<std::shared_ptr<Record>> records)
@@ -104,16 +102,16 @@ TEST_F(TransferFront, ReadsCreateTheTablesFirst)
     for (int number = 1; const auto& read : reads) {
         SCOPED_TRACE(number++);
         EXPECT_EQ(opens([&] { EXPECT_TRUE(read()); }), 5);
-        EXPECT_EQ(tables(), "CompletedTaskTable,DownloadTaskTable,TransferTask,UploadTaskTable");
+        EXPECT_EQ(file().tables(), "CompletedTaskTable,DownloadTaskTable,TransferTask,UploadTaskTable");
         EXPECT_EQ(opens([] { EXPECT_TRUE(Front::DeleteTable(L"elsewhere")); }), 8);
-        EXPECT_EQ(tables(), "");
+        EXPECT_EQ(file().tables(), "");
     }
 }
 
 TEST_F(TransferFront, WritesReachTheRowsThatTheyName)
 {
     EXPECT_EQ(opens([] { writeAll(); }), 24);
-    EXPECT_EQ(tables(), "") << "writes create nothing";
+    EXPECT_EQ(file().tables(), "") << "writes create nothing";
     EXPECT_EQ(Front::CountDownloadTaskUnDone(), 0);
     TransDbConnThread::GetInstance()->ExecuteSQL(
         "INSERT INTO TransferTask(UniqueId, ModuleType, TransferType, TaskStatus, FileName) VALUES ('a',1,2,0,'n'), "
@@ -125,12 +123,12 @@ TEST_F(TransferFront, WritesReachTheRowsThatTheyName)
                                     {"TransDbConnThread::InsertDownloadTasks", left},
                                     {"TransDbConn::UpdateDownloadTasks", left},
                                     {"TransDbConn::InsertUploadTasks", left}}));
-    EXPECT_EQ(value("SELECT group_concat(id || fileName) FROM CompletedTaskTable"), "'1A,3C'");
-    EXPECT_EQ(value("SELECT group_concat(id || fileName) FROM DownloadTaskTable"), "'1A,3C,6f'");
-    EXPECT_EQ(value("SELECT id || taskStatus || errorCode || sliceInfo || sliceIndex || uploadOffset "
-                    "FROM UploadTaskTable"),
+    EXPECT_EQ(file().value("SELECT group_concat(id || fileName) FROM CompletedTaskTable"), "'1A,3C'");
+    EXPECT_EQ(file().value("SELECT group_concat(id || fileName) FROM DownloadTaskTable"), "'1A,3C,6f'");
+    EXPECT_EQ(file().value("SELECT id || taskStatus || errorCode || sliceInfo || sliceIndex || uploadOffset "
+                           "FROM UploadTaskTable"),
               "'456info78'");
-    EXPECT_EQ(value("SELECT group_concat(UniqueId) FROM TransferTask"), "'b,d,e'");
+    EXPECT_EQ(file().value("SELECT group_concat(UniqueId) FROM TransferTask"), "'b,d,e'");
 
     std::vector<Completed> finished;
     std::vector<Download> running;
@@ -148,7 +146,8 @@ TEST_F(TransferFront, WritesReachTheRowsThatTheyName)
     EXPECT_EQ(task.FileName, L"n");
     EXPECT_TRUE(Front::DeleteTasksFromTransferTask(5));
     Front::DeleteAllUploadTasks();
-    EXPECT_EQ(value("SELECT (SELECT count(*) FROM TransferTask) || (SELECT count(*) FROM UploadTaskTable)"), "'10'");
+    EXPECT_EQ(file().value("SELECT (SELECT count(*) FROM TransferTask) || (SELECT count(*) FROM UploadTaskTable)"),
+              "'10'");
 }
 
 TEST_F(TransferFront, NullsIdsOfNoRowAndFixedAnswersOpenNothing)

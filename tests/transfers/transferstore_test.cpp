@@ -1,5 +1,3 @@
-// The transfer store's tables, through their provider.
-
 #include "databaseservice/transdbconnthread.h"
 #include "support/enginelines.h"
 #include "support/observed.h"
@@ -10,9 +8,8 @@
 #include <stdexcept>
 
 using namespace testsupport;
+using namespace DatabaseService;
 using namespace DatabaseService::TransmissionDB;
-using DatabaseService::int64;
-using DatabaseService::uint64;
 
 namespace {
 
@@ -25,41 +22,32 @@ using T = DbTransferTask;
 
 // clang-format off
 const RecordFields<C> completed{"CompletedTaskTable", {
-    {"id", &C::id}, {"fileName", &C::fileName}, {"fileId", &C::fileId}, {"totalLength", &C::totalLength},
-    {"localPath", &C::localPath}, {"taskType", &C::taskType}, {"endTime", &C::endTime},
-    {"isFastTrans", &C::isFastTrans}, {"pranteID", &C::pranteID}, {"isMoveData", &C::isMoveData}}};
+    FIELD(C, id), FIELD(C, fileName), FIELD(C, fileId), FIELD(C, totalLength), FIELD(C, localPath), FIELD(C, taskType),
+    FIELD(C, endTime), FIELD(C, isFastTrans), FIELD(C, pranteID), FIELD(C, isMoveData)}};
 
 const RecordFields<D> download{"DownloadTaskTable", {
-    {"id", &D::id}, {"fileName", &D::fileName}, {"relativePath", &D::relativePath}, {"fileId", &D::fileId},
-    {"totalLength", &D::totalLength}, {"position", &D::position}, {"sliceIdx", &D::sliceIdx},
-    {"sliceCount", &D::sliceCount}, {"localPath", &D::localPath}, {"taskType", &D::taskType},
-    {"isFastTrans", &D::isFastTrans}, {"isMoveData", &D::isMoveData}, {"RecordType", &D::RecordType}}};
+    FIELD(D, id), FIELD(D, fileName), FIELD(D, relativePath), FIELD(D, fileId), FIELD(D, totalLength),
+    FIELD(D, position), FIELD(D, sliceIdx), FIELD(D, sliceCount), FIELD(D, localPath), FIELD(D, taskType),
+    FIELD(D, isFastTrans), FIELD(D, isMoveData), FIELD(D, RecordType)}};
 
 const RecordFields<U> upload{"UploadTaskTable", {
-    {"id", &U::id}, {"fileName", &U::fileName}, {"fileId", &U::fileId}, {"totalLength", &U::totalLength},
-    {"localPath", &U::localPath}, {"taskStatus", &U::taskStatus}, {"errorCode", &U::errorCode},
-    {"startTime", &U::startTime}, {"transferId", &U::transferId}, {"serverPath", &U::serverPath},
-    {"sliceIndex", &U::sliceIndex}, {"uploadOffset", &U::uploadOffset}, {"sliceInfo", &U::sliceInfo},
-    {"isBatch", &U::isBatch}, {"isMoveData", &U::isMoveData}}};
+    FIELD(U, id), FIELD(U, fileName), FIELD(U, fileId), FIELD(U, totalLength), FIELD(U, localPath),
+    FIELD(U, taskStatus), FIELD(U, errorCode), FIELD(U, startTime), FIELD(U, transferId), FIELD(U, serverPath),
+    FIELD(U, sliceIndex), FIELD(U, uploadOffset), FIELD(U, sliceInfo), FIELD(U, isBatch), FIELD(U, isMoveData)}};
 
 const RecordFields<T> transfer{"TransferTask", {
-    {"UniqueId", &T::UniqueId}, {"FileId", &T::FileId}, {"FileName", &T::FileName}, {"StartTime", &T::StartTime},
-    {"EndTime", &T::EndTime}, {"ErrorCode", &T::ErrorCode}, {"TimeoutLimit", &T::TimeoutLimit},
-    {"TransferSize", &T::TransferSize}, {"TotalSize", &T::TotalSize}, {"TaskStatus", &T::TaskStatus},
-    {"BatchCreateTime", &T::BatchCreateTime}, {"BatchIndex", &T::BatchIndex}, {"ModuleType", &T::ModuleType},
-    {"TransferType", &T::TransferType}, {"LocalFilePath", &T::LocalFilePath}, {"ParentId", &T::ParentId},
-    {"AssetId", &T::AssetId}, {"VersionId", &T::VersionId}, {"Hash", &T::Hash}, {"UpdateTime", &T::UpdateTime},
-    {"SliceIndex", &T::SliceIndex}, {"UploadOffset", &T::UploadOffset}, {"ObjectBucketId", &T::ObjectBucketId},
-    {"RecordCursor", &T::RecordCursor}, {"ObsVersion", &T::ObsVersion}, {"Priority", &T::Priority},
-    {"IsMoveData", &T::IsMoveData}, {"IsLoadedForSuccessList", &T::IsLoadedForSuccessList},
-    {"CloudFilePath", &T::CloudFilePath}, {"ThumbnailUrl", &T::ThumbnailUrl}, {"CloudBatch", &T::CloudBatch},
-    {"ExpandStr1", &T::ExpandStr1}, {"ExpandStr2", &T::ExpandStr2}, {"ExpandStr3", &T::ExpandStr3},
-    {"ExpandInt1", &T::ExpandInt1}, {"ExpandInt2", &T::ExpandInt2}, {"ExpandInt3", &T::ExpandInt3},
-    {"Expand", &T::Expand}}};
+    FIELD(T, UniqueId), FIELD(T, FileId), FIELD(T, FileName), FIELD(T, StartTime), FIELD(T, EndTime),
+    FIELD(T, ErrorCode), FIELD(T, TimeoutLimit), FIELD(T, TransferSize), FIELD(T, TotalSize), FIELD(T, TaskStatus),
+    FIELD(T, BatchCreateTime), FIELD(T, BatchIndex), FIELD(T, ModuleType), FIELD(T, TransferType),
+    FIELD(T, LocalFilePath), FIELD(T, ParentId), FIELD(T, AssetId), FIELD(T, VersionId), FIELD(T, Hash),
+    FIELD(T, UpdateTime), FIELD(T, SliceIndex), FIELD(T, UploadOffset), FIELD(T, ObjectBucketId),
+    FIELD(T, RecordCursor), FIELD(T, ObsVersion), FIELD(T, Priority), FIELD(T, IsMoveData),
+    FIELD(T, IsLoadedForSuccessList), FIELD(T, CloudFilePath), FIELD(T, ThumbnailUrl), FIELD(T, CloudBatch),
+    FIELD(T, ExpandStr1), FIELD(T, ExpandStr2), FIELD(T, ExpandStr3), FIELD(T, ExpandInt1), FIELD(T, ExpandInt2),
+    FIELD(T, ExpandInt3), FIELD(T, Expand)}};
 // clang-format on
 
-class TransferStore : public StoreTest {
-protected:
+struct TransferStore : StoreTest {
     TransferStore()
     {
         m_store.InitDatabase();
@@ -83,11 +71,7 @@ protected:
 
 std::string idsOf(const std::vector<T>& tasks)
 {
-    std::string ids;
-    for (const T& task : tasks) {
-        ids += platform::toUtf8(task.UniqueId);
-    }
-    return ids;
+    return joined(mapped(tasks, [](const T& task) { return platform::toUtf8(task.UniqueId); }), "");
 }
 
 } // namespace
@@ -96,17 +80,15 @@ TEST_F(TransferStore, Schema)
 {
     // `defaults` names the one column with a default, or stands for all numbers.
     const auto check = [&](const auto& fields, const std::string& defaults) {
-        std::string expected;
+        Rows expected;
         for (const auto& field : fields.all) {
             const bool key = expected.empty();
             const bool zero = !key && !field.text && (defaults == "all" || defaults == field.column);
-            expected += (key ? "'" : "\n'") + field.column + (field.text ? "'|'TEXT'" : "'|'INTEGER'") +
-                (key        ? "|1|NULL|1"
-                     : zero ? "|0|'0'|0"
-                            : "|0|NULL|0");
+            expected.push_back({textCell(field.column), field.text ? "'TEXT'" : "'INTEGER'", key ? "1" : "0",
+                                zero ? "'0'" : "NULL", key ? "1" : "0"});
         }
-        EXPECT_EQ(m_file.text("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" + fields.table +
-                              "')"),
+        EXPECT_EQ(m_file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" +
+                               fields.table + "')"),
                   expected);
     };
     check(completed, "all");
@@ -187,8 +169,7 @@ TEST_F(TransferStore, UploadRowsKeepEveryMemberAndTheirId)
 {
     const std::vector<U> tasks{upload.filled(3), upload.filled(3), upload.filled(2)};
     m_store.InsertUploadTasks(tasks);
-    EXPECT_TRUE(
-        m_log.failuresWere({lines.step, EngineLines::bindMessage("UNIQUE constraint failed: UploadTaskTable.id")}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: UploadTaskTable.id")}));
     EXPECT_EQ(rows(upload), (Rows{upload.cells(tasks[0]), upload.cells(tasks[2])})) << "by id, each below zero";
     EXPECT_EQ(m_store.GetUploadTaskLastRowId(), 0);
     std::vector<U> read(1);

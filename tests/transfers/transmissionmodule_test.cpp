@@ -3,8 +3,10 @@
 #include "databaseservice/transdbconn.h"
 #include "databaseservice/transdbconnthread.h"
 #include "databaseservice/transmissiondbmodule.h"
+#include "support/enginelines.h"
 #include "support/filebytes.h"
 #include "support/heldmodule.h"
+#include "support/lists.h"
 #include "support/process.h"
 #include "support/storetest.h"
 
@@ -64,8 +66,7 @@ const ExpectedLine opened{"DatabaseOperationBase::OpenDatabase", "OpenDataBase:*
 const std::string leftOut = "a null record was left out";
 
 const std::string addTasks =
-    "INSERT INTO TransferTask(UniqueId, TaskStatus) VALUES ('a',1), ('b',3), ('c',4), ('d',2), "
-    "('e',2), ('f',2)";
+    "INSERT INTO TransferTask(UniqueId, TaskStatus) VALUES ('a',1), ('b',3), ('c',4), ('d',2), ('e',2), ('f',2)";
 
 /// A post, what its line tells before the outcome, and the handler's line.
 struct Post {
@@ -117,15 +118,12 @@ const Post posts[] = {
 
 std::vector<ExpectedLine> postLines(const char* outcome)
 {
-    std::vector<ExpectedLine> lines;
-    for (const Post& post : posts) {
-        lines.push_back(line(post.function, post.posted.ends_with('*') ? post.posted : post.posted + outcome));
-    }
-    return lines;
+    return mapped(posts, [&](const Post& post) {
+        return line(post.function, post.posted.ends_with('*') ? post.posted : post.posted + outcome);
+    });
 }
 
-class TransmissionModule : public StoreTest {
-protected:
+struct TransmissionModule : StoreTest {
     std::string names(const char* table)
     {
         return SqliteFile(m_path).value(std::string("SELECT group_concat(id || fileName) FROM ") + table);
@@ -229,16 +227,16 @@ TEST_F(TransmissionModule, InsertsAndReadsDoNotWaitForTheThread)
     module.InsertCompletedTask(finishedTasks), module.InsertCompletedTask(row<C>(9, "c"));
     module.InsertDownloadTask(runningTasks), module.InsertDownloadTask(row<D>(9, "c"));
     EXPECT_TRUE(finishedTasks.empty() && runningTasks.empty());
-    EXPECT_TRUE(m_log.linesWere({{"TransmissionDBModule::NotifyInsertCompleted", leftOut},
-                                 line("NotifyInsertCompleted", "insert Database op size[2] excute [base:3]"),
-                                 opened,
-                                 line("NotifyInsertCompleted", "insert Database op size[1] excute [base:1]"),
-                                 opened,
-                                 {"TransmissionDBModule::NotifyInsertDownload", leftOut},
-                                 line("NotifyInsertDownload", "insert Database op size[2] excute [base:3]"),
-                                 opened,
-                                 line("NotifyInsertDownload", "insert Database op size[1] excute [base:1]"),
-                                 opened}));
+    std::vector<ExpectedLine> expected;
+    for (const std::string handler : {"NotifyInsertCompleted", "NotifyInsertDownload"}) {
+        expected.insert(expected.end(),
+                        {{"TransmissionDBModule::" + handler, leftOut},
+                         line(handler, "insert Database op size[2] excute [base:3]"),
+                         opened,
+                         line(handler, "insert Database op size[1] excute [base:1]"),
+                         opened});
+    }
+    EXPECT_TRUE(m_log.linesWere(expected));
     EXPECT_TRUE(module.GetAllCompletedTasks(finished, 0, 5) && module.GetAllDownloadTasks(running, 0));
     EXPECT_EQ(finished.size() * running.size(), 9U);
     module.goOn();
@@ -273,10 +271,8 @@ TEST_F(TransmissionModule, AStoppedModuleTakesNothing)
         } else {
             module.StopWork();
         }
-        const std::string prepare = "sqlite3_prepare failed, and database name is transmission.dat";
-        EXPECT_TRUE(m_log.failuresWere({engine("PrepareSql", prepare),
-                                        engine("PrepareSql", prepare),
-                                        {"TransmissionDBModule::NotifyDeleteTask", leftOut}}));
+        const ExpectedLine prepare = EngineLines("transmission.dat").prepare;
+        EXPECT_TRUE(m_log.failuresWere({prepare, prepare, {"TransmissionDBModule::NotifyDeleteTask", leftOut}}));
         for (const Post& post : posts) {
             EXPECT_TRUE(post.call(module)) << post.function;
         }
