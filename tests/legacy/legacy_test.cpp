@@ -172,12 +172,16 @@ struct Legacy : StoreTest {
     const std::wstring m_name = wide(m_path);
 };
 
+struct LegacyTables : Legacy {
+    LegacyTables() { EXPECT_TRUE(InitDB(m_name)); }
+
+    SqliteFile file{m_path};
+};
+
 } // namespace
 
-TEST_F(Legacy, EachTableIsLaidDownAndReadWhole)
+TEST_F(LegacyTables, AreLaidDownAndReadWhole)
 {
-    EXPECT_TRUE(InitDB(m_name));
-    SqliteFile file(m_path);
     std::string order;
     for (const Table& table : tables) {
         SCOPED_TRACE(table.name);
@@ -200,10 +204,8 @@ TEST_F(Legacy, EachTableIsLaidDownAndReadWhole)
               "1");
 }
 
-TEST_F(Legacy, RowsAreAppendedAndChosenAsTheReaderSays)
+TEST_F(LegacyTables, RowsAreAppendedAndChosenAsTheReaderSays)
 {
-    EXPECT_TRUE(InitDB(m_name));
-    SqliteFile file(m_path);
     for (const std::string table : {"DownloadTask", "TransferCompleteCloudTask"}) {
         for (const char* type : {"1", "0", "-1", "4294967297", "'text'", "1.5"}) {
             file.exec("INSERT INTO " + table + " VALUES(NULL,'','','','','',0,0,0,0,'','',0," + type +
@@ -231,10 +233,8 @@ TEST_F(Legacy, RowsAreAppendedAndChosenAsTheReaderSays)
     EXPECT_EQ(records[0].ResidenceTime, 122.5);
 }
 
-TEST_F(Legacy, CellsOfTheWrongKindAndNullsAreEmpty)
+TEST_F(LegacyTables, CellsOfTheWrongKindAndNullsAreEmpty)
 {
-    EXPECT_TRUE(InitDB(m_name));
-    SqliteFile file(m_path);
     for (const Table& table : tables) {
         SCOPED_TRACE(table.name);
         file.exec(table.createPlain("")); // values stay as they are given
@@ -265,7 +265,7 @@ TEST_F(Legacy, CellsOfTheWrongKindAndNullsAreEmpty)
     }
 }
 
-TEST_F(Legacy, TimesAndRealNumbers)
+TEST_F(LegacyTables, TimesAndRealNumbers)
 {
     constexpr double infinite = std::numeric_limits<double>::infinity();
     const std::string none = "invalid: invalid stod argument";
@@ -289,8 +289,6 @@ TEST_F(Legacy, TimesAndRealNumbers)
     const auto same = [](double left, double right) {
         return left == right || (std::isnan(left) && std::isnan(right));
     };
-    EXPECT_TRUE(InitDB(m_name));
-    SqliteFile file(m_path);
     file.exec(userLog.createPlain("TEXT") + uploads.createPlain("TEXT"));
     file.exec("PRAGMA busy_timeout = 0"); // nothing stays locked
     const auto readLogs = [&](const std::vector<std::string>& values, std::vector<UserLog>& logs) {

@@ -29,11 +29,6 @@ R filled(const std::string& fileId, const std::string& parentId, int seed, int64
     return record;
 }
 
-std::vector<std::string> cellsOf(const R& record)
-{
-    return files.cells(record);
-}
-
 struct MainCloudFiles : MainStoreTest {
     void insert(std::vector<R> records) { Main::InsertCloudDriveDataBatch(records); }
     void removeOldest(int count) { Main::DeleteCloudDriveDataBatchOrderBy(count); }
@@ -54,13 +49,10 @@ TEST_F(MainCloudFiles, RecordsGoInAndComeOutWhole)
     const R first = filled(a, parent, 1, 1);
     const R second = filled("it's", parent, 2, 2);
     std::string quoted = "it's";
-    EXPECT_EQ(rows(), (Rows{cellsOf(first), cellsOf(second)}));
-    const std::vector<R> all = Main::GetAllCloudDriveDataBatch();
-    ASSERT_EQ(all.size(), 2U);
-    EXPECT_EQ(cellsOf(all[0]), cellsOf(second)) << "the newest first";
-    EXPECT_EQ(cellsOf(all[1]), cellsOf(first));
-    EXPECT_EQ(cellsOf(Main::GetCloudDriveDataBatch(quoted)), cellsOf(second));
-    EXPECT_EQ(cellsOf(Main::GetCloudDriveDataBatch(unknown)), cellsOf(T_CloudFileTable()));
+    EXPECT_EQ(rows(), files.cells({first, second}));
+    EXPECT_EQ(files.cells(Main::GetAllCloudDriveDataBatch()), files.cells({second, first})) << "the newest first";
+    EXPECT_EQ(files.cells(Main::GetCloudDriveDataBatch(quoted)), files.cells(second));
+    EXPECT_EQ(files.cells(Main::GetCloudDriveDataBatch(unknown)), files.cells(R()));
     EXPECT_EQ(Main::SelectSameColumnFromParentId(parent).size(), 2U);
     EXPECT_EQ(Main::SelectSameColumnFromParentId(unknown).size(), 0U);
     EXPECT_TRUE(Main::SelectOneCloudDriveData(quoted));
@@ -79,10 +71,10 @@ TEST_F(MainCloudFiles, UpdateRewritesTheRowsOfTheIds)
     std::vector records{filled("x", "y", 4, 1), filled("none", "y", 5, 9), filled("z", "y", 6, 3)};
     Main::UpdateCloudDriveVec(records);
     EXPECT_TRUE(openedTimes(1));
-    EXPECT_EQ(rows(), (Rows{cellsOf(records[0]), before[1], cellsOf(records[2])}));
+    EXPECT_EQ(rows(), (Rows{files.cells(records[0]), before[1], files.cells(records[2])}));
     T_CloudFileTable second = filled("small", "y", 7, 2);
     Main::UpdateCloudDriveDataSmallPicDown(second);
-    EXPECT_EQ(rows()[1], cellsOf(second));
+    EXPECT_EQ(rows()[1], files.cells(second));
 }
 
 TEST_F(MainCloudFiles, ReplaceTakesTheFirstRowOfTheFile)

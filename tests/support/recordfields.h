@@ -78,6 +78,11 @@ template <class Record> struct RecordFields {
         return mapped(all, [&](const auto& field) { return field.cell(record); });
     }
 
+    Rows cells(const std::vector<Record>& records) const
+    {
+        return mapped(records, [&](const Record& record) { return cells(record); });
+    }
+
     /// The table's rows by their first column.
     Rows rows(SqliteFile& file) const
     {

@@ -140,12 +140,9 @@ TEST_F(TransferStore, CompletedAndDownloadRowsKeepEveryMember)
     std::vector<C> someFinished(1);
     std::vector<D> someRunning(1);
     EXPECT_TRUE(m_store.GetAllCompletedTasks(someFinished, 2, 1) && m_store.GetAllDownloadTasks(someRunning, 0));
-    ASSERT_EQ(someFinished.size(), 3U) << "behind what the vector held";
-    EXPECT_EQ(completed.cells(someFinished[1]), finishedRows[1]);
-    EXPECT_EQ(completed.cells(someFinished[2]), finishedRows[2]);
-    EXPECT_EQ(someFinished[2].auxText, "");
-    ASSERT_EQ(someRunning.size(), 3U);
-    EXPECT_EQ(download.cells(someRunning[2]), runningRows[2]);
+    EXPECT_EQ(completed.cells(someFinished), completed.cells({C(), finished[1], finished[2]}));
+    EXPECT_EQ(someFinished.back().auxText, "");
+    EXPECT_EQ(download.cells(someRunning), download.cells({D(), *running[0], *running[2]}));
     EXPECT_EQ(m_store.GetDownloadTask(9), nullptr);
 
     C newFinished = completed.filled(7);
@@ -170,12 +167,11 @@ TEST_F(TransferStore, UploadRowsKeepEveryMemberAndTheirId)
     const std::vector<U> tasks{upload.filled(3), upload.filled(3), upload.filled(2)};
     m_store.InsertUploadTasks(tasks);
     EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: UploadTaskTable.id")}));
-    EXPECT_EQ(rows(upload), (Rows{upload.cells(tasks[0]), upload.cells(tasks[2])})) << "by id, each below zero";
+    EXPECT_EQ(rows(upload), upload.cells({tasks[0], tasks[2]})) << "by id, each below zero";
     EXPECT_EQ(m_store.GetUploadTaskLastRowId(), 0);
     std::vector<U> read(1);
     m_store.GetAllUploadTaskProperties(read);
-    ASSERT_EQ(read.size(), 3U);
-    EXPECT_EQ(upload.cells(read[1]), upload.cells(tasks[0]));
+    EXPECT_EQ(upload.cells(read), upload.cells({U(), tasks[0], tasks[2]})) << "behind what the vector held";
 
     m_store.DeleteUploadTask(tasks[2].id);
     EXPECT_EQ(rows(upload), (Rows{upload.cells(tasks[0])}));
@@ -189,7 +185,7 @@ TEST_F(TransferStore, UploadUpdatesTouchExactlyTheirColumns)
     before.isBatch = before.isMoveData = true;
     U after = before;
     m_store.InsertUploadTasks({before, upload.filled(2)});
-    const auto check = [&] { EXPECT_EQ(rows(upload), (Rows{upload.cells(upload.filled(2)), upload.cells(after)})); };
+    const auto check = [&] { EXPECT_EQ(rows(upload), upload.cells({upload.filled(2), after})); };
     m_store.UpdateUploadTaskStatus(before.id, after.taskStatus = 5, after.errorCode = -6);
     check();
     m_store.UpdateUploadTaskSliceInfo(before.id, after.sliceInfo = "\xE5\x90\x8D'; --");
@@ -221,12 +217,11 @@ TEST_F(TransferStore, OddCellsReadAsTheMembersKind)
                 "INSERT INTO TransferTask(UniqueId, TotalSize) VALUES ('id', 8)");
     std::vector<C> tasks;
     m_store.GetAllCompletedTasks(tasks, 7, 7);
-    ASSERT_EQ(tasks.size(), 3U);
-    using Cells = std::vector<std::string>;
-    EXPECT_EQ(completed.cells(tasks[0]), (Cells{"1", "''", "''", "0", "''", "7", "0", "1", "''", "1"}))
+    EXPECT_EQ(completed.cells(tasks),
+              (Rows{{"1", "''", "''", "0", "''", "7", "0", "1", "''", "1"},
+                    {"2", "''", "''", "0", "''", "7", "0", "0", "''", "0"},
+                    {"3", "'a'", "'5'", "12", "''", "7", "2", "1", "'6'", "0"}}))
         << "flags are tested before numbers are cut";
-    EXPECT_EQ(completed.cells(tasks[1]), (Cells{"2", "''", "''", "0", "''", "7", "0", "0", "''", "0"}));
-    EXPECT_EQ(completed.cells(tasks[2]), (Cells{"3", "'a'", "'5'", "12", "''", "7", "2", "1", "'6'", "0"}));
     T task = transfer.filled(1);
     std::wstring id = L"id";
     EXPECT_TRUE(m_store.GetTask(id, task));
@@ -249,7 +244,7 @@ TEST_F(TransferStore, TasksAreUpdatedWholeAndNeverAdded)
     m_store.UpdateTask(tasks);
     EXPECT_EQ(m_store.trace.take().size(), 5U);
     m_store.UpdateTaskStatus(withId(4, L"c"));
-    const Rows expected{transfer.cells(tasks.front()), transfer.cells(tasks.back()), transfer.cells(withId(4, L"c"))};
+    const Rows expected = transfer.cells({tasks.front(), tasks.back(), withId(4, L"c")});
     EXPECT_EQ(rows(transfer), expected);
 
     T read{};
