@@ -52,10 +52,7 @@ template <class Record> struct RecordField {
 };
 
 /// The column and the member have one name.
-#define FIELD(Record, member)                                                                                          \
-    {                                                                                                                  \
-#member, &Record::member                                                                                       \
-    }
+#define FIELD(Record, member) RecordField<Record>(#member, &Record::member)
 
 /// A table's columns in the order of a full read.
 template <class Record> struct RecordFields {
