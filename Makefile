@@ -71,6 +71,12 @@ reliability: build/release/build.ninja ## harm the stores in every way we know, 
 	printf '%s\n' crowds damage faults memory kills power fulldisk recovery threads | \
 	    xargs -P $(JOBS) -I PART build/release/bin/reliability PART --share $(SHARE)
 
+.PHONY: reliability-windows
+reliability-windows: build/mingw/build.ninja ## the same under Wine, with 1,000 faults of the disk and 200 kills, in a quarter of an hour
+	cmake --build --preset mingw --target reliability
+	printf '%s\n' 'faults --share 0.06' 'kills --share 0.12' | \
+	    xargs -P $(JOBS) -L 1 scripts/run-wine build/mingw/bin/reliability.exe
+
 .PHONY: build-clang
 build-clang: build/clang/build.ninja ## build the libraries and their tests with clang, too
 	cmake --build --preset clang

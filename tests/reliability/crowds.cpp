@@ -1,9 +1,7 @@
-// Many writers and readers at once, in one process and in several, on every store.
+// Many writers and readers at once, in one process and in several, on every store; at last while somebody has its lock.
 
-#include "clientservices/globalparamwrapper.h"
 #include "harness.h"
 #include "platform/paths.h"
-#include "platform/text.h"
 #include "support/process.h"
 #include "support/runonthreads.h"
 
@@ -22,11 +20,11 @@ namespace reliability {
 // read. Writes a line for each: its first number or -1, how often it came through, its longest wait in milliseconds.
 void member(Run& run)
 {
-    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(run.rest.at(0)));
+    enter(run.rest.at(0));
     const Store& store = *std::ranges::find(stores(), run.rest.at(2), &Store::name);
-    store.create();
     const int threads = std::stoi(run.rest.at(4));
-    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(std::stoi(run.rest.at(5)));
+    const Clock::time_point start = Clock::now();
+    const Clock::time_point end = start + std::chrono::milliseconds(std::stoi(run.rest.at(5)));
     std::mutex mutex;
     std::ofstream result(run.rest.at(1));
     runOnThreads(threads, [&](int thread) {
@@ -34,11 +32,12 @@ void member(Run& run)
         const int first = (std::stoi(run.rest.at(3)) * threads + thread) * 10'000'000;
         int count = 0;
         Clock::duration longest{};
-        for (Clock::time_point begin = Clock::now(); begin < end; ++count) {
+        for (Clock::time_point begin = start; begin < end; ++count) {
             writes ? store.add(first + count) : static_cast<void>(store.read());
             const Clock::time_point now = Clock::now();
             longest = std::max(longest, now - std::exchange(begin, now));
         }
+        store.create(); // a start, which the others do not mind
         const std::lock_guard lock(mutex);
         result << (writes ? first : -1) << ' ' << count << ' '
                << std::chrono::duration_cast<std::chrono::milliseconds>(longest).count() << '\n';
@@ -50,22 +49,31 @@ void member(Run& run)
 void crowds(Run& run)
 {
     constexpr int threads = 16;
+    const std::chrono::milliseconds time(run.part(30'000));
     Folders folders;
     const TestFolder beside;
     for (const Store& store : stores()) {
-        for (const int processes : {1, 4}) {
-            const std::string name = store.name + ", processes: " + std::to_string(processes);
+        for (const auto& [processes, held] : {std::pair(1, false), {4, false}, {4, true}}) {
+            const std::string name = store.name + ", processes: " + std::to_string(processes) + (held ? ", held" : "");
             run.trying(name);
             folders.fresh();
             store.create();
+            auto holder = std::make_unique<SqliteFile>(folders.path() / store.file);
+            holder->exec(held ? "BEGIN EXCLUSIVE" : "");
             std::vector<std::unique_ptr<RunningProgram>> members;
             const auto result = [&](int process) { return beside.path() / std::to_string(process); };
             for (int process = 0; process < processes; ++process) {
+                std::filesystem::remove(result(process));
                 members.push_back(std::make_unique<RunningProgram>(
                     std::vector<std::string>{RELIABILITY_PROGRAM, "member", platform::toUtf8(folders.path()),
                                              platform::toUtf8(result(process)), store.name, std::to_string(process),
-                                             std::to_string(threads / processes), std::to_string(run.part(30'000))}));
+                                             std::to_string(threads / processes), std::to_string(time.count())}));
+                while (held && !exists(result(process))) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+                }
             }
+            std::this_thread::sleep_for(held ? time : time.zero());
+            holder.reset();
             std::set<int> acknowledged;
             std::vector<int> counts[2];
             std::int64_t longest[2] = {};
@@ -78,6 +86,7 @@ void crowds(Run& run)
                     run.trying(name, count);
                     counts[first < 0].push_back(count);
                     longest[first < 0] = std::max(longest[first < 0], wait);
+                    run.expect(!held || wait >= time.count(), "did not wait for the lock");
                     // The control: a write is told that was none.
                     for (int number = first; first >= 0 && number < first + count + run.control; ++number) {
                         acknowledged.insert(number);

@@ -39,6 +39,13 @@ const std::map<std::string, Part*> parts{
 
 } // namespace
 
+void enter(const std::string& folder)
+{
+    const Folders elsewhere; // the gallery's name is kept for the process
+    std::ranges::find(stores(), "gallery", &Store::name)->create();
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(folder));
+}
+
 std::optional<State> soundState(Run& run, const fs::path& folder)
 {
     try {
@@ -73,14 +80,13 @@ const fs::path& Folders::fresh(const Files& files)
 
 const Files& Folders::filesOf(const std::string& store)
 {
-    const auto known = m_known.find(store);
-    if (known != m_known.end()) {
-        return known->second;
+    if (!m_known.contains(store)) {
+        const FaultyDisk disk; // does not flush
+        fresh();
+        setUp(store);
+        m_known[store] = filesIn(m_path);
     }
-    const FaultyDisk disk; // does not flush
-    fresh();
-    setUp(store);
-    return m_known[store] = filesIn(m_path);
+    return m_known[store];
 }
 
 std::set<int> numbersIn(const Folders& folders, const Store& store)

@@ -38,6 +38,9 @@ const std::vector<Store>& stores();
 /// Fills an empty folder, which the user's database folder is set to, with the store.
 void setUp(const std::string& store);
 
+/// Turns this process to a folder that others have set up.
+void enter(const std::string& folder);
+
 using testsupport::Run;
 using testsupport::State;
 /// None, and the run is told, unless all files are sound and nobody has a lock on them.

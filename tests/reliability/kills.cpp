@@ -1,10 +1,8 @@
 // A process that is killed: at the n-th change of a file, and from outside at any time. What it had been told is in a
 // file of its own, which it writes to before and after each call.
 
-#include "clientservices/globalparamwrapper.h"
 #include "harness.h"
 #include "platform/paths.h"
-#include "platform/text.h"
 #include "support/filebytes.h"
 #include "support/process.h"
 
@@ -23,11 +21,7 @@ void killed(Run& run)
     const std::vector<Operation> chain = chainOf(static_cast<std::uint32_t>(std::stoul(run.rest.at(2))));
     const std::int64_t change = std::stoll(run.rest.at(3));
     std::ofstream oracle(run.rest.at(1), std::ios::binary | std::ios::app);
-    {
-        const Folders elsewhere; // the gallery's name is kept for the process
-        std::ranges::find(stores(), "gallery", &Store::name)->create();
-    }
-    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(run.rest.at(0)));
+    enter(run.rest.at(0));
     const FaultyDisk disk(change > 0 ? FaultyDisk::Fault::Kill : FaultyDisk::Fault::None, change);
     for (const Operation& operation : chain) {
         oracle << (run.control ? "be" : "b") << std::flush; // the control: told too early
@@ -64,9 +58,7 @@ void kills(Run& run)
         Chain& chain = chains[seed];
         if (chain.changes == 0) {
             chain.reference = referenceOf(folders, chainOf(seed));
-            for (const auto call : {FaultyDisk::Call::Write, FaultyDisk::Call::Truncate, FaultyDisk::Call::Delete}) {
-                chain.changes += chain.reference.calls[call];
-            }
+            chain.changes = FaultyDisk::changes();
             const Clock::time_point begin = Clock::now();
             run.expect(RunningProgram(start(0)).wait() == 0, "does not end well when nobody kills it");
             chain.duration = Clock::now() - begin;

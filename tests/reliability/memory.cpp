@@ -4,15 +4,13 @@
 #include "harness.h"
 #include "support/limitedmemory.h"
 
-#include <limits>
-
 using namespace testsupport;
 
 namespace reliability {
 
 void memory(Run& run)
 {
-    constexpr int enough = std::numeric_limits<int>::max();
+    constexpr int enough = 1 << 30;
     Folders folders;
     int unlisted = 0;
     int stuck = 0;
@@ -21,12 +19,11 @@ void memory(Run& run)
             continue; // the shortage is this thread's
         }
         Reference reference = referenceOf(folders, {operation});
-        const int locks = reference.calls[FaultyDisk::Call::Lock];
         const auto performWith = [&](int allocations, Shortage shortage) {
             folders.fresh(folders.filesOf(operation.store));
             // A commit that fails for want of memory keeps its lock, and the next transaction of the same call would
             // wait for it without end; after so many tries it is told that it cannot have it.
-            int patience = locks + 20;
+            int patience = reference.calls[FaultyDisk::Call::Lock] + 20;
             const FaultyDisk disk([&](const FaultyDisk::Request& request) {
                 patience -= request.call == FaultyDisk::Call::Lock;
                 stuck += patience == 0;

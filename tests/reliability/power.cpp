@@ -59,7 +59,6 @@ void power(Run& run)
     for (int chain = 0; chain < run.part(100); ++chain) {
         const Recording recording(run, folders);
         const auto& states = recording.reference.states;
-        const auto& ends = recording.reference.ends;
         const double share = 100.0 / static_cast<double>(recording.requests.size());
         recording.replay(folders, run.control, [&](UnsureDisk& disk, const Request&, std::size_t at, std::size_t over) {
             if (static_cast<double>(run.random()) >= share * 0x1p32) {
@@ -71,7 +70,7 @@ void power(Run& run)
                 const bool isWhole = *found == states[over];
                 const bool isBefore = !isWhole && deletionUndone && over > 0 && *found == states[over - 1];
                 undone += isBefore;
-                undoneCalls += isBefore && std::ranges::find(ends, over) != ends.end();
+                undoneCalls += isBefore && std::ranges::count(recording.reference.ends, over) > 0;
                 run.expect(isWhole || isBefore, "what was committed is lost, or a part of a transaction there");
             }
         });

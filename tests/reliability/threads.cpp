@@ -9,7 +9,6 @@
 #include "support/runonthreads.h"
 
 using namespace testsupport;
-using DatabaseService::FastAccessTable;
 using DatabaseService::FastAccessDB::FastAccessDBModule;
 using DatabaseService::TransmissionDB::TransmissionDBModule;
 
@@ -23,7 +22,7 @@ bool post(TransmissionDBModule& module)
 }
 bool post(FastAccessDBModule& module)
 {
-    static FastAccessTable row;
+    static DatabaseService::FastAccessTable row;
     return module.InsertFastAccessData(&row, {});
 }
 
