@@ -137,7 +137,8 @@ public:
 
     std::span<Entry> with(std::uint64_t number)
     {
-        return std::ranges::equal_range(m_entries, number, {}, &Entry::number);
+        const auto first = std::ranges::lower_bound(m_entries, number, {}, &Entry::number);
+        return {first, std::ranges::upper_bound(m_entries, number, {}, &Entry::number)};
     }
 
     std::vector<Entry>& entries() { return m_entries; }

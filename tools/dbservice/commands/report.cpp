@@ -42,7 +42,7 @@ std::vector<Report::Table> tablesOf(Database& database, const StoreLook& look)
     const bool countsPages = database.number("SELECT COUNT(*) FROM pragma_module_list WHERE name = 'dbstat'") > 0;
     std::vector<Report::Table> tables;
     for (const auto& [name, rows] : look.rows) {
-        Report::Table& table = tables.emplace_back(name, rows);
+        Report::Table& table = tables.emplace_back(Report::Table{name, rows, {}});
         if (countsPages) {
             table.bytes = database.number("SELECT SUM(pgsize) FROM dbstat WHERE aggregate = 1 AND name IN "
                                           "(SELECT name FROM sqlite_master WHERE tbl_name = ?)",
@@ -96,7 +96,7 @@ void add(Report& report, Session& session, const fs::path& file)
 {
     const StoreLook look = lookAtStore(session, file);
     const std::string name = platform::toUtf8(file.filename());
-    const Findings& findings = report.checked.emplace_back(name, checkStore(session, file)).findings;
+    const Findings& findings = report.checked.emplace_back(Report::Checked{name, checkStore(session, file)}).findings;
     const bool isSound = std::ranges::none_of(
         findings, [](const Finding& finding) { return finding.severity == Finding::Severity::Error; });
     const std::string kind = look.kind == nullptr ? "" : look.kind->word;

@@ -341,6 +341,8 @@ StoreWatch::StoreWatch() : m_impl(platform::neverDestroyed(new Impl))
 void StoreWatch::begin(std::chrono::milliseconds limit, std::function<void(const fs::path&)> onWait)
 {
     const std::lock_guard guard(m_impl.mutex);
+    m_impl.fault.reset();
+    m_impl.givenUp.clear();
     m_impl.limit = limit;
     m_impl.onWait = std::move(onWait);
 }

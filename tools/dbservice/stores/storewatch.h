@@ -30,8 +30,8 @@ public:
     /// set up.
     static StoreWatch& instance();
 
-    /// From here on a refused lock is waited for as long as `limit`. `onWait` is called once for each wait that a
-    /// person would notice, on the thread that waits.
+    /// A run begins, without a fault. From here on a refused lock is waited for as long as `limit`. `onWait` is called
+    /// once for each wait that a person would notice, on the thread that waits.
     void begin(std::chrono::milliseconds limit, std::function<void(const std::filesystem::path&)> onWait);
     /// `onWait` is not called any more.
     void end();

@@ -107,7 +107,10 @@ std::int64_t Json::number() const
     return std::get<std::int64_t>(m_value);
 }
 
-bool Json::operator==(const Json& other) const = default;
+bool Json::operator==(const Json& other) const
+{
+    return m_value == other.m_value; // clang 14 crashes at `default`
+}
 
 std::string toLine(const Json& value)
 {
