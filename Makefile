@@ -10,6 +10,8 @@ export SCAN
 ROWS ?= 10000
 # How much of the whole `make reliability` does.
 SHARE ?= 1
+# How many seconds `make fuzz` takes for each target.
+FUZZ_SECONDS ?= 150
 # How many tests and checks run at a time.
 JOBS ?= $(shell nproc)
 
@@ -77,6 +79,13 @@ reliability-windows: build/mingw/build.ninja ## the same under Wine, with 1,000 
 	printf '%s\n' 'faults --share 0.06' 'kills --share 0.12' | \
 	    xargs -P $(JOBS) -L 1 scripts/run-wine build/mingw/bin/reliability.exe
 
+.PHONY: fuzz
+fuzz: build/fuzz/build.ninja ## try texts, files, arguments and statements that a fuzzer makes up, ten minutes (FUZZ_SECONDS=150)
+	cmake --build --preset fuzz
+	tests/fuzz/make-samples build/fuzz
+	printf '%s\n' arguments legacy map names query store text | \
+	    xargs -P $(JOBS) -I TARGET tests/fuzz/run build/fuzz TARGET $(FUZZ_SECONDS)
+
 .PHONY: build-clang
 build-clang: build/clang/build.ninja ## build the libraries and their tests with clang, too
 	cmake --build --preset clang
@@ -143,7 +152,7 @@ benchmark = build/release/bin/databaseservice_benchmark
 benchmark: build/release/build.ninja
 	cmake --build --preset release --target databaseservice_benchmark
 
-build/clang/build.ninja build/docs/build.ninja: | checks-packages
+build/clang/build.ninja build/docs/build.ninja build/fuzz/build.ninja: | checks-packages
 build/mingw/build.ninja: | windows-packages
 build/%/build.ninja: CMakePresets.json | build-packages
 	cmake --preset $*
