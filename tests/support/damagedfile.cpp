@@ -86,7 +86,9 @@ std::string drawn(const Rows& rows, std::mt19937& random)
     return cell.substr(1, cell.size() - 2);
 }
 
-void scheme(const std::filesystem::path& file, const char* sql, std::mt19937& random)
+} // namespace
+
+void damageWithSql(const std::filesystem::path& file, const std::string& sql, std::mt19937& random)
 {
     try {
         SqliteFile store(file, SqliteFile::Collation::NameCompare);
@@ -98,8 +100,6 @@ void scheme(const std::filesystem::path& file, const char* sql, std::mt19937& ra
     } catch (const std::runtime_error&) { // refused: as far as it came
     }
 }
-
-} // namespace
 
 std::size_t waysToDamage()
 {
@@ -113,7 +113,7 @@ void damageFile(const std::filesystem::path& file, std::size_t way, std::mt19937
         hands[way / 2](bytes, random);
         writeBytes(file, bytes);
     } else {
-        scheme(file, schemes[way - std::size(hands) * 2], random);
+        damageWithSql(file, schemes[way - std::size(hands) * 2], random);
     }
 }
 

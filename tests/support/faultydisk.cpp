@@ -67,30 +67,45 @@ const sqlite3_io_methods& originalOf(const sqlite3_file* file)
     std::abort();
 }
 
+/// The file without our functions, since what is below us may look for its own in their place.
+class Below {
+public:
+    explicit Below(sqlite3_file* file) : m_file(file), m_ours(file->pMethods) { file->pMethods = &originalOf(file); }
+    Below(const Below&) = delete;
+    Below& operator=(const Below&) = delete;
+    ~Below() { m_file->pMethods = m_ours; }
+
+    const sqlite3_io_methods* functions() const { return m_file->pMethods; }
+
+private:
+    sqlite3_file* m_file;
+    const sqlite3_io_methods* m_ours;
+};
+
 /// A function of a file that asks with nothing but the kind of the call.
 template <Call call, auto member, class... Arguments> int asking(sqlite3_file* file, Arguments... arguments)
 {
     const int code = ask({.call = call, .file = openFileOf(file).name});
-    return code == SQLITE_OK ? (originalOf(file).*member)(file, arguments...) : code;
+    return code == SQLITE_OK ? (Below(file).functions()->*member)(file, arguments...) : code;
 }
 
 int readFile(sqlite3_file* file, void* bytes, int count, sqlite3_int64 offset)
 {
     const int code = ask({.call = Call::Read, .file = openFileOf(file).name, .place = offset});
-    return code == SQLITE_OK ? originalOf(file).xRead(file, bytes, count, offset) : code;
+    return code == SQLITE_OK ? Below(file).functions()->xRead(file, bytes, count, offset) : code;
 }
 
 int writeFile(sqlite3_file* file, const void* bytes, int count, sqlite3_int64 offset)
 {
     const std::string_view text(static_cast<const char*>(bytes), static_cast<std::size_t>(count));
     const int code = ask({.call = Call::Write, .file = openFileOf(file).name, .place = offset, .bytes = text});
-    return code == SQLITE_OK ? originalOf(file).xWrite(file, bytes, count, offset) : told(code);
+    return code == SQLITE_OK ? Below(file).functions()->xWrite(file, bytes, count, offset) : told(code);
 }
 
 int truncateFile(sqlite3_file* file, sqlite3_int64 size)
 {
     const int code = ask({.call = Call::Truncate, .file = openFileOf(file).name, .place = size});
-    return code == SQLITE_OK ? originalOf(file).xTruncate(file, size) : told(code);
+    return code == SQLITE_OK ? Below(file).functions()->xTruncate(file, size) : told(code);
 }
 
 int flushFile(sqlite3_file* file, int /*flags*/)
@@ -114,6 +129,7 @@ int closeFile(sqlite3_file* file)
         const std::lock_guard lock(openFilesMutex);
         openFiles.erase(file);
     }
+    file->pMethods = &original;
     return original.xClose(file);
 }
 

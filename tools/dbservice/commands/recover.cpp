@@ -1,7 +1,7 @@
 #include "command.h"
 #include "commands/commands.h"
 #include "platform/paths.h"
-#include "platform/scopeexit.h"
+#include "stores/newfile.h"
 #include "stores/salvage.h"
 #include "stores/session.h"
 #include "stores/storefile.h"
@@ -22,57 +22,6 @@ namespace {
 struct RecoverOptions {
     std::string file;
     std::string out;
-};
-
-/// A file that gets its name when it is whole, and is gone otherwise.
-class NewFile {
-public:
-    explicit NewFile(const fs::path& name) : m_name(name), m_partial(fs::path(name) += ".partial")
-    {
-        for (const fs::path& file : {m_name, m_partial}) {
-            requireFree(file);
-        }
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-    ~NewFile()
-    {
-        std::error_code ignored;
-        fs::remove(m_partial, ignored);
-        fs::remove(fs::path(m_partial) += "-journal", ignored);
-    }
-
-    const fs::path& partial() const { return m_partial; }
-
-    void giveName() const
-    {
-        std::error_code error;
-        fs::create_hard_link(m_partial, m_name, error); // fails where the name has been taken meanwhile
-        if (error) {                                    // or where the disk knows no such thing
-            requireFree(m_name);
-            fs::rename(m_partial, m_name, error);
-        }
-        if (error) {
-            throw Failure("cannot make " + platform::toUtf8(m_name) + ": " + error.message());
-        }
-    }
-
-private:
-    static void requireFree(const fs::path& file)
-    {
-        std::error_code error;
-        const fs::file_status status = fs::symlink_status(file, error);
-        if (!fs::status_known(status)) {
-            throw Failure("cannot make " + platform::toUtf8(file) + ": " + error.message());
-        }
-        if (fs::exists(status)) {
-            throw Failure("cannot make " + platform::toUtf8(file) +
-                          ": something of that name is there already, and nothing is overwritten");
-        }
-    }
-
-    fs::path m_name;
-    fs::path m_partial;
 };
 
 struct Recovered {

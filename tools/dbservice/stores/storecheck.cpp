@@ -2,6 +2,7 @@
 
 #include "databaseservice/version.h"
 #include "platform/paths.h"
+#include "stores/newfile.h"
 #include "stores/rowcheck.h"
 #include "stores/session.h"
 #include "stores/storelook.h"
@@ -236,7 +237,9 @@ fs::path makeIndexesAnew(const fs::path& file)
         Database database(file, Database::Access::Write);
         database.run("BEGIN IMMEDIATE"); // what fails from here on is undone when the connection closes
         copy = freeName(file);
-        copyDatabase(file, copy); // on a connection of its own, as a writer cannot be copied from
+        const NewFile made(copy);
+        copyDatabase(file, made.partial()); // on a connection of its own, as a writer cannot be copied from
+        made.giveName();
         remakeIndexes(database);
         database.run("COMMIT");
     });

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <list>
 #include <map>
@@ -93,7 +94,14 @@ bool isOfSystemLayer(std::string_view message)
 struct ThreadNotes {
     std::string file; ///< that it locked or opened last: what SQLite says next on it is about that
     StoreWatch::Fault complaint;
+    std::int64_t steps = 0; ///< of the statement that it began last
 };
+
+/// How far a statement may go: further than any of the tool's or the library's, for which a few hundred steps of
+/// SQLite's machine for each row are many. What goes on is a trigger that has no end, or as good as none.
+constexpr std::int64_t stepsOfAny = 100'000'000;
+constexpr std::int64_t stepsOfByte = 1'000; ///< of the file, in addition
+constexpr int stepsBetweenLooks = 100'000;
 
 /// Those of the thread that asks. They outlive it: MinGW may free what is a thread's own before it is destroyed.
 ThreadNotes& notes()
@@ -127,6 +135,7 @@ struct StoreWatch::Impl {
     std::unordered_map<sqlite3_file*, OpenFile> files;
     std::map<std::pair<std::string, int>, Clock::time_point> granted; ///< when this process last got a file's lock
     std::set<std::string> givenUp;
+    std::atomic<bool> endless = false; ///< a statement was
     sqlite3_vfs* system = nullptr;
     sqlite3_vfs watched{};
 
@@ -184,6 +193,27 @@ struct StoreWatch::Impl {
             tell(path);
         }
         return code;
+    }
+
+    /// Whether a statement that has come so far is to be ended, as is then each one that follows and goes far.
+    bool isEndless(sqlite3* db)
+    {
+        const std::int64_t steps = notes().steps += stepsBetweenLooks;
+        if (endless || steps < stepsOfAny) {
+            return endless;
+        }
+        const char* const name = sqlite3_db_filename(db, "main");
+        const fs::path file = toPath(name == nullptr ? "" : name);
+        std::error_code unknown;
+        const std::uintmax_t size = fs::file_size(file, unknown);
+        if (!unknown && (steps - stepsOfAny) / stepsOfByte < static_cast<std::int64_t>(size)) {
+            return false;
+        }
+        report({file,
+                "a statement on it has no end, as a trigger of the file may do; "
+                "`SELECT sql FROM sqlite_master` tells them",
+                false});
+        return endless = true;
     }
 
     bool hasGivenUp(sqlite3_file* file)
@@ -305,10 +335,23 @@ void hear(void* /*unused*/, int code, const char* message)
     }
 }
 
+/// Called for triggers, too, with a comment.
+int beginStatement(unsigned /*event*/, void* /*unused*/, void* /*statement*/, void* text)
+{
+    if (!std::string_view(static_cast<const char*>(text)).starts_with("--")) {
+        notes().steps = 0;
+    }
+    return 0;
+}
+
 int restrictConnection(sqlite3* db, char** /*message*/, const sqlite3_api_routines* /*api*/)
 {
     sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_trace_v2(db, SQLITE_TRACE_STMT, beginStatement, nullptr);
+    sqlite3_progress_handler(
+        db, stepsBetweenLooks,
+        [](void* connection) { return watch->isEndless(static_cast<sqlite3*>(connection)) ? 1 : 0; }, db);
     return SQLITE_OK;
 }
 

@@ -14,7 +14,8 @@ namespace dbservice {
 /// It stands between SQLite and the system's files. A lock that is refused for longer than the limit fails at once from
 /// then on, so that the library gives up. So does the reading of a page that holds only zeros: the end of a long
 /// value would pass for text. Views are refused, since what a store keeps lies in tables, and so is a name between
-/// double quotes that is no column, which SQLite would take for text.
+/// double quotes that is no column, which SQLite would take for text. A statement that goes on far beyond what the
+/// size of its file explains is ended, since a file may bring a trigger without an end.
 ///
 /// Threads: any, but for `begin` and `end`.
 class StoreWatch {

@@ -2,6 +2,7 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -82,6 +83,29 @@ std::string printable(std::string_view text)
             result += "\xEF\xBF\xBD";
         } else {
             result += before.substr(0, before.size() - text.size());
+        }
+    }
+    return result;
+}
+
+std::string withoutTreachery(std::string json)
+{
+    const auto isPlain = [](char letter) { return static_cast<unsigned char>(letter) < 0x7F; };
+    if (std::all_of(json.begin(), json.end(), isPlain)) {
+        return json;
+    }
+    std::string result;
+    for (std::string_view rest = json; !rest.empty();) {
+        const std::string_view before = rest;
+        const utf8proc_int32_t character = takeCharacter(rest);
+        if (isTreacherous(character) && character >= 0x7F) {
+            constexpr std::string_view digits = "0123456789abcdef";
+            result += "\\u";
+            for (const unsigned shift : {12U, 8U, 4U, 0U}) {
+                result += digits[static_cast<unsigned>(character) >> shift & 0xFU];
+            }
+        } else {
+            result += before.substr(0, before.size() - rest.size());
         }
     }
     return result;

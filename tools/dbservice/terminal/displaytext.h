@@ -10,6 +10,9 @@ namespace dbservice {
 /// With everything escaped that would move the cursor or turn the text around: "\n", "\x1b", "\u{202e}".
 std::string printable(std::string_view text);
 
+/// JSON with the same escaped as JSON does, which leaves it as it is from U+007F on. It means what it meant.
+std::string withoutTreachery(std::string json);
+
 /// Text for a list, which tells every two texts apart: where `printable` escapes anything the text stands between
 /// marks, as shells write it, and its own quotes and backslashes are escaped, too.
 std::string inCell(std::string_view text);

@@ -1,5 +1,7 @@
 #include "terminal/json.h"
 
+#include "terminal/displaytext.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -33,7 +35,8 @@ struct JsonWriter {
 
     static std::string line(const Json& value)
     {
-        return std::visit(JsonWriter(), value.m_value).dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+        const ordered_json json = std::visit(JsonWriter(), value.m_value);
+        return withoutTreachery(json.dump(-1, ' ', false, ordered_json::error_handler_t::replace));
     }
 };
 

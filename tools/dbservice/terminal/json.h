@@ -64,7 +64,7 @@ struct Json::Member {
     bool operator==(const Member& other) const = default;
 };
 
-/// One line, with anything repaired that is not UTF-8.
+/// One line, with anything repaired that is not UTF-8, and nothing in it that would steer a terminal.
 std::string toLine(const Json& value);
 
 } // namespace dbservice

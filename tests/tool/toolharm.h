@@ -1,0 +1,53 @@
+#pragma once
+
+#include "support/testfolder.h"
+#include "support/tooltest.h"
+#include "support/trialrun.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace toolharm {
+
+using Words = std::vector<std::string>;
+using Files = std::map<std::string, std::string>;
+
+/// The folder that each trial begins anew in, always of the same name. In command lines it is called @.
+class Bench {
+public:
+    Bench();
+
+    std::filesystem::path at(const std::string& name) const { return m_path / testsupport::utf8Path(name); }
+    /// The words of a line, and behind them those that may hold anything.
+    Words words(const std::string& line, const Words& further = {}) const;
+
+    /// Every file, by its path with slashes.
+    Files files() const;
+    void lay(const Files& files) const;
+
+    /// The command line of a process that is the tool.
+    static Words program(Words words, std::int64_t change);
+    /// Runs the tool; it is killed at that change of a file. With 0 it is not, and prints how many changes it made
+    /// instead of its results. With less it is as people have it.
+    testsupport::Ran run(const Words& words, std::int64_t change = -1) const;
+    testsupport::Ran run(const std::string& line) const { return run(words(line)); }
+    /// For what is laid: throws unless the tool does it.
+    void make(const std::string& line) const;
+
+private:
+    testsupport::TestFolder m_all;
+    std::filesystem::path m_path = m_all.path() / "at";
+    testsupport::EnvironmentVariable m_cache;
+    testsupport::EnvironmentVariable m_temporary;
+};
+
+/// Every command that does something, as it is typed.
+std::vector<std::string> commandsOfTool();
+
+using Part = void(testsupport::Run&);
+Part kills, damage, names;
+
+} // namespace toolharm
