@@ -69,9 +69,10 @@ test-report: build/release/build.ninja ## look at a report page in a browser, an
 
 .PHONY: reliability
 reliability: build/release/build.ninja ## harm the stores in every way we know, in 20 to 30 minutes (SHARE=1)
-	cmake --build --preset release --target reliability
-	printf '%s\n' crowds damage faults memory kills power fulldisk recovery threads | \
-	    xargs -P $(JOBS) -I PART build/release/bin/reliability PART --share $(SHARE)
+	cmake --build --preset release --target reliability toolharm
+	(printf 'reliability %s\n' crowds damage faults memory kills power fulldisk recovery threads && \
+	    printf 'toolharm %s\n' damage kills names) | \
+	    xargs -P $(JOBS) -I PART sh -c 'build/release/bin/PART --share $(SHARE)'
 
 .PHONY: reliability-windows
 reliability-windows: build/mingw/build.ninja ## the same under Wine, with 1,000 faults of the disk and 200 kills, in a quarter of an hour

@@ -3,6 +3,7 @@
 #include "toolharm.h"
 
 #include "legacysample/legacysample.h"
+#include "platform/paths.h"
 #include "support/damagedfile.h"
 #include "support/sqlitefile.h"
 
@@ -110,7 +111,7 @@ const std::string hostile[]{
     "UPDATE DriveDataTable SET parentId = (SELECT fileId FROM DriveDataTable WHERE name = '1') WHERE name = 'a'",
     "INSERT INTO DriveDataTable(fileId, name, parentId, mimeType, recycled, needToDisplay) WITH RECURSIVE n(i) AS "
     "(SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) SELECT i, i, i - 1, 'x', 0, 1 FROM n",
-    "BEGIN; " + repeated(2000, "CREATE TABLE more", "(x UNIQUE); ") + "COMMIT",
+    "BEGIN; " + repeated(1000, "CREATE TABLE more", "(x); ") + "COMMIT",
     "DROP TABLE T; CREATE TABLE T(C" + repeated(1990, ", more", " TEXT DEFAULT 'x'") +
         "); INSERT INTO T(C) VALUES('k')",
     "ALTER TABLE T ADD COLUMN made GENERATED ALWAYS AS (hex(zeroblob(400000000))) VIRTUAL",
@@ -176,6 +177,18 @@ bool mayChange(const std::string& name, const std::string& writes)
 
 } // namespace
 
+std::vector<std::string> linesThatShow()
+{
+    std::vector<std::string> lines;
+    for (const Use& use : uses) {
+        if (use.writes.empty() && use.line.find("#") == std::string::npos) {
+            lines.push_back(use.line);
+        }
+    }
+    lines.emplace_back("report --force @/report.html");
+    return lines;
+}
+
 void damage(Run& run)
 {
     run.trying("a command that no line tries", 0);
@@ -202,7 +215,8 @@ void damage(Run& run)
             damageWithSql(bench.at(file), hostile[way - waysToDamage()], run.random);
         }
         const Files before = bench.files();
-        const Ran ran = bench.run(bench.words("--folder @/store --wait 0.3 " + replaced(use.line, "@/" + file)));
+        const Ran ran =
+            bench.run(bench.words("--folder @/store --wait 0.3 " + use.line, platform::toUtf8(bench.at(file))));
         if (run.control) { // more than the command's file is written to
             writeFile(bench.at("source/b1"), "harmed");
         }

@@ -72,16 +72,17 @@ Bench::Bench()
 {
 }
 
-Words Bench::words(const std::string& line, const Words& further) const
+Words Bench::words(const std::string& line, const std::string& hash) const
 {
     Words words;
     std::istringstream stream(line);
     for (std::string word; stream >> word; words.push_back(word)) {
-        if (word.starts_with('@')) {
+        if (const std::size_t at = word.find('#'); at != std::string::npos) {
+            word.replace(at, 1, hash);
+        } else if (word.starts_with('@')) {
             word.replace(0, 1, platform::toUtf8(m_path));
         }
     }
-    words.insert(words.end(), further.begin(), further.end());
     return words;
 }
 

@@ -21,8 +21,8 @@ public:
     Bench();
 
     std::filesystem::path at(const std::string& name) const { return m_path / testsupport::utf8Path(name); }
-    /// The words of a line, and behind them those that may hold anything.
-    Words words(const std::string& line, const Words& further = {}) const;
+    /// The words of a line, in which # stands for what may hold anything.
+    Words words(const std::string& line, const std::string& hash = "#") const;
 
     /// Every file, by its path with slashes.
     Files files() const;
@@ -46,6 +46,9 @@ private:
 
 /// Every command that does something, as it is typed.
 std::vector<std::string> commandsOfTool();
+
+/// Lines on a bench's `store` for everything that shows something.
+std::vector<std::string> linesThatShow();
 
 using Part = void(testsupport::Run&);
 Part kills, damage, names;

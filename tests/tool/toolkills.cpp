@@ -7,6 +7,7 @@
 #include "support/sqlitefile.h"
 #include "support/storestate.h"
 
+#include <algorithm>
 #include <cctype>
 #include <thread>
 
@@ -82,7 +83,9 @@ std::string rowsIn(const Bench& bench)
     constexpr std::size_t shortestTime = 10;
     std::string rows;
     std::size_t digits = 0;
-    for (const auto& [key, cells] : stateOf(bench.at("made"))) {
+    State state = stateOf(bench.at("made"));
+    state.erase("main.dat 'UserProperties''LegacyMigration'"); // counts what that run has written
+    for (const auto& [key, cells] : state) {
         for (const char letter : key + '=' + cells + '\n') {
             digits = std::isdigit(static_cast<unsigned char>(letter)) != 0 ? digits + 1 : 0;
             rows += letter;
@@ -131,7 +134,7 @@ void killOne(Run& run, const Job& job)
     const std::string rows = rowsIn(bench);
     const std::int64_t changes = std::stoll(whole.out);
     int inTheMiddle = 0;
-    for (int kill = 0; kill < run.part(120); ++kill) {
+    for (int kill = 0; kill < run.part(60); ++kill) {
         const std::int64_t atChange = kill % 3 == 2 ? 0 : 1 + static_cast<std::int64_t>(run.random()) % changes;
         run.trying(job.name + " killed at change " + std::to_string(atChange));
         bench.lay(start);
@@ -156,7 +159,11 @@ void killOne(Run& run, const Job& job)
                 const Ran again = bench.run(words);
                 run.expect(again.code == whole.code, "run again it ends otherwise: " + again.err);
             }
-            run.expect(rowsIn(bench) == rows, "run again it does not come to the same rows");
+            const std::string found = rowsIn(bench);
+            const auto differs = std::ranges::mismatch(found, rows).in1 - found.begin();
+            run.expect(found == rows,
+                       "run again it comes to other rows: " +
+                           found.substr(static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, differs - 99)), 200));
             run.expect(given(bench) == before, "what it reads has changed when it is run again");
         } catch (const std::exception& error) {
             run.expect(false, error.what());
