@@ -2,7 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <string>
 
 namespace testsupport {
@@ -14,7 +14,7 @@ inline std::string bytesOf(const std::filesystem::path& file)
         return {};
     }
     std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    return (std::ostringstream() << stream.rdbuf()).str(); // faster by far where nothing is optimised
 }
 
 /// Takes the place of what is there.
