@@ -42,12 +42,6 @@ bool limitOpenFiles(std::int64_t count = -1);
 /// How many files it has open; -1 where the system does not tell.
 int openFiles();
 
-<<<<<<< HEAD
-/// Of this process, and inherited by programs that it runs. An empty value stands for none.
-void setEnvironmentVariable(const std::string& name, const std::string& value);
-
-/// A variable of the environment for as long as the object lives.
-=======
 /// A disk in memory over a folder, from the first limit on until the object goes. Only the thread that makes it sees
 /// it.
 class SmallDisk {
@@ -66,9 +60,10 @@ private:
     bool m_mounted = false;
 };
 
-/// A variable of this process's environment, which programs that it runs inherit, for as long as the object lives; an
-/// empty value stands for none.
->>>>>>> 6e5d818 (Fill real disks, hold a store's lock, and offer a thousand faults and 200 kills under Wine)
+/// Of this process, and inherited by programs that it runs. An empty value stands for none.
+void setEnvironmentVariable(const std::string& name, const std::string& value);
+
+/// A variable of the environment for as long as the object lives.
 class EnvironmentVariable {
 public:
     EnvironmentVariable(const std::string& name, const std::string& value) : m_name(name)

@@ -102,9 +102,6 @@ int openFiles()
     return unknown ? -1 : static_cast<int>(std::distance(begin(files), end(files))) - 1; // less the look itself
 }
 
-<<<<<<< HEAD
-void setEnvironmentVariable(const std::string& name, const std::string& value)
-=======
 SmallDisk::SmallDisk(std::filesystem::path folder) : m_folder(std::move(folder)) { }
 
 SmallDisk::~SmallDisk()
@@ -125,10 +122,7 @@ bool SmallDisk::limit(const std::string& what, std::int64_t most)
     return done;
 }
 
-EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
-    : m_name(name),
-      m_before(platform::environmentVariable(name))
->>>>>>> 6e5d818 (Fill real disks, hold a store's lock, and offer a thousand faults and 200 kills under Wine)
+void setEnvironmentVariable(const std::string& name, const std::string& value)
 {
     if (value.empty()) {
         ::unsetenv(name.c_str());

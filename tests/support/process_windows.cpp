@@ -127,9 +127,6 @@ int openFiles()
     return -1;
 }
 
-<<<<<<< HEAD
-void setEnvironmentVariable(const std::string& name, const std::string& value)
-=======
 SmallDisk::SmallDisk(std::filesystem::path folder) : m_folder(std::move(folder)) { }
 
 SmallDisk::~SmallDisk() = default;
@@ -139,10 +136,7 @@ bool SmallDisk::limit(const std::string& /*what*/, std::int64_t /*most*/)
     return false;
 }
 
-EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
-    : m_name(name),
-      m_before(platform::environmentVariable(name))
->>>>>>> 6e5d818 (Fill real disks, hold a store's lock, and offer a thousand faults and 200 kills under Wine)
+void setEnvironmentVariable(const std::string& name, const std::string& value)
 {
     const std::wstring wide = platform::toWide(value);
     SetEnvironmentVariableW(platform::toWide(name).c_str(), wide.empty() ? nullptr : wide.c_str());

@@ -386,6 +386,7 @@ void StoreWatch::begin(std::chrono::milliseconds limit, std::function<void(const
     const std::lock_guard guard(m_impl.mutex);
     m_impl.fault.reset();
     m_impl.givenUp.clear();
+    m_impl.endless = false;
     m_impl.limit = limit;
     m_impl.onWait = std::move(onWait);
 }
