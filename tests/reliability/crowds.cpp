@@ -2,11 +2,14 @@
 
 #include "harness.h"
 #include "platform/paths.h"
+#include "support/logcapture.h"
 #include "support/process.h"
 #include "support/runonthreads.h"
 
 #include <algorithm>
 #include <fstream>
+#include <iostream>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -20,6 +23,7 @@ namespace reliability {
 // read. Writes a line for each: its first number or -1, how often it came through, its longest wait in milliseconds.
 void member(Run& run)
 {
+    LogCapture log;
     enter(run.rest.at(0));
     const Store& store = *std::ranges::find(stores(), run.rest.at(2), &Store::name);
     const int threads = std::stoi(run.rest.at(4));
@@ -43,6 +47,9 @@ void member(Run& run)
                << std::chrono::duration_cast<std::chrono::milliseconds>(longest).count() << '\n';
     });
     result.close();
+    if (failureLines() > 0) {
+        std::ranges::copy(log.take(), std::ostream_iterator<std::string>(std::cerr, "\n"));
+    }
     std::_Exit(failureLines() == 0 ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 

@@ -1,6 +1,5 @@
 // Files that are damaged or made up to do harm, under every operation.
 
-#include "databaseservice/keptconnections.h"
 #include "harness.h"
 #include "support/damagedfile.h"
 #include "support/filebytes.h"

@@ -3,7 +3,6 @@
 #include "clientservices/cloudlogger.h"
 #include "clientservices/globalparamwrapper.h"
 #include "clientservices/logsinks.h"
-#include "databaseservice/keptconnections.h"
 #include "platform/paths.h"
 #include "platform/programentry.h"
 #include "platform/text.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "databaseservice/keptconnections.h"
 #include "support/faultydisk.h"
 #include "support/sqlitefile.h"
 #include "support/storestate.h"

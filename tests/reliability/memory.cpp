@@ -1,6 +1,5 @@
 // Memory that runs out, at each allocation of C++ and of SQLite in turn.
 
-#include "databaseservice/keptconnections.h"
 #include "harness.h"
 #include "support/limitedmemory.h"
 

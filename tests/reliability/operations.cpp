@@ -10,7 +10,6 @@
 #include "databaseservice/fastaccessdbmodule.h"
 #include "databaseservice/fastaccessdbprovider.h"
 #include "databaseservice/gallerydbprovider.h"
-#include "databaseservice/keptconnections.h"
 #include "databaseservice/maindatabaseprovider.h"
 #include "databaseservice/maindbsqlprovider.h"
 #include "databaseservice/transdbconn.h"
@@ -327,6 +326,5 @@ const std::vector<Operation>& operations()
     }());
     return known;
 }
-// clang-format on
 
 } // namespace reliability

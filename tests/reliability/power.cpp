@@ -1,7 +1,6 @@
 // The loss of power: what was not flushed is there, is not there or is torn, folder entries included. And a fault while
 // a journal that was left behind is played back.
 
-#include "databaseservice/keptconnections.h"
 #include "harness.h"
 #include "support/lostpower.h"
 
@@ -29,8 +28,7 @@ struct Recording {
         });
     }
 
-    /// Runs it again, before the eyes of `look`, which gets each request, its number and how many transactions are
-    /// over.
+    /// Runs it again before `look`, which gets each request, its number and how many transactions are over.
     template <class Look> void replay(Folders& folders, bool losesFlushes, Look look) const
     {
         UnsureDisk disk(folders.filesOf(store));
