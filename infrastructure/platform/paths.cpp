@@ -10,16 +10,12 @@ std::wstring fromBackslashes(std::wstring path)
     return path;
 }
 
-bool exists(const std::wstring& path) noexcept
+bool exists(const std::wstring& path)
 {
-    try {
-        std::error_code ignored;
-        const std::filesystem::file_type type = std::filesystem::status(toPath(path), ignored).type();
-        return type != std::filesystem::file_type::none && type != std::filesystem::file_type::not_found &&
-            type != std::filesystem::file_type::unknown;
-    } catch (...) {
-        return false;
-    }
+    std::error_code ignored;
+    const std::filesystem::file_type type = std::filesystem::status(toPath(path), ignored).type();
+    return type != std::filesystem::file_type::none && type != std::filesystem::file_type::not_found &&
+        type != std::filesystem::file_type::unknown;
 }
 
 } // namespace platform

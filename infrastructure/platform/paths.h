@@ -15,8 +15,8 @@ std::string toUtf8(const std::filesystem::path& path);
 /// Where programs keep for the user what they can make again. Empty where the system names no place.
 std::filesystem::path userCacheFolder();
 
-/// Whether something is there. False also when the system cannot tell.
-bool exists(const std::wstring& path) noexcept;
+/// Whether something is there. False also when the system cannot tell; a lack of memory is thrown.
+bool exists(const std::wstring& path);
 
 /// What stands between a folder and the names in it.
 extern const wchar_t folderSeparator;
