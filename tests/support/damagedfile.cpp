@@ -4,6 +4,7 @@
 #include "support/sqlitefile.h"
 
 #include <iterator>
+#include <regex>
 #include <stdexcept>
 #include <string>
 
@@ -68,18 +69,6 @@ const char* const schemes[] = {
     "PRAGMA application_id = 7; PRAGMA user_version = -1; PRAGMA page_size = 512; VACUUM",
 };
 
-std::string replaced(std::string text, char letter, const std::string& word)
-{
-    const auto isLetter = [](char byte) { return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z'); };
-    for (std::size_t at = text.size(); at-- > 0;) {
-        const bool alone = (at == 0 || !isLetter(text[at - 1])) && (at + 1 == text.size() || !isLetter(text[at + 1]));
-        if (text[at] == letter && alone) {
-            text.replace(at, 1, word);
-        }
-    }
-    return text;
-}
-
 std::string drawn(const Rows& rows, std::mt19937& random)
 {
     const std::string& cell = rows.at(random() % rows.size()).at(0);
@@ -96,7 +85,8 @@ void damageWithSql(const std::filesystem::path& file, const std::string& sql, st
                                                     "LIKE 'sqlite%'"),
                                         random);
         const std::string column = drawn(store.query("SELECT name FROM pragma_table_info('" + table + "')"), random);
-        store.exec(replaced(replaced(sql, 'T', table), 'C', '[' + column + ']'));
+        const std::string onTable = std::regex_replace(sql, std::regex("\\bT\\b"), table);
+        store.exec(std::regex_replace(onTable, std::regex("\\bC\\b"), '[' + column + ']'));
     } catch (const std::runtime_error&) { // refused: as far as it came
     }
 }
