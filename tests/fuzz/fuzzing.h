@@ -6,13 +6,13 @@
 #include "support/filebytes.h"
 
 #include <iostream>
-#include <map>
 #include <sstream>
 
 /// What the programs share, each of which tries inputs of libFuzzer's. They run where the script `run` puts them.
 namespace fuzzing {
 
 namespace fs = std::filesystem;
+using testsupport::filesBelow;
 
 void attempt(const std::string& input);
 
@@ -36,15 +36,6 @@ inline void startAnew()
     fs::copy(samples, scratch, fs::copy_options::recursive);
     fs::current_path(scratch / "store");
     GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(fs::current_path().wstring());
-}
-
-inline std::map<fs::path, std::string> filesIn(const fs::path& folder)
-{
-    std::map<fs::path, std::string> files;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-        files[entry.path().lexically_relative(folder)] = testsupport::bytesOf(entry.path());
-    }
-    return files;
 }
 
 /// Runs the tool in this process, and gives its exit code.

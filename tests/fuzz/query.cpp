@@ -9,7 +9,7 @@
 
 void fuzzing::attempt(const std::string& input)
 {
-    static const auto before = (startAnew(), filesIn(scratch));
+    static const auto before = (startAnew(), filesBelow(scratch));
     {
         dbservice::Database store("DriveModuleData.dat", dbservice::Database::Access::Write);
         sqlite3_exec(store.handle(), control ? input.c_str() : "", nullptr, nullptr, nullptr); // ahead of the guard
@@ -22,5 +22,5 @@ void fuzzing::attempt(const std::string& input)
         const auto statement = guard.prepare(input);
         while (sqlite3_step(statement.get()) == SQLITE_ROW) { }
     }
-    expect(filesIn(scratch) == before, "a file was changed or made");
+    expect(filesBelow(scratch) == before, "a file was changed or made");
 }

@@ -9,12 +9,12 @@ void fuzzing::attempt(const std::string& input)
     const std::string name = names[input.empty() ? 0 : static_cast<unsigned char>(input[0]) % std::size(names)];
     startAnew();
     testsupport::writeBytes(name, input.empty() ? "" : input.substr(1));
-    const auto before = filesIn(".");
+    const auto before = filesBelow(".");
     runTool({"ls", "/"});
     runTool({"check", "."});
     const int code = runTool({"recover", name, "../saved"});
     testsupport::writeBytes(control ? "main.dat" : "../other", "");
-    expect(filesIn(".") == before, "a file of the store was written to");
+    expect(filesBelow(".") == before, "a file of the store was written to");
     expect(code != 0 || fs::exists("../saved"), "nothing was saved");
     testsupport::SqliteFile saved("../saved", testsupport::SqliteFile::Collation::NameCompare);
     expect(saved.value("PRAGMA integrity_check") == "'ok'", "what was saved is damaged");

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 
@@ -15,6 +16,20 @@ inline std::string bytesOf(const std::filesystem::path& file)
     }
     std::ifstream stream(file, std::ios::binary);
     return (std::ostringstream() << stream.rdbuf()).str(); // faster by far where nothing is optimised
+}
+
+/// Every file in a folder and in those below it, by its path from there with slashes.
+inline std::map<std::string, std::string> filesBelow(const std::filesystem::path& folder)
+{
+    std::map<std::string, std::string> files;
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, missing)) {
+        if (entry.is_regular_file()) {
+            const std::u8string name = entry.path().lexically_relative(folder).generic_u8string();
+            files[std::string(name.begin(), name.end())] = bytesOf(entry.path());
+        }
+    }
+    return files;
 }
 
 /// Takes the place of what is there.

@@ -83,7 +83,7 @@ std::string SqliteFile::text(const std::string& sql)
 
 void SqliteFile::fill(int rows)
 {
-    for (const auto& table : query("SELECT name FROM sqlite_master WHERE name NOT LIKE 'sqlite%'")) {
+    for (const auto& table : query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite%'")) {
         const std::string values =
             value("SELECT group_concat(CASE WHEN type LIKE 'INT%' OR type LIKE 'RE%' OR type LIKE 'DOU%' THEN 'value' "
                   "ELSE '''id-'' || value' END) FROM pragma_table_info(" +

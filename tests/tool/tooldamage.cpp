@@ -2,6 +2,8 @@
 
 #include "toolharm.h"
 
+#include "command.h"
+#include "commands/commands.h"
 #include "legacysample/legacysample.h"
 #include "platform/paths.h"
 #include "support/damagedfile.h"
@@ -15,80 +17,77 @@ namespace toolharm {
 
 namespace {
 
-struct Use {
-    std::string file;     ///< the one that is damaged; any of a folder's where it ends in a slash
-    std::string line;     ///< in which # stands for it
-    std::string writes{}; ///< how the names of the files begin that may change, # among them
-};
-
 const std::string drive = "store/DriveModuleData.dat";
 const std::string settings = "store/main.dat";
 const std::string shortcuts = "store/FastAccess.dat";
 const std::string transfers = "store/transmission.dat";
 const std::string gallery = "store/g.dat";
-const std::string query = "query SELECT*FROM(DriveDataTable)ORDER/**/BY(name)";
+const std::string legacy = "source/legacy.dat";
 
-const std::vector<Use> uses{
-    {drive, "ls"},
-    {drive, "ls --all --sort -name"},
-    {drive, "view other"},
-    {drive, "recycle"},
-    {drive, "recycle --expired"},
-    {drive, "stat /a/1"},
-    {drive, "find b"},
-    {drive, "count"},
-    {drive, "count /a"},
-    {drive, "pending"},
-    {drive, "config"},
-    {drive, query},
-    {drive, "scan @/source", "#"},
-    {drive, "reindex", "#"},
-    {drive, "mkdir /a/n", "#"},
-    {drive, "rename /b1 n", "#"},
-    {drive, "mv /b1 /a", "#"},
-    {drive, "rm /a/1 /b1", "#"},
-    {drive, "rm --final /a", "#"},
-    {drive, "restore /b2", "#"},
-    {settings, "properties list"},
-    {settings, "properties get k"},
-    {settings, "properties set k w", "#"},
-    {settings, "properties remove-all --yes", "#"},
-    {settings, "logs"},
-    {settings, "changes"},
-    {settings, "cards"},
-    {shortcuts, "shortcuts list"},
-    {shortcuts, "shortcuts add --title t", "#"},
-    {shortcuts, "shortcuts remove 1", "#"},
-    {transfers, "transfers list"},
-    {transfers, "transfers add upload --name n", "#"},
-    {transfers, "transfers add download --name n", "#"},
-    {transfers, "transfers add completed --name n", "#"},
-    {transfers, "transfers add task --name n --unique-id z", "#"},
-    {transfers, "transfers simulate 3", "#"},
-    {transfers, "reset --user --yes", "#"},
-    {gallery, "gallery counts --gallery g.dat"},
-    {gallery, "gallery list --gallery g.dat"},
-    {gallery, "gallery show u --gallery g.dat"},
-    {gallery, "gallery import @/source --gallery g.dat", "#"},
-    {gallery, "reset --gallery g.dat --yes", "#"},
-    {"store/", "info"},
-    {"store/", "check"},
-    {"store/", "check --repair", "#"},
-    {"store/", "check --repair #", "#"},
-    {"store/", "recover # @/saved.dat", "saved.dat"},
-    {"store/", "copy-out @/copy", "copy"},
-    {"store/", "copy-out @/copy --redact", "copy"},
-    {"store/", "diff @/good @/store"},
-    {"store/", "diff @/store @/good --summary"},
-    {"store/", "report @/report.html", "report.html"},
-    {"store/", "gallery list"},
-    {"store/", "init --gallery g.dat", "store/"},
-    {"store/", "reset --all --yes", "store/"},
-    {"source/legacy.dat", "migrate # --gallery g.dat", "store/main.dat store/g.dat"},
-    {"source/legacy.dat", "migrate # --gallery g.dat --dry-run"},
-    {settings, "migrate @/source/legacy.dat --gallery g.dat", "store/main.dat store/g.dat"},
-    {gallery, "migrate @/source/legacy.dat --gallery g.dat", "store/main.dat store/g.dat"},
+/// A line, in which # stands for the damaged file.
+struct Use {
+    std::string file;   ///< the one that is damaged; any of a folder's where it ends in a slash
+    std::string writes; ///< how the names of the files begin that may change, # among them
+    std::string line;
 };
+
+std::vector<Use> allUses()
+{
+    const struct {
+        std::string file, writes;
+        Words lines;
+    } groups[]{
+        {drive,
+         "",
+         {"ls", "ls --all --sort -name", "view other", "recycle", "recycle --expired", "stat /a/1", "find b", "count",
+          "count /a", "pending", "config", "query SELECT*FROM(DriveDataTable)ORDER/**/BY(name)"}},
+        {drive,
+         "#",
+         {"scan @/source", "reindex", "mkdir /a/n", "rename /b1 n", "mv /b1 /a", "rm /a/1 /b1", "rm --final /a",
+          "restore /b2"}},
+        {settings, "", {"properties list", "properties get k", "logs", "changes", "cards"}},
+        {settings, "#", {"properties set k w", "properties remove-all --yes"}},
+        {shortcuts, "", {"shortcuts list"}},
+        {shortcuts, "#", {"shortcuts add --title t", "shortcuts remove 1"}},
+        {transfers, "", {"transfers list"}},
+        {transfers,
+         "#",
+         {"transfers add upload --name n", "transfers add download --name n", "transfers add completed --name n",
+          "transfers add task --name n --unique-id z", "transfers simulate 3", "reset --user --yes"}},
+        {gallery,
+         "",
+         {"gallery counts --gallery g.dat", "gallery list --gallery g.dat", "gallery show id-1 --gallery g.dat"}},
+        {gallery, "#", {"gallery import @/source --gallery g.dat", "reset --gallery g.dat --yes"}},
+        {"store/", "", {"info", "check", "diff @/good @/store", "diff @/store @/good --summary", "gallery list"}},
+        {"store/", "#", {"check --repair", "check --repair #"}},
+        {"store/", "saved.dat", {"recover # @/saved.dat"}},
+        {"store/", "copy", {"copy-out @/copy", "copy-out @/copy --redact"}},
+        {"store/", "report.html", {"report @/report.html"}},
+        {"store/", "store/", {"init --gallery g.dat", "reset --all --yes"}},
+        {legacy, "", {"migrate # --gallery g.dat --dry-run"}},
+        {legacy, "store/main.dat store/g.dat", {"migrate # --gallery g.dat"}},
+        {settings, "# store/g.dat", {"migrate @/source/legacy.dat --gallery g.dat"}},
+        {gallery, "# store/main.dat", {"migrate @/source/legacy.dat --gallery g.dat"}},
+    };
+    std::vector<Use> uses;
+    for (const auto& [file, writes, lines] : groups) {
+        for (const std::string& line : lines) {
+            uses.push_back({file, writes, line});
+        }
+    }
+    return uses;
+}
+
+/// Every command that does something has to be in the table.
+void lookForAll(const std::vector<dbservice::Command>& commands, const std::string& before, Run& run)
+{
+    for (const dbservice::Command& command : commands) {
+        const std::string typed = before + command.name;
+        const auto tries = [&](const Use& use) { return use.line.starts_with(typed); };
+        run.expect(!command.parts.empty() || std::ranges::any_of(allUses(), tries), typed);
+        lookForAll(command.parts, typed + ' ', run);
+    }
+}
 
 std::string repeated(int times, const std::string& before, const std::string& after)
 {
@@ -131,73 +130,45 @@ Files layStores(const Bench& bench)
     for (const std::string name : {"a/1", "a/2", "b1", "b2"}) {
         writeFile(bench.at("source/" + name), "x");
     }
-    for (const std::string line :
-         {"init --gallery g.dat", "scan @/source", "rm /b2", "properties set k v", "shortcuts add --title t",
-          "transfers add upload --name n", "transfers add download --name n", "transfers add completed --name n",
-          "transfers add task --name n --unique-id q"}) {
+    bench.make("--folder @/store init --gallery g.dat");
+    for (const std::string& file : {drive, settings, gallery}) {
+        SqliteFile(bench.at(file), SqliteFile::Collation::NameCompare).fill(1);
+    }
+    SqliteFile(bench.at(drive), SqliteFile::Collation::NameCompare).exec("DELETE FROM DriveDataTable");
+    for (const std::string line : {"scan @/source", "rm /b2", "properties set k v", "shortcuts add --title t",
+                                   "transfers add upload --name n", "transfers add download --name n",
+                                   "transfers add completed --name n", "transfers add task --name n --unique-id q"}) {
         bench.make("--folder @/store " + line);
     }
-    SqliteFile(bench.at(drive)).exec("UPDATE DriveDataTable SET data1 = printf('%.*c', 9000, 'x') WHERE name = 'b1'");
-    for (const std::string& file : {drive, settings, gallery}) {
-        SqliteFile store(bench.at(file), SqliteFile::Collation::NameCompare);
-        for (const auto& table : store.query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE "
-                                             "'sqlite%' AND name <> 'DriveDataTable'")) {
-            std::string values;
-            for (const auto& column : store.query("PRAGMA table_info(" + table[0] + ")")) {
-                values += (values.empty() ? "" : ", ") + (column[2] == "'TEXT'" ? "'u'" : column[0]);
-            }
-            store.exec("INSERT OR IGNORE INTO " + table[0] + " VALUES(" + values + ")");
-        }
-    }
-    legacysample::write(bench.at("source/legacy.dat"), 20);
-    Files files = bench.files();
-    for (const auto& [name, bytes] : bench.files()) {
-        if (name.starts_with("store/")) {
-            files["good" + name.substr(5)] = bytes;
-        }
-    }
-    std::erase_if(files, [](const auto& file) { return file.first.starts_with("cache/"); });
-    return files;
-}
-
-std::string replaced(std::string text, const std::string& file)
-{
-    for (std::size_t at = text.find('#'); at != std::string::npos; at = text.find('#')) {
-        text.replace(at, 1, file);
-    }
-    return text;
-}
-
-bool mayChange(const std::string& name, const std::string& writes)
-{
-    std::istringstream allowed("cache/ " + writes);
-    return std::any_of(std::istream_iterator<std::string>(allowed), {},
-                       [&](const std::string& begin) { return name.starts_with(begin); });
+    SqliteFile(bench.at(drive), SqliteFile::Collation::NameCompare)
+        .exec("UPDATE DriveDataTable SET data1 = printf('%.*c', 9000, 'x') WHERE name = 'b1'");
+    legacysample::write(bench.at(legacy), 20);
+    std::filesystem::copy(bench.at("store"), bench.at("good"));
+    std::filesystem::remove_all(bench.at("cache"));
+    return bench.files();
 }
 
 } // namespace
 
-std::vector<std::string> linesThatShow()
+Words linesThatShow()
 {
-    std::vector<std::string> lines;
-    for (const Use& use : uses) {
-        if (use.writes.empty() && use.line.find("#") == std::string::npos) {
+    Words lines{"report --force @/report.html"};
+    for (const Use& use : allUses()) {
+        if (use.writes.empty() && use.line.find('#') == std::string::npos) {
             lines.push_back(use.line);
         }
     }
-    lines.emplace_back("report --force @/report.html");
     return lines;
 }
 
 void damage(Run& run)
 {
     run.trying("a command that no line tries", 0);
-    for (const std::string& command : commandsOfTool()) {
-        run.expect(std::ranges::any_of(uses, [&](const Use& use) { return use.line.starts_with(command); }), command);
-    }
+    lookForAll(dbservice::allCommands(), "", run);
+    const std::vector<Use> uses = allUses();
     const Bench bench;
     const Files good = layStores(bench);
-    std::map<int, int> codes;
+    int failed = 0;
     for (int left = run.part(6'000); left > 0; --left) {
         const Use& use = uses[run.random() % uses.size()];
         std::string file = use.file;
@@ -220,24 +191,17 @@ void damage(Run& run)
         if (run.control) { // more than the command's file is written to
             writeFile(bench.at("source/b1"), "harmed");
         }
-        ++codes[ran.code];
+        failed += ran.code != 0;
         run.expect(ran.code >= 0 && ran.code <= 2, "ends with " + std::to_string(ran.code) + ": " + ran.err);
         run.expect(ran.code == 0 || !(ran.out + ran.err).empty(), "fails without a word");
-        const Files after = bench.files();
-        for (const Files* const some : {&before, &after}) {
-            for (const auto& [name, bytes] : *some) {
-                const auto of = [&, &key = name](const Files& files) {
-                    const auto found = files.find(key);
-                    return found == files.end() ? "none" : found->second;
-                };
-                run.expect(of(before) == of(after) || mayChange(name, replaced(use.writes, file)),
-                           name + " has changed");
-            }
+        const Words mayChange = bench.words("cache/ " + use.writes, file);
+        for (const auto& [name, bytes] : differences(before, bench.files())) {
+            run.expect(std::ranges::any_of(
+                           mayChange, [&name = name](const std::string& begin) { return name.starts_with(begin); }),
+                       name + " has changed");
         }
     }
-    for (const auto& [code, count] : codes) {
-        Run::tell(std::to_string(count) + " ended with " + std::to_string(code));
-    }
+    Run::tell(std::to_string(failed) + " commands failed");
 }
 
 } // namespace toolharm

@@ -3,15 +3,16 @@
 #include "toolharm.h"
 
 #include "application.h"
-#include "command.h"
-#include "commands/commands.h"
 #include "platform/paths.h"
 #include "platform/programentry.h"
 #include "stores/storewatch.h"
 #include "support/faultydisk.h"
+#include "support/lists.h"
 
+#include <algorithm>
 #include <ctime>
 #include <iostream>
+#include <iterator>
 #include <sstream>
 #include <thread>
 
@@ -53,17 +54,6 @@ int asTool(const Words& arguments)
     std::_Exit(code); // `unseen` is still in its place
 }
 
-void addCommands(const dbservice::Command& command, const std::string& before, std::vector<std::string>& found)
-{
-    const std::string typed = before + command.name;
-    for (const dbservice::Command& part : command.parts) {
-        addCommands(part, typed + ' ', found);
-    }
-    if (command.parts.empty()) {
-        found.push_back(typed);
-    }
-}
-
 } // namespace
 
 Bench::Bench()
@@ -74,9 +64,8 @@ Bench::Bench()
 
 Words Bench::words(const std::string& line, const std::string& hash) const
 {
-    Words words;
-    std::istringstream stream(line);
-    for (std::string word; stream >> word; words.push_back(word)) {
+    Words words = split(line);
+    for (std::string& word : words) {
         if (const std::size_t at = word.find('#'); at != std::string::npos) {
             word.replace(at, 1, hash);
         } else if (word.starts_with('@')) {
@@ -84,18 +73,6 @@ Words Bench::words(const std::string& line, const std::string& hash) const
         }
     }
     return words;
-}
-
-Files Bench::files() const
-{
-    Files files;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(m_path)) {
-        if (entry.is_regular_file()) {
-            const std::u8string name = entry.path().lexically_relative(m_path).generic_u8string();
-            files[std::string(name.begin(), name.end())] = bytesOf(entry.path());
-        }
-    }
-    return files;
 }
 
 void Bench::lay(const Files& files) const
@@ -128,12 +105,10 @@ void Bench::make(const std::string& line) const
     }
 }
 
-std::vector<std::string> commandsOfTool()
+Files differences(const Files& some, const Files& others)
 {
-    std::vector<std::string> found;
-    for (const dbservice::Command& command : dbservice::allCommands()) {
-        addCommands(command, "", found);
-    }
+    Files found;
+    std::ranges::set_symmetric_difference(some, others, std::inserter(found, found.end()));
     return found;
 }
 

@@ -24,8 +24,7 @@ public:
     /// The words of a line, in which # stands for what may hold anything.
     Words words(const std::string& line, const std::string& hash = "#") const;
 
-    /// Every file, by its path with slashes.
-    Files files() const;
+    Files files(const std::string& folder = ".") const { return testsupport::filesBelow(m_path / folder); }
     void lay(const Files& files) const;
 
     /// The command line of a process that is the tool.
@@ -44,11 +43,11 @@ private:
     testsupport::EnvironmentVariable m_temporary;
 };
 
-/// Every command that does something, as it is typed.
-std::vector<std::string> commandsOfTool();
+/// What is only in one of them, or not the same in both.
+Files differences(const Files& some, const Files& others);
 
 /// Lines on a bench's `store` for everything that shows something.
-std::vector<std::string> linesThatShow();
+Words linesThatShow();
 
 using Part = void(testsupport::Run&);
 Part kills, damage, names;

@@ -3,12 +3,11 @@
 #include "toolharm.h"
 
 #include "legacysample/legacysample.h"
-#include "support/filebytes.h"
 #include "support/sqlitefile.h"
 #include "support/storestate.h"
 
-#include <algorithm>
-#include <cctype>
+#include <regex>
+#include <set>
 #include <thread>
 
 using namespace testsupport;
@@ -78,44 +77,29 @@ const Job jobs[]{
 };
 
 /// All rows. Times of the run, and what is made of them, are left out.
-std::string rowsIn(const Bench& bench)
+State rowsIn(const Bench& bench)
 {
-    constexpr std::size_t shortestTime = 10;
-    std::string rows;
-    std::size_t digits = 0;
-    State state = stateOf(bench.at("made"));
-    state.erase("main.dat 'UserProperties''LegacyMigration'"); // counts what that run has written
-    for (const auto& [key, cells] : state) {
-        for (const char letter : key + '=' + cells + '\n') {
-            digits = std::isdigit(static_cast<unsigned char>(letter)) != 0 ? digits + 1 : 0;
-            rows += letter;
-            if (digits >= shortestTime) {
-                rows.resize(rows.size() - (digits == shortestTime ? digits : 1));
-            }
-        }
+    static const std::regex time("[0-9]{10,}");
+    State rows;
+    for (const auto& [key, cells] : stateOf(bench.at("made"))) {
+        rows[std::regex_replace(key, time, "")] += std::regex_replace(cells, time, "");
     }
+    rows.erase("main.dat 'UserProperties''LegacyMigration'"); // counts what that run has written
     return rows;
 }
 
-/// The rows of drive stores whose indexes may be damaged, by the names of the files.
-Files plainRows(const Bench& bench)
+/// What the drive store and each copy of it hold, whose indexes may be damaged.
+std::set<std::string> plainRows(const Bench& bench)
 {
-    Files rows;
-    for (const auto& [name, bytes] : bench.files()) {
-        const bool isStore = name.find("DriveModuleData.dat") != std::string::npos && name.starts_with("made/");
+    std::set<std::string> rows;
+    for (const auto& [name, bytes] : bench.files("made")) {
+        const bool isStore = name.find("DriveModuleData.dat") != std::string::npos;
         if (isStore && name.find(".partial") == std::string::npos && !name.ends_with("-journal")) {
-            rows[name] = SqliteFile(bench.at(name), SqliteFile::Collation::NameCompare)
-                             .text("SELECT * FROM DriveDataTable NOT INDEXED");
+            rows.insert(SqliteFile(bench.at("made/" + name), SqliteFile::Collation::NameCompare)
+                            .text("SELECT * FROM DriveDataTable NOT INDEXED"));
         }
     }
     return rows;
-}
-
-Files given(const Bench& bench)
-{
-    Files files = bench.files();
-    std::erase_if(files, [](const auto& file) { return !file.first.starts_with("given/"); });
-    return files;
 }
 
 void killOne(Run& run, const Job& job)
@@ -125,20 +109,20 @@ void killOne(Run& run, const Job& job)
     job.setUp(bench);
     const Files start = bench.files();
     const bool isRepair = job.name == "repair";
-    const Files rowsBefore = isRepair ? plainRows(bench) : Files();
+    const std::set<std::string> plain = isRepair ? plainRows(bench) : std::set<std::string>();
     bench.lay(start);
     const Words words = bench.words(job.line);
     const Clock::time_point begin = Clock::now();
     const Ran whole = bench.run(words, 0);
     const Clock::duration duration = Clock::now() - begin;
-    const std::string rows = rowsIn(bench);
+    const State rows = rowsIn(bench);
     const std::int64_t changes = std::stoll(whole.out);
     int inTheMiddle = 0;
     for (int kill = 0; kill < run.part(60); ++kill) {
         const std::int64_t atChange = kill % 3 == 2 ? 0 : 1 + static_cast<std::int64_t>(run.random()) % changes;
         run.trying(job.name + " killed at change " + std::to_string(atChange));
         bench.lay(start);
-        const Files before = given(bench);
+        const Files before = bench.files("given");
         if (atChange > 0) {
             inTheMiddle += bench.run(words, atChange).code != whole.code;
         } else {
@@ -147,25 +131,21 @@ void killOne(Run& run, const Job& job)
             process.kill();
             inTheMiddle += process.wait() != whole.code;
         }
-        run.expect(given(bench) == before, "what it reads has changed");
+        run.expect(bench.files("given") == before, "what it reads has changed");
         try {
-            if (isRepair) {
-                for (const auto& [name, found] : plainRows(bench)) {
-                    run.expect(found == rowsBefore.begin()->second, name + " has other rows");
-                }
-            }
+            run.expect(!isRepair || plainRows(bench) == plain, "the store or a copy of it has other rows");
             const bool isThere = job.once && exists(bench.at("made/DriveModuleData.dat"));
             if (!isThere && !run.control) { // the control: what has been killed is not run again
                 const Ran again = bench.run(words);
                 const bool isDone = again.out.starts_with("The store has been migrated to before"); // loss and all
                 run.expect(again.code == (isDone ? 0 : whole.code), "run again it ends otherwise: " + again.err);
             }
-            const std::string found = rowsIn(bench);
-            const auto differs = std::ranges::mismatch(found, rows).in1 - found.begin();
-            run.expect(found == rows,
-                       "run again it comes to other rows: " +
-                           found.substr(static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, differs - 99)), 200));
-            run.expect(given(bench) == before, "what it reads has changed when it is run again");
+            std::string others;
+            for (const auto& [row, cells] : differences(rowsIn(bench), rows)) {
+                others += '\n' + row + ' ' + cells;
+            }
+            run.expect(others.empty(), "run again it comes to other rows:" + others.substr(0, 400));
+            run.expect(bench.files("given") == before, "what it reads has changed when it is run again");
         } catch (const std::exception& error) {
             run.expect(false, error.what());
         }
