@@ -50,9 +50,10 @@ const Row rows[] = {
     named(L"NUL.a", Either, Found), {L"\\\\.\\NUL", L"", Fails, Fails}, {L"//./NUL", L"", Fails, Fails}, named(L"a<", Fails, Found), named(L"a>", Fails, Found),
     named(L"a|b", Fails, Found), named(L"a?", Fails, Found), named(L"a*", Fails, Found), named(L"\"a\"", Fails, Found), named(L"a\tb\n", Fails, Found),
     named(L"a:b", Fails, Found), {L"{}/a::$DATA", L"a", Fails, Fails}, named(L"~/$HOME/%TEMP%", Found, Found), named(L"a%20b&c#d'e", Found, Found),
-    // long ones; the last two are too long for SQLite, one only in bytes
+    // long ones; the last three are too long for SQLite, the very last only in bytes
     named(std::wstring(130, L'a') + L'/' + std::wstring(130, L'b'), Either, Found),
     {L"\\\\?\\{}\\" + std::wstring(250, L'a'), std::wstring(250, L'a'), Either, Fails}, named(std::wstring(1100, L'a'), Fails, Fails),
+    {L"{}" + std::wstring(100'000, L'x'), L"", Fails, Fails},
     named(std::wstring(80, L'\u76F8') + L'/' + std::wstring(80, L'\u518C'), Found, Fails),
     // the names that devices and servers give to folders
     {L"\\\\?\\{}\\a", L"a", Found, Fails}, {L"\\\\.\\{}\\a", L"a", Found, Fails}, {L"//?/{}/a", L"a", Either, Fails},

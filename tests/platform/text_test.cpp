@@ -101,20 +101,6 @@ TEST(Text, RepairsWideTextThatIsNoCharacter)
     }
 }
 
-TEST(Paths, FollowWideNames)
-{
-    const testsupport::TestFolder folder;
-    const std::wstring name = L"Gr\u00F6\u00DFe \u5047\u671F \U0001F600";
-    const std::filesystem::path path = folder.path() / platform::toPath(name);
-    const std::wstring wide = platform::toWide(platform::toUtf8(path));
-    EXPECT_FALSE(platform::exists(wide));
-    std::filesystem::create_directory(path);
-    EXPECT_TRUE(platform::exists(wide));
-    EXPECT_EQ(platform::toUtf8(path.filename()), platform::toUtf8(name));
-    EXPECT_FALSE(platform::exists(L""));
-    EXPECT_FALSE(platform::exists(wide + std::wstring(100'000, L'x')));
-}
-
 TEST(FileStatus, LooksAtTheEntryItself)
 {
     const testsupport::TestFolder folder;
