@@ -130,7 +130,7 @@ void CommonSqliteDb::Close()
     if (handle() == nullptr) {
         return;
     }
-    CloseBefore(handle());
+    CloseBefore(handle()); // NOLINT(clang-analyzer-optin.cplusplus.VirtualCall): as said of the destructor
     if (const int code = sqlite3_close(handle()); code != SQLITE_OK) {
         LogoutDbError("close db", code);
         return;

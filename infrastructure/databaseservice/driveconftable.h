@@ -11,6 +11,7 @@ namespace DatabaseService {
 /// UTF-8; the meaning of cursors, intervals and times belongs to the client.
 ///
 /// A plain structure: its integers hold no defined value until somebody sets them.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): no defined value, as said
 struct DriveConfTable {
     int64 id;
     std::int32_t isFirstStart;

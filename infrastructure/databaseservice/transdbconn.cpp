@@ -34,6 +34,7 @@ template <class Record> std::vector<int> idsOf(const std::vector<std::shared_ptr
 } // namespace
 
 std::string TransDbConn::dbPath;
+// NOLINTNEXTLINE(cppcoreguidelines-interfaces-global-init): the size of the queue's blocks is a constant
 TransDbConn::WriteQueue TransDbConn::writeQueue;
 DBWriteThreadState TransDbConn::writeTreadState = DBWriteThreadIdle;
 TransDbConn::TaskMap TransDbConn::taskQueue(8);

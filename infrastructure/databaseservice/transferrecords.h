@@ -96,9 +96,8 @@ struct UploadTaskProperty {
 
 /// A transfer of either direction: a row of `TransferTask`, which has the columns in another order. The numbers hold
 /// no defined value until somebody sets them.
-// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): no defined value, as said
 struct DATABASESERVICE_EXPORT DbTransferTask {
-    DbTransferTask() = default;
+    DbTransferTask() = default; // NOLINT(cppcoreguidelines-pro-type-member-init): no defined value, as said
     DbTransferTask(const DbTransferTask&) = default;
     DbTransferTask(DbTransferTask&&) = default;
     DbTransferTask& operator=(const DbTransferTask&) = default;

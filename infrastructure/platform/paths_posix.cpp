@@ -17,7 +17,7 @@ std::string toUtf8(const std::filesystem::path& path)
 
 std::filesystem::path userCacheFolder()
 {
-    const std::filesystem::path named = environmentVariable("XDG_CACHE_HOME");
+    std::filesystem::path named = environmentVariable("XDG_CACHE_HOME");
     if (named.is_absolute()) {
         return named;
     }

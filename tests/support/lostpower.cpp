@@ -16,11 +16,15 @@ void UnsureDisk::Change::apply(std::string& file) const
 }
 
 UnsureDisk::UnsureDisk(const Files& files)
+    : m_entries([&files] {
+          Entries entries;
+          for (const auto& [name, bytes] : files) {
+              entries[name] = std::make_shared<Content>(Content{bytes});
+          }
+          return entries;
+      }()),
+      m_keptEntries(m_entries)
 {
-    for (const auto& [name, bytes] : files) {
-        m_entries[name] = std::make_shared<Content>(Content{bytes});
-    }
-    m_keptEntries = m_entries;
 }
 
 void UnsureDisk::take(const FaultyDisk::Request& request, bool losesFlushes)

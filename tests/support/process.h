@@ -18,7 +18,7 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
 /// A program that runs beside this one and can be killed. Its output goes where this program's goes.
 class RunningProgram {
 public:
-    explicit RunningProgram(const std::vector<std::string>& commandLine);
+    explicit RunningProgram(std::vector<std::string> commandLine);
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
     ~RunningProgram()
@@ -28,7 +28,7 @@ public:
     }
 
     /// Ends it on the spot, without a word to it.
-    void kill();
+    void kill() const;
     /// Waits for its end and gives its exit code; another number for one that was killed.
     int wait();
 

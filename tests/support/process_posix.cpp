@@ -53,11 +53,11 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-RunningProgram::RunningProgram(const std::vector<std::string>& commandLine)
+RunningProgram::RunningProgram(std::vector<std::string> commandLine)
 {
     std::vector<char*> arguments;
-    for (const std::string& argument : commandLine) {
-        arguments.push_back(const_cast<char*>(argument.c_str())); // the interface's; nobody writes there
+    for (std::string& argument : commandLine) {
+        arguments.push_back(argument.data());
     }
     arguments.push_back(nullptr);
     pid_t started = 0;
@@ -68,7 +68,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& commandLine)
     m_process = started;
 }
 
-void RunningProgram::kill()
+void RunningProgram::kill() const
 {
     if (m_process != 0) {
         ::kill(static_cast<pid_t>(m_process), SIGKILL);

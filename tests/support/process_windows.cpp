@@ -94,12 +94,12 @@ int runProgram(const std::vector<std::string>& commandLine, const std::filesyste
     return exitCodeOf(process.get());
 }
 
-RunningProgram::RunningProgram(const std::vector<std::string>& commandLine)
+RunningProgram::RunningProgram(std::vector<std::string> commandLine)
     : m_process(reinterpret_cast<std::intptr_t>(start(commandLine, {}, {}).release()))
 {
 }
 
-void RunningProgram::kill()
+void RunningProgram::kill() const
 {
     if (m_process != 0) {
         TerminateProcess(reinterpret_cast<HANDLE>(m_process), 255);

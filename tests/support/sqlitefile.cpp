@@ -45,14 +45,14 @@ SqliteFile::SqliteFile(const std::filesystem::path& file, Collation collation)
     sqlite3_exec(db, "PRAGMA synchronous=OFF", nullptr, nullptr, nullptr); // for speed alone
 }
 
-void SqliteFile::exec(const std::string& sql)
+void SqliteFile::exec(const std::string& sql) const
 {
     if (sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw std::runtime_error(sqlite3_errmsg(handle()));
     }
 }
 
-Rows SqliteFile::query(const std::string& sql)
+Rows SqliteFile::query(const std::string& sql) const
 {
     sqlite3_stmt* prepared = nullptr;
     sqlite3_prepare_v2(handle(), sql.c_str(), -1, &prepared, nullptr);

@@ -23,8 +23,8 @@ public:
     sqlite3* handle() const { return m_db.get(); }
 
     /// Any number of statements.
-    void exec(const std::string& sql);
-    Rows query(const std::string& sql);
+    void exec(const std::string& sql) const;
+    Rows query(const std::string& sql) const;
     /// The one cell of the one row.
     std::string value(const std::string& sql);
     /// A line for each row, with its cells between bars.

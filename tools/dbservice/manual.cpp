@@ -121,7 +121,7 @@ std::string section(const std::string& before, const Command& command)
 
 std::string manualPage(const Command& program, const std::string& version)
 {
-    std::string text = ".TH DBSERVICE 1 \"\" \"" + plain(version) + "\"\n.SH NAME\n" + plain(program.name) + " \\- " +
+    std::string text = R"(.TH DBSERVICE 1 "" ")" + plain(version) + "\"\n.SH NAME\n" + plain(program.name) + " \\- " +
         plain(program.summary) + "\n.SH SYNOPSIS\n.B " + plain(program.name) +
         "\n[\\fIOPTION\\fR]... \\fICOMMAND\\fR [\\fIARGUMENT\\fR]...\n.SH DESCRIPTION\n" + lines(program.details) +
         ".SH OPTIONS\nThese go with every command.\n" + options(program) + ".SH COMMANDS\n";

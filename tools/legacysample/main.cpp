@@ -10,25 +10,25 @@
 #include <iostream>
 #include <string>
 
-int platform::programMain(const std::vector<std::string>& all)
+int platform::programMain(const std::vector<std::string>& arguments)
 {
-    const bool clean = !all.empty() && all.front() == "--clean";
-    const std::vector<std::string> arguments(all.begin() + (clean ? 1 : 0), all.end());
-    if (arguments.empty() || arguments.size() == 3 || arguments.size() > 4) {
+    const bool clean = !arguments.empty() && arguments.front() == "--clean";
+    const std::vector<std::string> words(arguments.begin() + (clean ? 1 : 0), arguments.end());
+    if (words.empty() || words.size() == 3 || words.size() > 4) {
         std::cerr << "usage: legacysample [--clean] FILE [ROWS [STORE GALLERY]]\n";
         return 2;
     }
     try {
-        const std::filesystem::path file(std::u8string(arguments[0].begin(), arguments[0].end()));
+        const std::filesystem::path file(std::u8string(words[0].begin(), words[0].end()));
         if (file.has_parent_path()) {
             std::filesystem::create_directories(file.parent_path());
         }
-        legacysample::write(std::filesystem::absolute(file), arguments.size() > 1 ? std::stoll(arguments[1]) : 10'000,
+        legacysample::write(std::filesystem::absolute(file), words.size() > 1 ? std::stoll(words[1]) : 10'000,
                             clean ? legacysample::Content::Clean : legacysample::Content::Ugly);
-        if (arguments.size() == 4) {
-            std::filesystem::create_directories(std::u8string(arguments[2].begin(), arguments[2].end()));
-            GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(arguments[2]));
-            legacysample::putInTheWay(platform::toWide(arguments[3]));
+        if (words.size() == 4) {
+            std::filesystem::create_directories(std::u8string(words[2].begin(), words[2].end()));
+            GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(words[2]));
+            legacysample::putInTheWay(platform::toWide(words[3]));
         }
         return 0;
     } catch (const std::exception& error) {

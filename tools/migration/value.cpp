@@ -114,7 +114,7 @@ Number numberFrom(std::string_view text)
     const auto [realEnd, realError] = std::from_chars(text.data(), end, real);
     if (realEnd == end) {
         if (realError == std::errc::result_out_of_range) { // by an exponent
-            const bool tiny = text.find("e-") != text.npos || text.find("E-") != text.npos;
+            const bool tiny = text.find("e-") != std::string_view::npos || text.find("E-") != std::string_view::npos;
             real = tiny ? 0 : (text.starts_with('-') ? -HUGE_VAL : HUGE_VAL);
         }
         return wholeNumber(real);

@@ -36,7 +36,7 @@ std::string joined(const std::vector<std::string>& names)
 /// Whether the cell says anything.
 bool isSet(const Database::Row& row, int column)
 {
-    return !row.isNull(column) && row.text(column) != "" && row.text(column) != "0";
+    return !row.isNull(column) && !row.text(column).empty() && row.text(column) != "0";
 }
 
 /// Whether people know a row by this column.

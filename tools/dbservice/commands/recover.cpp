@@ -25,7 +25,7 @@ struct RecoverOptions {
 };
 
 struct Recovered {
-    const StoreKind* kind;
+    const StoreKind* kind = nullptr;
     Salvage salvage;
 };
 

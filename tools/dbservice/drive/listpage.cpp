@@ -64,7 +64,7 @@ namespace {
 /// As the library orders its lists.
 std::string orderOf(CLOUD_DB_SORT_TYPE sort)
 {
-    const std::string name = "name COLLATE NameCompare";
+    std::string name = "name COLLATE NameCompare";
     switch (sort) {
     case CLOUD_DB_SORT_MODIFIED_ASC:
         return "modifiedTime, " + name;
@@ -119,6 +119,7 @@ void showRows(Session& session, const std::vector<DriveDataTable>& rows, TimeCol
     const std::vector<std::string> paths =
         hasPaths ? DriveTree(session.readDrive()).pathsOf(rows) : std::vector<std::string>();
     std::vector<std::string> ids;
+    ids.reserve(rows.size());
     for (const DriveDataTable& row : rows) {
         ids.push_back(row.GetFileid());
     }

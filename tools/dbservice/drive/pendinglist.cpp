@@ -30,6 +30,7 @@ std::map<std::string, std::string> pathsOfTargets(DriveTree& tree, const std::ve
         }
     }
     std::vector<std::string> ids;
+    ids.reserve(paths.size());
     for (const auto& [id, path] : paths) {
         ids.push_back(id);
     }

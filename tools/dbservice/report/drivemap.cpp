@@ -223,7 +223,7 @@ private:
 
     void addAge(std::int64_t seconds, std::int64_t bytes)
     {
-        constexpr std::int64_t day = 24 * 60 * 60;
+        constexpr std::int64_t day = std::int64_t{24} * 60 * 60;
         std::size_t i = 0;
         while (i + 1 < ages.size() && seconds >= ages[i].days * day) {
             ++i;

@@ -50,7 +50,7 @@ public:
         m_out
             << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
             << "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-            << "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src 'unsafe-inline'; "
+            << R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'; )"
             << "script-src 'nonce-" << nonce << "'\">\n"
             << "<title>Stores in " << escaped(m_report.folder) << "</title>\n<style>\n"
             << pageStyle << "</style>\n</head>\n<body>\n<header>\n<h1>Stores in " << escaped(m_report.folder)
@@ -65,7 +65,7 @@ public:
         writeTransfers();
         m_out << "</main>\n";
         if (m_report.drive && !m_report.drive->entries.empty()) {
-            m_out << "<script type=\"application/json\" id=\"entries\">" << inScript(toLine(entries(*m_report.drive)))
+            m_out << R"(<script type="application/json" id="entries">)" << inScript(toLine(entries(*m_report.drive)))
                   << "</script>\n<script nonce=\"" << nonce << "\">\n"
                   << pageScript << "</script>\n";
         }
@@ -187,7 +187,7 @@ private:
     static std::string bar(std::int64_t part, std::int64_t whole)
     {
         const double percent = whole > 0 ? 100.0 * static_cast<double>(part) / static_cast<double>(whole) : 0;
-        return "<td class=\"bar\"><span style=\"width:" + twoDecimals(percent) + "%\"></span></td>";
+        return R"(<td class="bar"><span style="width:)" + twoDecimals(percent) + "%\"></span></td>";
     }
 
     void writePending()
@@ -250,7 +250,7 @@ private:
         m_out << "<svg viewBox=\"0 0 800 " << height + lane << "\" role=\"img\" aria-label=\"operations by time\">\n";
         for (std::size_t i = 0; i < lanes.size(); ++i) {
             const double y = lane * (static_cast<double>(i) + 0.5);
-            m_out << "<text x=\"0\" y=\"" << y + 4 << "\">" << escaped(lanes[i]) << "</text><line x1=\"" << left
+            m_out << R"(<text x="0" y=")" << y + 4 << "\">" << escaped(lanes[i]) << "</text><line x1=\"" << left
                   << "\" x2=\"" << left + width << "\" y1=\"" << y << "\" y2=\"" << y << "\"/>\n";
         }
         std::size_t dots = 0;
@@ -259,13 +259,13 @@ private:
                 continue;
             }
             const auto place = std::ranges::find(lanes, std::string_view(marker.operation)) - lanes.begin();
-            m_out << "<circle r=\"4\" cx=\"" << left + width * static_cast<double>(timeOf(marker) - first) / span
+            m_out << R"(<circle r="4" cx=")" << left + width * static_cast<double>(timeOf(marker) - first) / span
                   << "\" cy=\"" << lane * (static_cast<double>(place) + 0.5) << "\"><title>"
                   << escaped(std::string(marker.operation) + " " + path + ", " + humanTime(timeOf(marker)))
                   << "</title></circle>\n";
         }
         m_out << "<text x=\"" << left << "\" y=\"" << height + lane / 2 << "\">" << humanTime(first)
-              << "</text><text text-anchor=\"end\" x=\"" << left + width << "\" y=\"" << height + lane / 2 << "\">"
+              << R"(</text><text text-anchor="end" x=")" << left + width << "\" y=\"" << height + lane / 2 << "\">"
               << humanTime(last) << "</text>\n</svg>\n";
     }
 

@@ -5,6 +5,7 @@
 
 #include <fstream>
 #include <memory>
+#include <vector>
 
 namespace dbservice {
 
@@ -49,12 +50,12 @@ std::string idOf(const std::filesystem::path::string_type& path)
 std::optional<std::string> contentHash(const std::filesystem::path& file)
 {
     constexpr std::size_t blockSize = 1 << 18;
-    static const auto block = std::make_unique_for_overwrite<char[]>(blockSize); // for one file after the other
+    static std::vector<char> block(blockSize); // for one file after the other
     std::ifstream stream(file, std::ios::binary);
     const std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> state(XXH3_createState(), XXH3_freeState);
     XXH3_128bits_reset(state.get());
-    while (stream.read(block.get(), blockSize) || stream.gcount() > 0) {
-        XXH3_128bits_update(state.get(), block.get(), static_cast<std::size_t>(stream.gcount()));
+    while (stream.read(block.data(), blockSize) || stream.gcount() > 0) {
+        XXH3_128bits_update(state.get(), block.data(), static_cast<std::size_t>(stream.gcount()));
     }
     if (!stream.eof() || stream.bad()) {
         return std::nullopt;

@@ -29,7 +29,7 @@ public:
 private:
     struct Found {
         DiskEntry entry; // without its name, which only the walk needs
-        std::uint32_t folder;
+        std::uint32_t folder = 0;
     };
     struct Folder {
         std::string id;

@@ -4,6 +4,7 @@
 #include "platform/paths.h"
 #include "platform/scopeexit.h"
 #include "platform/text.h"
+#include "stores/storefile.h"
 #include "terminal/failure.h"
 
 #include <limits>
@@ -99,6 +100,7 @@ Database::Database(const std::filesystem::path& file, Access access, const std::
     sqlite3_busy_timeout(db, std::numeric_limits<int>::max());
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): a statement may write
 void Database::run(std::string_view statement, const std::vector<Value>& values, const OnRow& onRow)
 {
     sqlite3_stmt* prepared = nullptr;
@@ -150,6 +152,15 @@ std::vector<std::string> Database::tables()
 std::vector<std::string> Database::columns(const std::string& table)
 {
     return texts("SELECT name FROM pragma_table_info(?)", {table});
+}
+
+std::string Database::list(const std::vector<std::string>& columns)
+{
+    std::string all;
+    for (const std::string& column : columns) {
+        all += (all.empty() ? "" : ", ") + inQuotes(column, '"');
+    }
+    return all.empty() ? "*" : all; // whose failure tells why a table shows none
 }
 
 void Database::fail(const char* verb) const

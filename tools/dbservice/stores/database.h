@@ -66,8 +66,11 @@ public:
     /// The first cells of all rows.
     std::vector<std::string> texts(std::string_view statement, const std::vector<Value>& values = {});
 
-    std::vector<std::string> tables(); ///< `namesOfTables`
-    std::vector<std::string> columns(const std::string& table);
+    std::vector<std::string> tables();                          ///< `namesOfTables`
+    std::vector<std::string> columns(const std::string& table); ///< without those that SQLite computes
+
+    /// Columns as a statement names them; all without any.
+    static std::string list(const std::vector<std::string>& columns);
 
     /// Throws the `Failure` with what SQLite said last.
     [[noreturn]] void fail(const char* verb) const;

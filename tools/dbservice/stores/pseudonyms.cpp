@@ -19,9 +19,9 @@ constexpr std::size_t letters = 20;                     ///< of each script, in 
 constexpr std::uint64_t group = letters * letters * 10; ///< two letters and a digit
 
 struct Script {
-    Character first; ///< of the characters that are taken for the script
-    Character last;
-    std::array<Character, letters> alphabet;
+    Character first = 0; ///< of the characters that are taken for the script
+    Character last = 0;
+    std::array<Character, letters> alphabet{};
     Character capital = 0; ///< how far a capital is before its letter
 };
 
@@ -113,14 +113,14 @@ std::size_t lengthOfClass(std::size_t length, std::size_t least)
 
 /// What a pseudonym shows of its text.
 struct Pseudonyms::Look {
-    std::string sign;     ///< at the front, if there is one
-    const Script* begins; ///< of the first character behind that
-    const Script* script; ///< of the first letter
+    std::string sign;               ///< at the front, if there is one
+    const Script* begins = nullptr; ///< of the first character behind that
+    const Script* script = nullptr; ///< of the first letter
     std::vector<bool> capitals;
-    std::size_t length;
+    std::size_t length = 0;
     std::string extension;
 
-    explicit Look(std::string_view part) : begins(nullptr), script(nullptr), length(0), extension(knownExtension(part))
+    explicit Look(std::string_view part) : extension(knownExtension(part))
     {
         part.remove_suffix(extension.size());
         bool first = true;

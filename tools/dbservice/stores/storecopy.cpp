@@ -58,7 +58,7 @@ void replace(sqlite3_context* context, int /*count*/, sqlite3_value** values)
     const auto* const bytes = type == SQLITE_TEXT ? reinterpret_cast<const char*>(sqlite3_value_text(value))
                                                   : static_cast<const char*>(sqlite3_value_blob(value));
     const std::string_view text(bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
-    const auto& pseudonyms = *static_cast<const Pseudonyms*>(sqlite3_user_data(context));
+    const Pseudonyms& pseudonyms = **static_cast<const Pseudonyms**>(sqlite3_user_data(context));
     try {
         const std::string made = pseudonyms.of(text);
         if (type == SQLITE_TEXT) {
@@ -73,14 +73,10 @@ void replace(sqlite3_context* context, int /*count*/, sqlite3_value** values)
 
 void copyRows(Database& target, const std::string& table)
 {
-    std::vector<std::string> columns =
-        target.texts("SELECT name FROM pragma_table_xinfo(?, 'source') WHERE hidden = 0", {table});
-    std::string names;
+    const std::vector<std::string> columns = target.columns(table);
     std::string values;
     for (const std::string& column : columns) {
-        const std::string quoted = inQuotes(column, '"');
-        names += (names.empty() ? "" : ", ") + quoted;
-        values += (values.empty() ? "" : ", ") + ("pseudonym(" + quoted + ")");
+        values += (values.empty() ? "" : ", ") + ("pseudonym(" + inQuotes(column, '"') + ")");
     }
     const bool hasNumbers =
         target.number("SELECT wr FROM pragma_table_list WHERE schema = 'source' AND name = ?", {table}) == 0 &&
@@ -88,8 +84,8 @@ void copyRows(Database& target, const std::string& table)
                      [](const std::string& column) { return sqlite3_stricmp(column.c_str(), "rowid") == 0; });
     const std::string number = hasNumbers ? "rowid, " : "";
     const std::string quoted = inQuotes(table, '"');
-    target.run("INSERT INTO main." + quoted + "(" + number + names + ") SELECT " + number + values + " FROM source." +
-               quoted);
+    target.run("INSERT INTO main." + quoted + "(" + number + Database::list(columns) + ") SELECT " + number + values +
+               " FROM source." + quoted);
 }
 
 } // namespace
@@ -116,13 +112,14 @@ void copyDatabase(Session& session, const fs::path& file, const fs::path& target
 void addTexts(Database& database, Pseudonyms& pseudonyms)
 {
     for (const std::string& table : database.tables()) {
-        database.run("SELECT * FROM " + inQuotes(table, '"'), {}, [&](const Database::Row& row) {
-            for (int i = 0; i < row.size(); ++i) {
-                if (isText(row, i)) {
-                    pseudonyms.add(row.text(i));
-                }
-            }
-        });
+        database.run("SELECT " + Database::list(database.columns(table)) + " FROM " + inQuotes(table, '"'), {},
+                     [&](const Database::Row& row) {
+                         for (int i = 0; i < row.size(); ++i) {
+                             if (isText(row, i)) {
+                                 pseudonyms.add(row.text(i));
+                             }
+                         }
+                     });
     }
 }
 
@@ -130,8 +127,8 @@ void writeRedacted(const fs::path& file, const fs::path& target, const Pseudonym
                    const std::string& called)
 {
     Database made(target, Database::Access::Create, called);
-    void* const state = const_cast<Pseudonyms*>(&pseudonyms); // which `replace` takes back as it was
-    sqlite3_create_function_v2(made.handle(), "pseudonym", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, state, replace,
+    const Pseudonyms* state = &pseudonyms;
+    sqlite3_create_function_v2(made.handle(), "pseudonym", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, &state, replace,
                                nullptr, nullptr, nullptr);
     made.run("ATTACH ? AS source", {platform::toUtf8(file)});
     for (const char* pragma :

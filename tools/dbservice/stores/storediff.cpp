@@ -16,11 +16,11 @@ bool holds(const std::vector<std::string>& names, const std::string& name)
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-std::vector<std::string> without(const std::vector<std::string>& names, const std::vector<std::string>& left)
+std::vector<std::string> without(const std::vector<std::string>& names, const std::vector<std::string>& others)
 {
     std::vector<std::string> rest;
     std::copy_if(names.begin(), names.end(), std::back_inserter(rest),
-                 [&](const std::string& name) { return !holds(left, name); });
+                 [&](const std::string& name) { return !holds(others, name); });
     return rest;
 }
 
@@ -45,15 +45,11 @@ std::vector<std::string> keyOf(Database& database, const std::string& table)
 /// By the bytes, whatever order the columns have.
 std::string inKeyOrder(const TableDiff& diff)
 {
-    std::string select;
-    for (const std::string& column : diff.columns) {
-        select += (select.empty() ? "" : ", ") + inQuotes(column, '"');
-    }
     std::string order;
     for (const std::string& column : diff.key) {
         order += (order.empty() ? "" : ", ") + inQuotes(column, '"') + " COLLATE BINARY";
     }
-    return "SELECT " + select + " FROM " + inQuotes(diff.table, '"') + " ORDER BY " + order;
+    return "SELECT " + Database::list(diff.columns) + " FROM " + inQuotes(diff.table, '"') + " ORDER BY " + order;
 }
 
 /// SQLite's order of the kinds of values.

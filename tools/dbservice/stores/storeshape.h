@@ -24,7 +24,7 @@ struct TableShape {
     std::string sql;
     std::vector<ColumnShape> columns;
 
-    const ColumnShape* column(std::string_view name) const;
+    const ColumnShape* column(std::string_view wanted) const;
 };
 
 struct IndexShape {

@@ -37,14 +37,16 @@ std::vector<int> placesOf(const ListedTable& table, const std::vector<std::strin
 
 void listTable(Session& session, Database& database, const ListedTable& table, const TablePage& page)
 {
-    const std::vector<int> places = placesOf(table, database.columns(table.name));
+    const std::vector<std::string> columns = database.columns(table.name);
+    const std::vector<int> places = placesOf(table, columns);
     std::vector<Table::Column> titles;
     for (const ListedTable::Column& column : table.columns) {
         titles.push_back({column.name});
     }
     Table list(std::move(titles));
     std::int64_t rows = 0;
-    database.run("SELECT * FROM " + inQuotes(table.name, '"') + " ORDER BY " + table.order + " LIMIT ?, ?",
+    database.run("SELECT " + Database::list(columns) + " FROM " + inQuotes(table.name, '"') + " ORDER BY " +
+                     table.order + " LIMIT ?, ?",
                  {std::int64_t{page.offset}, std::int64_t{page.count}}, [&](const Database::Row& row) {
                      ++rows;
                      if (session.json()) {

@@ -64,6 +64,7 @@ void TransferSimulation::run()
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - then).count();
     };
     std::vector<std::future<void>> workers;
+    workers.reserve(static_cast<std::size_t>(m_threads));
     for (int worker = 0; worker < m_threads; ++worker) {
         workers.push_back(std::async(std::launch::async, [this, worker] { work(worker); }));
     }
