@@ -96,8 +96,10 @@ struct UploadTaskProperty {
 
 /// A transfer of either direction: a row of `TransferTask`, which has the columns in another order. The numbers hold
 /// no defined value until somebody sets them.
+// NOLINTBEGIN(cppcoreguidelines-pro-type-member-init): no defined value, as said
 struct DATABASESERVICE_EXPORT DbTransferTask {
-    DbTransferTask() = default; // NOLINT(cppcoreguidelines-pro-type-member-init): no defined value, as said
+    DbTransferTask() = default;
+    // NOLINTEND(cppcoreguidelines-pro-type-member-init)
     DbTransferTask(const DbTransferTask&) = default;
     DbTransferTask(DbTransferTask&&) = default;
     DbTransferTask& operator=(const DbTransferTask&) = default;

@@ -15,7 +15,7 @@ class RowSink;
 struct UnitOfWork {
     sqlite3* db = nullptr;        ///< null: a connection of the call's own
     sqlite3_stmt* stmt = nullptr; ///< null: a statement of the call's own, made from `sql`
-    std::string_view sql{"", 0};  ///< SQLite refuses null
+    std::string_view sql = "";    // NOLINT(readability-redundant-string-init): SQLite refuses null
     ElementSource* elements = nullptr;
     RowSink* rows = nullptr; ///< makes it a query
 };
