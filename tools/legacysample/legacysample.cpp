@@ -138,13 +138,12 @@ void addGalleryFiles(SampleFile& file, int64 rows)
         const std::string uniqueId(digits.next(32));
         const std::string fileId(digits.next(40));
         const std::string album = "album-" + std::to_string(i % (rows / 1000 + 1));
-        const std::string path = R"(D:\Cloud Pictures\)" + album + '\\' + name;
+        const std::string path = "D:\\Cloud Pictures\\" + album + '\\' + name;
         table.add(uniqueId, fileId, video ? fileId : std::string(), digits.next(64), time, time + 500,
                   "thumb-" + number, "lcd-" + number, 2'000'000 + i % 1'000'000, "", 0, uniqueId, "{\"rotate\":0}", 1,
                   i % 2, i % 7 == 0 ? time : 0, i % 7 == 0 ? album : std::string(), album, 0, path, time, "", 0, "", 0,
                   name, album, i % 20 == 0, video ? 2 : 1, digits.next(16), "2020-01-01 00:00:00", "",
-                  video ? "" : "{\"width\":4032,\"height\":3024,\"model\":\"Camera\"}",
-                  video ? "{\"duration\":12}" : "");
+                  video ? "" : R"({"width":4032,"height":3024,"model":"Camera"})", video ? "{\"duration\":12}" : "");
     }
 }
 

@@ -80,6 +80,7 @@ std::vector<Report::Operation> readPending(DatabaseService::DriverDBProvider& dr
 {
     const std::vector<PendingOperation> operations = pendingOperations(drive);
     std::vector<DatabaseService::DriveDataTable> rows;
+    rows.reserve(operations.size());
     for (const PendingOperation& operation : operations) {
         rows.push_back(operation.row);
     }
