@@ -1,11 +1,7 @@
 #include "support/faultydisk.h"
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstdlib>
-#include <map>
-#include <mutex>
 #include <new>
 #include <sqlite3.h>
 #include <stdexcept>
@@ -16,196 +12,147 @@ namespace testsupport {
 namespace {
 
 using Call = FaultyDisk::Call;
+using Functions = sqlite3_io_methods;
 
-FaultyDisk::Hook hook;
+FaultyDisk::Hook activeHook;
 std::atomic<std::int64_t> changesSoFar = 0;
+std::atomic<int> databasesOpen = 0;
+std::atomic<int> databasesLocked = 0;
 
 bool active = false;
 sqlite3_vfs* systemDisk = nullptr; // from the first object on: connections may outlive it
 sqlite3_vfs faultyDisk;
 
-/// The functions of a file, the system's and ours. SQLite has a set of them for each way to lock a file.
-struct FileFunctions {
-    const sqlite3_io_methods* original = nullptr;
-    sqlite3_io_methods faulty{};
-};
-std::array<FileFunctions, 4> knownFunctions;
-
-struct OpenFile {
-    std::string name;
+/// A file for SQLite. The system's own lies behind it.
+struct OpenFile : sqlite3_file {
+    const char* name; ///< lives as long as the file
     bool isDatabase;
     int lock = SQLITE_LOCK_NONE;
-};
-std::mutex openFilesMutex;
-std::map<const sqlite3_file*, OpenFile> openFiles;
 
-OpenFile& openFileOf(const sqlite3_file* file)
-{
-    const std::lock_guard lock(openFilesMutex);
-    return openFiles.at(file);
-}
-
-int ask(const FaultyDisk::Request& request)
-{
-    changesSoFar += request.call == Call::Write || request.call == Call::Truncate || request.call == Call::Delete;
-    return hook ? hook(request) : SQLITE_OK;
-}
-
-/// What SQLite is told of a request that was not carried out.
-int told(int code)
-{
-    return code == SQLITE_DONE ? SQLITE_OK : code;
-}
-
-const sqlite3_io_methods& originalOf(const sqlite3_file* file)
-{
-    for (const FileFunctions& functions : knownFunctions) {
-        if (file->pMethods == &functions.faulty) {
-            return *functions.original;
-        }
-    }
-    std::abort();
-}
-
-/// The file without our functions, since what is below us may look for its own in their place.
-class Below {
-public:
-    explicit Below(sqlite3_file* file) : m_file(file), m_ours(file->pMethods) { file->pMethods = &originalOf(file); }
-    Below(const Below&) = delete;
-    Below& operator=(const Below&) = delete;
-    ~Below() { m_file->pMethods = m_ours; }
-
-    const sqlite3_io_methods* functions() const { return m_file->pMethods; }
-
-private:
-    sqlite3_file* m_file;
-    const sqlite3_io_methods* m_ours;
+    sqlite3_file* systems() { return reinterpret_cast<sqlite3_file*>(this + 1); }
 };
 
-/// A function of a file that asks with nothing but the kind of the call.
-template <Call call, auto member, class... Arguments> int asking(sqlite3_file* file, Arguments... arguments)
+OpenFile& ours(sqlite3_file* file)
 {
-    const int code = ask({.call = call, .file = openFileOf(file).name});
-    return code == SQLITE_OK ? (Below(file).functions()->*member)(file, arguments...) : code;
+    return *static_cast<OpenFile*>(file);
+}
+
+bool isChange(Call call)
+{
+    return call == Call::Write || call == Call::Truncate || call == Call::Delete;
+}
+
+/// Has the request carried out unless the hook answers otherwise.
+template <class CarryOut> int ask(const FaultyDisk::Request& request, CarryOut carryOut)
+{
+    changesSoFar += isChange(request.call);
+    const int code = activeHook ? activeHook(request) : SQLITE_OK;
+    return code == SQLITE_OK ? carryOut() : code == SQLITE_DONE ? SQLITE_OK : code;
+}
+
+/// A function of a file, as the system has it.
+template <auto function, class... Arguments> auto forward(sqlite3_file* file, Arguments... arguments)
+{
+    sqlite3_file* const systems = ours(file).systems();
+    return (systems->pMethods->*function)(systems, arguments...);
+}
+
+template <auto function, class... Arguments>
+int askAndForward(FaultyDisk::Request request, sqlite3_file* file, Arguments... arguments)
+{
+    request.file = ours(file).name;
+    return ask(request, [&] { return forward<function>(file, arguments...); });
+}
+
+/// The same for one that is asked about with nothing but the kind of the call.
+template <Call call, auto function, class... Arguments> int asking(sqlite3_file* file, Arguments... arguments)
+{
+    return askAndForward<function>({.call = call}, file, arguments...);
 }
 
 int readFile(sqlite3_file* file, void* bytes, int count, sqlite3_int64 offset)
 {
-    const int code = ask({.call = Call::Read, .file = openFileOf(file).name, .place = offset});
-    return code == SQLITE_OK ? Below(file).functions()->xRead(file, bytes, count, offset) : code;
+    return askAndForward<&Functions::xRead>({.call = Call::Read, .place = offset}, file, bytes, count, offset);
 }
 
 int writeFile(sqlite3_file* file, const void* bytes, int count, sqlite3_int64 offset)
 {
     const std::string_view text(static_cast<const char*>(bytes), static_cast<std::size_t>(count));
-    const int code = ask({.call = Call::Write, .file = openFileOf(file).name, .place = offset, .bytes = text});
-    return code == SQLITE_OK ? Below(file).functions()->xWrite(file, bytes, count, offset) : told(code);
+    return askAndForward<&Functions::xWrite>({.call = Call::Write, .place = offset, .bytes = text}, file, bytes, count,
+                                             offset);
 }
 
 int truncateFile(sqlite3_file* file, sqlite3_int64 size)
 {
-    const int code = ask({.call = Call::Truncate, .file = openFileOf(file).name, .place = size});
-    return code == SQLITE_OK ? Below(file).functions()->xTruncate(file, size) : told(code);
+    return askAndForward<&Functions::xTruncate>({.call = Call::Truncate, .place = size}, file, size);
 }
 
 int flushFile(sqlite3_file* file, int /*flags*/)
 {
-    return told(ask({.call = Call::Flush, .file = openFileOf(file).name}));
+    return ask({.call = Call::Flush, .file = ours(file).name}, [] { return SQLITE_OK; });
 }
 
-template <Call call, auto member> int changeLock(sqlite3_file* file, int level)
+void setLock(OpenFile& file, int level)
 {
-    const int code = asking<call, member>(file, level);
+    databasesLocked += file.isDatabase ? (level > SQLITE_LOCK_NONE) - (file.lock > SQLITE_LOCK_NONE) : 0;
+    file.lock = level;
+}
+
+template <Call call, auto function> int changeLock(sqlite3_file* file, int level)
+{
+    const int code = asking<call, function>(file, level);
     if (code == SQLITE_OK) {
-        openFileOf(file).lock = level;
+        setLock(ours(file), level);
     }
     return code;
 }
 
 int closeFile(sqlite3_file* file)
 {
-    const sqlite3_io_methods& original = originalOf(file);
-    {
-        const std::lock_guard lock(openFilesMutex);
-        openFiles.erase(file);
-    }
-    file->pMethods = &original;
-    return original.xClose(file);
+    setLock(ours(file), SQLITE_LOCK_NONE);
+    databasesOpen -= ours(file).isDatabase;
+    return forward<&Functions::xClose>(file);
 }
 
-/// Puts our functions before those of the file.
-void standBetween(sqlite3_file* file, const char* name, bool isDatabase)
-{
-    const std::lock_guard lock(openFilesMutex);
-    openFiles[file] = {name, isDatabase};
-    for (FileFunctions& functions : knownFunctions) {
-        if (functions.original == nullptr) {
-            functions.original = file->pMethods;
-            functions.faulty = *file->pMethods;
-            functions.faulty.xClose = closeFile;
-            functions.faulty.xRead = readFile;
-            functions.faulty.xWrite = writeFile;
-            functions.faulty.xTruncate = truncateFile;
-            functions.faulty.xSync = flushFile;
-            functions.faulty.xFileSize = asking<Call::Size, &sqlite3_io_methods::xFileSize, sqlite3_int64*>;
-            functions.faulty.xLock = changeLock<Call::Lock, &sqlite3_io_methods::xLock>;
-            functions.faulty.xUnlock = changeLock<Call::Unlock, &sqlite3_io_methods::xUnlock>;
-            functions.faulty.xCheckReservedLock = asking<Call::Reserved, &sqlite3_io_methods::xCheckReservedLock, int*>;
-        }
-        if (functions.original == file->pMethods) {
-            file->pMethods = &functions.faulty;
-            return;
-        }
-    }
-    std::abort();
-}
+// clang-format off
+/// Of the second version, which does not map files into memory: reads would come past us.
+const Functions functions{
+    2, closeFile, readFile, writeFile, truncateFile, flushFile, asking<Call::Size, &Functions::xFileSize>,
+    changeLock<Call::Lock, &Functions::xLock>, changeLock<Call::Unlock, &Functions::xUnlock>,
+    asking<Call::Reserved, &Functions::xCheckReservedLock>, forward<&Functions::xFileControl>,
+    forward<&Functions::xSectorSize>, forward<&Functions::xDeviceCharacteristics>, forward<&Functions::xShmMap>,
+    forward<&Functions::xShmLock>, forward<&Functions::xShmBarrier>, forward<&Functions::xShmUnmap>, nullptr, nullptr};
+// clang-format on
 
-int openFile(sqlite3_vfs* /*disk*/, const char* name, sqlite3_file* file, int flags, int* openedAs)
+int openFile(sqlite3_vfs* /*disk*/, const char* name, sqlite3_file* place, int flags, int* openedAs)
 {
-    file->pMethods = nullptr;
-    int code = ask({.call = Call::Open, .file = name == nullptr ? "" : name, .flags = flags});
-    if (code == SQLITE_OK) {
-        code = systemDisk->xOpen(systemDisk, name, file, flags, openedAs);
-    }
-    if (file->pMethods != nullptr) {
-        try {
-            standBetween(file, name == nullptr ? "" : name, (flags & SQLITE_OPEN_MAIN_DB) != 0);
-        } catch (const std::bad_alloc&) {
-            file->pMethods->xClose(file);
-            file->pMethods = nullptr;
-            return SQLITE_NOMEM;
+    auto& file = *new (place) OpenFile{{}, name == nullptr ? "" : name, (flags & SQLITE_OPEN_MAIN_DB) != 0};
+    return ask({.call = Call::Open, .file = file.name, .flags = flags}, [&] {
+        const int code = systemDisk->xOpen(systemDisk, name, file.systems(), flags, openedAs);
+        if (file.systems()->pMethods != nullptr) {
+            file.pMethods = &functions;
+            databasesOpen += file.isDatabase;
         }
-    }
-    return code;
+        return code;
+    });
 }
 
 int deleteFile(sqlite3_vfs* /*disk*/, const char* name, int /*flushFolder*/)
 {
-    const int code = ask({.call = Call::Delete, .file = name});
-    return code == SQLITE_OK ? systemDisk->xDelete(systemDisk, name, 0) : told(code);
+    return ask({.call = Call::Delete, .file = name}, [&] { return systemDisk->xDelete(systemDisk, name, 0); });
 }
 
 int existsFile(sqlite3_vfs* /*disk*/, const char* name, int flags, int* answer)
 {
-    const int code = ask({.call = Call::Exists, .file = name});
-    return code == SQLITE_OK ? systemDisk->xAccess(systemDisk, name, flags, answer) : code;
-}
-
-int countDatabases(int lockedAtLeast)
-{
-    const std::lock_guard lock(openFilesMutex);
-    return static_cast<int>(std::ranges::count_if(openFiles, [lockedAtLeast](const auto& entry) {
-        return entry.second.isDatabase && entry.second.lock >= lockedAtLeast;
-    }));
+    return ask({.call = Call::Exists, .file = name},
+               [&] { return systemDisk->xAccess(systemDisk, name, flags, answer); });
 }
 
 } // namespace
 
 FaultyDisk::FaultyDisk(Fault fault, std::int64_t atChange)
     : FaultyDisk([fault, atChange](const Request& request) {
-          const bool isChange =
-              request.call == Call::Write || request.call == Call::Truncate || request.call == Call::Delete;
-          if (fault == Fault::None || !isChange || changesSoFar < atChange) {
+          if (fault == Fault::None || !isChange(request.call) || changesSoFar < atChange) {
               return SQLITE_OK;
           }
           if (fault == Fault::Kill) {
@@ -216,15 +163,16 @@ FaultyDisk::FaultyDisk(Fault fault, std::int64_t atChange)
 {
 }
 
-FaultyDisk::FaultyDisk(Hook ours)
+FaultyDisk::FaultyDisk(Hook hook)
 {
     if (std::exchange(active, true)) {
         throw std::logic_error("there is a faulty disk already");
     }
-    hook = std::move(ours);
+    activeHook = std::move(hook);
     changesSoFar = 0;
     systemDisk = sqlite3_vfs_find(nullptr);
     faultyDisk = *systemDisk;
+    faultyDisk.szOsFile += static_cast<int>(sizeof(OpenFile));
     faultyDisk.zName = "faulty";
     faultyDisk.pNext = nullptr;
     faultyDisk.xOpen = openFile;
@@ -235,7 +183,7 @@ FaultyDisk::FaultyDisk(Hook ours)
 
 FaultyDisk::~FaultyDisk()
 {
-    hook = nullptr;
+    activeHook = nullptr;
     sqlite3_vfs_unregister(&faultyDisk);
     sqlite3_vfs_register(systemDisk, 1);
     active = false;
@@ -248,12 +196,12 @@ std::int64_t FaultyDisk::changes()
 
 int FaultyDisk::openDatabases()
 {
-    return countDatabases(SQLITE_LOCK_NONE);
+    return databasesOpen;
 }
 
 int FaultyDisk::lockedDatabases()
 {
-    return countDatabases(SQLITE_LOCK_SHARED);
+    return databasesLocked;
 }
 
 } // namespace testsupport
