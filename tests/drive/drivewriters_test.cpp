@@ -5,6 +5,8 @@
 
 using namespace testsupport;
 using DatabaseService::DriveDataTable;
+using Drive = DatabaseService::DriverDBProvider;
+using Records = std::vector<DriveDataTable>;
 
 namespace {
 
@@ -26,34 +28,97 @@ const EngineLines lines("DriveModuleData.dat");
 const std::string all =
     cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare;
 
-const DriveUpdate updates[] = {
-    {"UpdateDriveData, one", [](auto& drive, auto& record) { return drive.UpdateDriveData(record); }, all},
-    {"UpdateDriveData, pointers",
-     [](auto& drive, auto& record) {
-         return drive.UpdateDriveData(std::vector{std::make_shared<DriveDataTable>(record)});
-     },
-     all},
-    {"UpdateDriveAllData", [](auto& drive, auto& record) { return drive.UpdateDriveAllData({record}); },
-     cloud + local + batch + "autoUpload riskFileSign riskFileType " + spare},
-    {"UpdateDriveBaseData", [](auto& drive, auto& record) { return drive.UpdateDriveBaseData({record}); },
-     cloud + local + "autoUpload needToDisplay riskFileSign riskFileType " + spare},
-    {"UpdateDriveSimpleData", [](auto& drive, auto& record) { return drive.UpdateDriveSimpleData({record}); },
-     "name size parentId recycled directlyRecycled modifiedTime recycledTime contentVersion version riskFileSign "
-     "fileExtSign needToDisplay classIndex riskFileType deleteSrcPath "},
-    {"UpdateDriveOperData", [](auto& drive, auto& record) { return drive.UpdateDriveOperData({record}); }, markers},
-    {"UpdateSimpleAllData", [](auto& drive, auto& record) { return drive.UpdateSimpleAllData({record}); },
-     "name size parentId favorite recycled directlyRecycled modifiedTime recycledTime version " + markers +
-         "riskFileSign riskFileType fileExtSign needToDisplay classIndex deleteSrcPath "},
-    {"UpdateFileLocalInfo", [](auto& drive, auto& record) { return drive.UpdateFileLocalInfo({record}); },
-     "localAbsolutePath localFileSha256 "},
-    {"UpdateCloudContentStatusById",
-     [](auto& drive, auto& record) {
-         return drive.UpdateCloudContentStatusById(record.GetFileid(), record.GetCloudContentStatus());
-     },
-     "needToDisplay ", "WHERE fileId = :fileId;"},
+/// An update of rows by one statement.
+struct Update {
+    const char* name;
+    std::function<bool(Drive&, const Records&)> call;
+    std::string columns; ///< in the statement's order, with "=" and the parameter where that is not the namesake
+    std::string tail = "WHERE fileId = :fileId";
 };
 
-using DriveWriters = DriveTest;
+const Update batches[] = {
+    {"pointers",
+     [](auto& drive, auto& records) {
+         return drive.UpdateDriveData(
+             mapped(records, [](const auto& record) { return std::make_shared<DriveDataTable>(record); }));
+     },
+     all},
+    {"all", &Drive::UpdateDriveAllData, cloud + local + batch + "autoUpload riskFileSign riskFileType " + spare},
+    {"base", &Drive::UpdateDriveBaseData,
+     cloud + local + "autoUpload needToDisplay riskFileSign riskFileType " + spare},
+    {"simple", &Drive::UpdateDriveSimpleData,
+     "name size parentId recycled directlyRecycled modifiedTime recycledTime contentVersion version riskFileSign "
+     "fileExtSign needToDisplay classIndex riskFileType deleteSrcPath "},
+    {"operations", &Drive::UpdateDriveOperData, markers},
+    {"simple with operations", &Drive::UpdateSimpleAllData,
+     "name size parentId favorite recycled directlyRecycled modifiedTime recycledTime version " + markers +
+         "riskFileSign riskFileType fileExtSign needToDisplay classIndex deleteSrcPath "},
+    {"local", &Drive::UpdateFileLocalInfo, "localAbsolutePath localFileSha256 "},
+    {"new folder", &Drive::NewDirDriveDataById, "fileId name kind contentVersion modifiedTime recycledTime newBatchId",
+     "WHERE fileId = :helpData;"},
+    {"upload", &Drive::UploadDriveDataById, "mimeType name kind contentVersion version newBatchId fileId=helpData",
+     "WHERE fileId = :fileId;"},
+    {"rename", &Drive::RenameDriveDataById, "renameName name renameBatchId renameTime", "WHERE fileId = :fileId ;"},
+    {"move", &Drive::MoveDriveDataToParent, "moveParentId moveBatchId moveTime", "WHERE fileId = :fileId ;"},
+    {"soft delete", &Drive::SoftDeleteDriveDataById, "softDelete softDeleteSrcPath softDelBatchId softDelTime",
+     "WHERE fileId = :fileId ;"},
+    {"hard delete", &Drive::HardDeleteDriveDataById, "hardDelete hardDelBatchId hardDelTime",
+     "WHERE fileId = :fileId ;"},
+    {"restore", &Drive::RestoreDriveDataById, "localRestore restoreBatchId restoreTime", "WHERE fileId = :fileId ;"},
+};
+
+const Update single{"one", [](auto& drive, auto& records) { return drive.UpdateDriveData(records.at(0)); }, all};
+const Update display{"display",
+                     [](auto& drive, auto& records) {
+                         const DriveDataTable& record = records.at(0);
+                         return drive.UpdateCloudContentStatusById(record.GetFileid(), record.GetCloudContentStatus());
+                     },
+                     "needToDisplay ", "WHERE fileId = :fileId;"};
+
+DriveDataTable keyed(const std::string& fileId, const std::string& helpData)
+{
+    DriveDataTable record = treeRecord(fileId, "");
+    record.SetHelpData(helpData);
+    return record;
+}
+
+struct DriveWriters : DriveTest {
+    /// Fills a row, has `update` change it from a record that differs in every member, and compares statement and row
+    /// with what it names. An update by `helpData` gets the row's id there.
+    void expectExactly(const Update& update)
+    {
+        m_file.exec("DELETE FROM DriveDataTable");
+        m_drive.InsertDriveDataBatch({filledRecord("id", 1), filledRecord("other", 2)});
+        m_file.exec("UPDATE DriveDataTable SET subFileAndDirectory = 5, operateType = 6, device = 'd'");
+        m_drive.trace.take();
+        const bool byHelpData = update.tail.find(":helpData") != std::string::npos;
+        DriveDataTable record = filledRecord(byHelpData ? "new" : "id", 3);
+        record.SetHelpData(byHelpData ? "id" : "new");
+        EXPECT_TRUE(update.call(m_drive, {record}));
+
+        std::vector<std::string> settings;
+        DriveDataTable expected = filledRecord("id", 1);
+        for (const std::string& word : split(update.columns)) {
+            const std::string column = word.substr(0, word.find('='));
+            const std::string parameter = word.substr(word.find('=') + 1);
+            const auto field = std::ranges::find(driveFields(), column, &DriveField::column);
+            ASSERT_TRUE(field != driveFields().end()) << column;
+            field->set(expected, parameter == "helpData" ? record.GetHelpData() : field->get(record));
+            settings.push_back(column + " = :" + parameter);
+        }
+        EXPECT_EQ(statement(), "UPDATE DriveDataTable SET " + joined(settings) + ' ' + update.tail);
+        EXPECT_EQ(row(expected.GetFileid()), cellsOf(expected));
+        EXPECT_EQ(row("other"), cellsOf(filledRecord("other", 2)));
+        EXPECT_EQ(m_file.value("SELECT count(*) FROM DriveDataTable WHERE subFileAndDirectory = 5 AND operateType = 6 "
+                               "AND device = 'd'"),
+                  "2");
+
+        const std::string there = ids();
+        EXPECT_TRUE(update.call(m_drive, {filledRecord("unknown", 4)}));
+        EXPECT_EQ(ids(), there) << "an update inserts nothing";
+        m_drive.trace.take();
+    }
+};
 
 } // namespace
 
@@ -88,11 +153,26 @@ TEST_F(DriveWriters, ReplaceForgetsTheLocalPath)
     EXPECT_EQ(m_drive.GetDriveDataById("there").GetLocalAbsolutePath(), "");
 }
 
-TEST_F(DriveWriters, EachUpdateTouchesExactlyItsColumns)
+TEST_F(DriveWriters, EachUpdateTouchesExactlyItsColumnsInOneTransaction)
 {
-    for (const DriveUpdate& update : updates) {
+    expectExactly(single);
+    expectExactly(display);
+    for (const Update& update : batches) {
+        SCOPED_TRACE(update.name);
         expectExactly(update);
+        EXPECT_TRUE(update.call(m_drive, {keyed("id", "id"), keyed("unknown", "unknown"), keyed("other", "other")}));
+        EXPECT_EQ(m_drive.trace.take().size(), 5U);
+        EXPECT_TRUE(update.call(m_drive, {}));
+        EXPECT_EQ(m_drive.trace.take().size(), 2U) << "an empty batch begins and commits";
     }
+}
+
+TEST_F(DriveWriters, NothingGuardsTheKey)
+{
+    m_drive.InsertDriveDataBatch({treeRecord("a", ""), treeRecord("taken", ""), treeRecord("child", "a")});
+    EXPECT_TRUE(m_drive.UploadDriveDataById({keyed("a", "taken"), keyed("a", "")}));
+    EXPECT_TRUE(m_log.failuresWere({lines.step, lines.bindMessage("UNIQUE constraint failed: DriveDataTable.fileId")}));
+    EXPECT_EQ(m_file.text("SELECT fileId, parentId FROM DriveDataTable ORDER BY 1"), "''|''\n'child'|'a'\n'taken'|''");
 }
 
 TEST_F(DriveWriters, ABatchIsOneTransactionThatLosesFailedRowsOnly)
@@ -111,10 +191,9 @@ TEST_F(DriveWriters, ABatchIsOneTransactionThatLosesFailedRowsOnly)
 
     m_drive.trace.take();
     EXPECT_TRUE(m_drive.InsertDriveDataBatch({}));
-    EXPECT_TRUE(m_drive.UpdateDriveData(std::vector<std::shared_ptr<DriveDataTable>>()));
     EXPECT_TRUE(m_drive.DeleteDriveDataById(std::vector<std::string>()));
     EXPECT_TRUE(m_drive.UpdateCloudContentStatusByIds({}));
-    EXPECT_EQ(m_drive.trace.take().size(), 8U) << "an empty batch begins and commits";
+    EXPECT_EQ(m_drive.trace.take().size(), 3U * 2) << "an empty batch begins and commits";
 }
 
 TEST_F(DriveWriters, UpdateByNamesPatchesEighteenMembers)
@@ -169,17 +248,17 @@ TEST_F(DriveWriters, OnlyTheDisplayFlagReportsTheEngine)
     const DriveDataTable record = treeRecord("a", "");
     std::vector<std::string> statements{"SELECT 1", "SELECT 2"};
     EXPECT_TRUE(m_drive.InitDatabase() && m_drive.InsertDriveData(record) && m_drive.ReplaceDriveData(record));
-    for (const DriveUpdate& update : updates) {
-        const bool reports = std::string(update.name).starts_with("UpdateCloudContentStatus");
-        EXPECT_EQ(update.call(m_drive, record), !reports) << update.name;
+    for (const Update& update : batches) {
+        EXPECT_TRUE(update.call(m_drive, {record})) << update.name;
     }
-    EXPECT_FALSE(m_drive.UpdateCloudContentStatusByIds({}));
+    EXPECT_TRUE(single.call(m_drive, {record}));
+    EXPECT_FALSE(display.call(m_drive, {record}) || m_drive.UpdateCloudContentStatusByIds({}));
     EXPECT_TRUE(m_drive.UpdateDriveData("a", {{"name", "b"}}));
     EXPECT_TRUE(m_drive.DeleteDriveDataById("a") && m_drive.DeleteDriveDataById(std::vector<std::string>{"a"}));
     EXPECT_TRUE(m_drive.DeleteAllDriveData() && m_drive.DeleteDriveDataWithoutLocal());
     EXPECT_TRUE(m_drive.ExecuteSQL("SELECT 1") && m_drive.ExecuteSQLList(statements));
     EXPECT_FALSE(std::filesystem::exists(path(L"missing")));
-    EXPECT_EQ(failedOpens(), 10 + 21);
+    EXPECT_EQ(failedOpens(), 10 + 21 + 7);
 }
 
 TEST_F(DriveWriters, Deletes)
