@@ -1,6 +1,6 @@
 #include "databaseservice/gallerydbprovider.h"
 #include "support/enginelines.h"
-#include "support/lists.h"
+#include "support/recordfields.h"
 #include "support/storetest.h"
 
 #include <functional>
@@ -11,24 +11,31 @@ using namespace DatabaseService::GalleryDBProvider;
 
 namespace {
 
-constexpr int64 big = 5'000'000'000;
+using A = AlbumTable;
+using V = AlbumVersionTable;
+using G = GalleryFileTable;
+using D = DownloadTaskTable;
+using C = TransferCompleteCloudTaskTable;
+using U = UploadTaskTable;
 
-/// A table and a record whose members hold the name of their column, if text, and else their place, beyond 32 bits or
-/// below zero.
 struct Table {
-    const char* name;
-    const char* columns;
-    const char* kinds; // Text, Integer of 32 bits, Long one
-    const char* key;
+    std::string name;
+    std::string kinds; ///< of the columns: Text, Integer of 32 bits, Long one
+    std::vector<char> kindsOfMembers;
+    bool tells; ///< how an insert ended
+    std::vector<std::string> columns;
+    std::vector<std::string> row;
+    std::function<Rows(SqliteFile&)> schema;
     std::function<bool()> insert;
     std::function<int()> count;
 };
 
-template <class Result, class Record>
-std::function<bool()> inserting(Result (*insert)(std::vector<Record>&), const Record& record)
+template <class Record, class Result>
+Table table(const RecordFields<Record>& fields, const char* kinds, Result (*insert)(std::vector<Record>&),
+            int (*count)())
 {
-    return [=] {
-        std::vector<Record> records{record};
+    const auto insertOne = [=] {
+        std::vector records{fields.filled(1)};
         if constexpr (std::is_void_v<Result>) {
             insert(records);
             return true;
@@ -36,56 +43,51 @@ std::function<bool()> inserting(Result (*insert)(std::vector<Record>&), const Re
             return insert(records);
         }
     };
+    const auto kind = [](const auto& field) { return field.text ? 'T' : field.bits == 64 ? 'L' : 'I'; };
+    const auto schema = [=](SqliteFile& file) { return fields.schema(file); };
+    return {fields.table,
+            kinds,
+            mapped(fields.all, kind),
+            !std::is_void_v<Result>,
+            mapped(fields.all, &RecordField<Record>::column),
+            fields.cells(fields.filled(1)),
+            schema,
+            insertOne,
+            count};
 }
 
 // clang-format off
-const GalleryFileTable filled{
-    "UniqueId", "FileId", "VideoThumbId", "Hash", big + 4, big + 5, "ThumbFileId", "LcdFileId", big + 8,
-    "RecycleAlbumId", big + 10, "Guid", "Expand", -13, -14, -15, "LocalPath", "OperateTime", -18, -19,
-    "ContinuousName", -21, "FileName", "AlbumId", -24, -25, "CheckSumn", "Sdsmtime", "PictureMetadata",
-    "VideoMetadata"};
-// clang-format on
+const RecordFields<G> pictures{"GalleryFile",
+    FIELDS(G, &G::UniqueId, &G::FileId, &G::VideoThumbId, &G::Hash, &G::CreateTime, &G::FirstUpdateTime,
+    &G::ThumbFileId, &G::LcdFileId, &G::Size, &G::RecycleAlbumId, &G::RecycleTime, &G::Guid, &G::Expand,
+    &G::GalleryState, &G::IsLocalUpload, &G::Offset, &G::LocalPath, &G::OperateTime, &G::ContinuousNo,
+    &G::ContinuousType, &G::ContinuousName, &G::IsDeleted, &G::FileName, &G::AlbumId, &G::IsFavorite, &G::SavedFileType,
+    &G::CheckSumn, &G::Sdsmtime, &G::PictureMetadata, &G::VideoMetadata)};
 
 const Table tables[] = {
-    {"Album", "AlbumId AlbumName CreateTime Lpath AlbumType Operation IsDelete Expand", "TTLTTTIT", "AlbumId",
-     inserting(InsertAlbumTable, {"AlbumId", "AlbumName", big + 2, "Lpath", "AlbumType", "Operation", -6, "Expand"}),
-     CountAlbumTable},
-    {"AlbumLocalVersion",
-     "AlbumVersion AlbumListVersion LatestVersion ClearVersion UpdateTime HasDownAll TempVersion Cursor RecyCursor "
-     "BriefingTime SyncToken CloudPhotoVersion FileCursor",
-     "TTITLIITTTTTT", "AlbumVersion",
-     inserting(InsertAlbumVersionTable,
-               {"AlbumVersion", "AlbumListVersion", -2, "ClearVersion", big + 4, -5, -6, "Cursor", "RecyCursor",
-                "BriefingTime", "SyncToken", "CloudPhotoVersion", "FileCursor"}),
-     CountAlbumVersionTable},
-    {"GalleryFile",
-     "UniqueId FileId VideoThumbId Hash CreateTime FirstUpdateTime ThumbFileId LcdFileId Size RecycleAlbumId "
-     "RecycleTime Guid Expand GalleryState IsLocalUpload Offset LocalPath OperateTime ContinuousNo ContinuousType "
-     "ContinuousName IsDeleted FileName AlbumId IsFavorite SavedFileType CheckSumn Sdsmtime PictureMetadata "
-     "VideoMetadata",
-     "TTTTLLTTLTLTTIIITTIITITTIITTTT", "UniqueId", inserting(InsertGalleryFileTable, filled), CountGalleryFileTable},
-    {"DownloadTask",
-     "FileName AlbumId FileId UniqueId TotalLength Position LocalPath OriginalFileLocalPath TaskType "
-     "IsLocalFileDownload Id",
-     "TTTTLITTIII", "Id",
-     inserting(
-         InsertDownloadTaskTable,
-         {"FileName", "AlbumId", "FileId", "UniqueId", big + 4, -5, "LocalPath", "OriginalFileLocalPath", -8, -9, -10}),
-     CountDownloadTaskTable},
-    {"TransferCompleteCloudTask",
-     "FileName FileId UniqueId TotalLength LocalPath TaskType EndTime IsLocalFileDownload Id", "TTTLTILII", "Id",
-     inserting(InsertTransferCompleteCloudTaskTable,
-               {"FileName", "FileId", "UniqueId", big + 3, "LocalPath", -5, big + 6, -7, -8}),
-     CountTransferCompleteCloudTaskTable},
-    {"UploadTask",
-     "FileName AlbumId FileId UniqueId TotalLength Position LocalPath OriginalFileLocalPath TaskStatus TaskType "
-     "StartTime EndTime IsFastUpload TransferId IsLocalFileDownload Id ServerPath",
-     "TTTTLITTIITTITIIT", "Id",
-     inserting(InsertUploadTaskTable,
-               {"FileName", "AlbumId", "FileId", "UniqueId", big + 4, -5, "LocalPath", "OriginalFileLocalPath", -8, -9,
-                "StartTime", "EndTime", -12, "TransferId", -14, -15, "ServerPath"}),
-     CountUploadTaskTable},
+    table<A>({"Album",
+        FIELDS(A, &A::AlbumId, &A::AlbumName, &A::CreateTime, &A::Lpath, &A::AlbumType, &A::Operation, &A::IsDelete,
+        &A::Expand)}, "TTLTTTIT", InsertAlbumTable, CountAlbumTable),
+    table<V>({"AlbumLocalVersion",
+        FIELDS(V, &V::AlbumVersion, &V::AlbumListVersion, &V::LatestVersion, &V::ClearVersion, &V::UpdateTime,
+        &V::HasDownAll, &V::TempVersion, &V::Cursor, &V::RecyCursor, &V::BriefingTime, &V::SyncToken,
+        &V::CloudPhotoVersion, &V::FileCursor)}, "TTITLIITTTTTT", InsertAlbumVersionTable, CountAlbumVersionTable),
+    table(pictures, "TTTTLLTTLTLTTIIITTIITITTIITTTT", InsertGalleryFileTable, CountGalleryFileTable),
+    table<D>({"DownloadTask",
+        FIELDS(D, &D::FileName, &D::AlbumId, &D::FileId, &D::UniqueId, &D::TotalLength, &D::Position, &D::LocalPath,
+        &D::OriginalFileLocalPath, &D::TaskType, &D::IsLocalFileDownload, &D::Id)}, "TTTTLITTIII",
+        InsertDownloadTaskTable, CountDownloadTaskTable),
+    table<C>({"TransferCompleteCloudTask",
+        FIELDS(C, &C::FileName, &C::FileId, &C::UniqueId, &C::TotalLength, &C::LocalPath, &C::TaskType, &C::EndTime,
+        &C::IsLocalFileDownload, &C::Id)}, "TTTLTILII", InsertTransferCompleteCloudTaskTable,
+        CountTransferCompleteCloudTaskTable),
+    table<U>({"UploadTask",
+        FIELDS(U, &U::FileName, &U::AlbumId, &U::FileId, &U::UniqueId, &U::TotalLength, &U::Position, &U::LocalPath,
+        &U::OriginalFileLocalPath, &U::TaskStatus, &U::TaskType, &U::StartTime, &U::EndTime, &U::IsFastUpload,
+        &U::TransferId, &U::IsLocalFileDownload, &U::Id, &U::ServerPath)}, "TTTTLITTIITTITIIT", InsertUploadTaskTable,
+        CountUploadTaskTable),
 };
+// clang-format on
 
 struct Gallery : StoreTest {
     Gallery() { InitGalleryDatabase(L"gallery.dat"); }
@@ -100,31 +102,26 @@ struct Gallery : StoreTest {
 TEST_F(Gallery, EachTableHoldsItsRecord)
 {
     std::string order;
-    for (const auto& [name, columns, kinds, key, insert, count] : tables) {
+    for (const auto& [name, kinds, kindsOfMembers, tells, columns, row, schema, insert, count] : tables) {
         SCOPED_TRACE(name);
-        order += (order.empty() ? "'" : ",") + std::string(name);
-        Rows schema;
-        Rows row(1);
-        for (const std::string& column : split(columns)) {
-            const std::size_t place = schema.size();
-            const bool text = kinds[place] == 'T';
-            schema.push_back({textCell(column), text ? "'TEXT'" : "'INTEGER'", "1", "NULL", column == key ? "1" : "0"});
-            const int64 number = static_cast<int64>(place);
-            row[0].push_back(text ? textCell(column) : std::to_string(kinds[place] == 'L' ? big + number : -number));
+        order += (order.empty() ? "'" : ",") + name;
+        EXPECT_EQ(std::string(kindsOfMembers.begin(), kindsOfMembers.end()), kinds);
+        const std::string key = tells ? columns[0] : "Id";
+        Rows expected;
+        for (const std::string& column : columns) {
+            const char* const type = kinds[expected.size()] == 'T' ? "'TEXT'" : "'INTEGER'";
+            expected.push_back({textCell(column), type, "1", "NULL", column == key ? "1" : "0"});
         }
-        const std::string table = name;
-        EXPECT_EQ(m_file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" + table +
-                               "') ORDER BY cid"),
-                  schema);
+        EXPECT_EQ(schema(m_file), expected);
         EXPECT_EQ(count(), 0);
         EXPECT_TRUE(insert());
-        EXPECT_EQ(m_file.query("SELECT * FROM " + table), row);
+        EXPECT_EQ(m_file.query("SELECT * FROM " + name), Rows{row});
 
         // A record of the same key replaces the whole row, and one of another stands beside it.
-        m_file.exec("UPDATE " + table + " SET " + schema[1][0] + " = '?'");
+        m_file.exec("UPDATE " + name + " SET " + columns[1] + " = '?'");
         EXPECT_TRUE(insert());
-        EXPECT_EQ(m_file.query("SELECT * FROM " + table), row);
-        m_file.exec("UPDATE " + table + " SET " + key + " = 7");
+        EXPECT_EQ(m_file.query("SELECT * FROM " + name), Rows{row});
+        m_file.exec("UPDATE " + name + " SET " + key + " = 7");
         EXPECT_TRUE(insert());
         EXPECT_EQ(count(), 2);
     }
@@ -133,13 +130,9 @@ TEST_F(Gallery, EachTableHoldsItsRecord)
 
 TEST_F(Gallery, AFileIsFoundByItsUniqueId)
 {
-    std::vector<GalleryFileTable> records{filled};
+    std::vector<G> records{pictures.filled(1)};
     EXPECT_TRUE(InsertGalleryFileTable(records));
-    const Rows stored = m_file.query("SELECT * FROM GalleryFile");
-    records = {find("UniqueId")};
-    m_file.exec("DELETE FROM GalleryFile");
-    EXPECT_TRUE(InsertGalleryFileTable(records));
-    EXPECT_EQ(m_file.query("SELECT * FROM GalleryFile"), stored);
+    EXPECT_EQ(pictures.cells(find(records[0].UniqueId)), pictures.cells(records[0]));
     EXPECT_TRUE(find("uniqueid").UniqueId.empty());
     m_file.exec("UPDATE GalleryFile SET \"Offset\" = 4294967301, UniqueId = '\u76F8'");
     EXPECT_EQ(find("\u76F8").Offset, 5) << "cut to the member";
@@ -177,8 +170,7 @@ TEST_F(Gallery, ResetDropsTheTablesUntilTheNextStart)
     for (const Table& table : tables) {
         SCOPED_TRACE(table.name);
         EXPECT_EQ(table.count(), 0);
-        const bool silent = table.key == std::string("Id");
-        EXPECT_EQ(table.insert(), silent) << "the task tables' writers tell nothing";
+        EXPECT_EQ(table.insert(), !table.tells);
         EXPECT_TRUE(m_log.failuresWere({prepare, prepare}));
     }
     EXPECT_TRUE(find("UniqueId").UniqueId.empty());

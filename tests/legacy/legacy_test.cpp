@@ -86,12 +86,10 @@ Table table(const char* name, const char* kinds, const std::vector<RecordField<R
 // clang-format off
 template <class T> std::vector<RecordField<T>> taskFields()
 {
-    std::vector<RecordField<T>> fields{
-        FIELD(T, Id), FIELD(T, FileName), FIELD(T, RelativePath), FIELD(T, AlbumId), FIELD(T, FileId),
-        FIELD(T, UniqueId), FIELD(T, TotalLength), FIELD(T, Speed), FIELD(T, OldPosition), FIELD(T, Position),
-        FIELD(T, LocalPath), FIELD(T, OriginalFileLocalPath), FIELD(T, TaskStatus), FIELD(T, TaskType),
-        FIELD(T, StartTime), FIELD(T, EndTime), FIELD(T, RealTime), FIELD(T, IsFastUpload), FIELD(T, TransferId),
-        FIELD(T, IsLocalFileDownload)};
+    auto fields = FIELDS(T, &T::Id, &T::FileName, &T::RelativePath, &T::AlbumId, &T::FileId, &T::UniqueId,
+        &T::TotalLength, &T::Speed, &T::OldPosition, &T::Position, &T::LocalPath, &T::OriginalFileLocalPath,
+        &T::TaskStatus, &T::TaskType, &T::StartTime, &T::EndTime, &T::RealTime, &T::IsFastUpload, &T::TransferId,
+        &T::IsLocalFileDownload);
     if constexpr (std::is_same_v<T, UploadTask>) {
         fields.emplace_back("ServerPath", &T::ServerPath);
     }
@@ -110,36 +108,32 @@ using L = UserLog;
 
 // In the order in which they are laid down; nothing reads the second table of logs.
 const Table tables[] = {
-    table<G>("GalleryFile", "TTTTLLTTLTLTTIILTTITLTITITTIITMTTT", {
-        FIELD(G, UniqueId), FIELD(G, FileId), FIELD(G, VideoThumbId), FIELD(G, Hash), FIELD(G, CreateTime),
-        FIELD(G, FirstUpdateTime), FIELD(G, ThumbFileId), FIELD(G, LcdFileId), FIELD(G, Size), FIELD(G, RecycleAlbumId),
-        FIELD(G, RecycleTime), FIELD(G, Guid), FIELD(G, Expand), FIELD(G, GalleryState), FIELD(G, IsLocalUpload),
-        FIELD(G, LocalUploadTime), FIELD(G, OriginalAlbumId), FIELD(G, ServerAlbumId), FIELD(G, Offset),
-        FIELD(G, LocalPath), FIELD(G, OperateTime), FIELD(G, CoverUniqueId), FIELD(G, ContinuousType),
-        FIELD(G, ContinuousName), FIELD(G, IsDeleted), FIELD(G, FileName), FIELD(G, AlbumId), FIELD(G, IsFavorite),
-        FIELD(G, SavedFileType), FIELD(G, CheckSumn), FIELD(G, Sdsmtime), FIELD(G, VideoDownloadLocalPath),
-        FIELD(G, PictureMetadata), FIELD(G, VideoMetadata)}, GetAllGalleryFile),
-    table<V>("AlbumLocalVersion", "TTLTLILTTLTTT", {
-        FIELD(V, AlbumVersion), FIELD(V, AlbumListVersion), FIELD(V, LatestVersion), FIELD(V, ClearVersion),
-        FIELD(V, UpdateTime), FIELD(V, HasDownAll), FIELD(V, TempVersion), FIELD(V, Cursor), FIELD(V, RecyCursor),
-        FIELD(V, BriefingTime), FIELD(V, SyncToken), FIELD(V, CloudPhotoVersion),
-        FIELD(V, FileCursor)}, GetAllAlbumLocalVersion),
-    table<Album>("Album", "TTLTTTIT", {
-        FIELD(Album, AlbumId), FIELD(Album, AlbumName), FIELD(Album, CreateTime), FIELD(Album, Lpath),
-        FIELD(Album, AlbumType), FIELD(Album, Operation), FIELD(Album, IsDelete), FIELD(Album, Expand)}, GetAllAlbum),
+    table<G>("GalleryFile", "TTTTLLTTLTLTTIILTTITLTITITTIITMTTT",
+        FIELDS(G, &G::UniqueId, &G::FileId, &G::VideoThumbId, &G::Hash, &G::CreateTime, &G::FirstUpdateTime,
+        &G::ThumbFileId, &G::LcdFileId, &G::Size, &G::RecycleAlbumId, &G::RecycleTime, &G::Guid, &G::Expand,
+        &G::GalleryState, &G::IsLocalUpload, &G::LocalUploadTime, &G::OriginalAlbumId, &G::ServerAlbumId, &G::Offset,
+        &G::LocalPath, &G::OperateTime, &G::CoverUniqueId, &G::ContinuousType, &G::ContinuousName, &G::IsDeleted,
+        &G::FileName, &G::AlbumId, &G::IsFavorite, &G::SavedFileType, &G::CheckSumn, &G::Sdsmtime,
+        &G::VideoDownloadLocalPath, &G::PictureMetadata, &G::VideoMetadata), GetAllGalleryFile),
+    table<V>("AlbumLocalVersion", "TTLTLILTTLTTT",
+        FIELDS(V, &V::AlbumVersion, &V::AlbumListVersion, &V::LatestVersion, &V::ClearVersion, &V::UpdateTime,
+        &V::HasDownAll, &V::TempVersion, &V::Cursor, &V::RecyCursor, &V::BriefingTime, &V::SyncToken,
+        &V::CloudPhotoVersion, &V::FileCursor), GetAllAlbumLocalVersion),
+    table<Album>("Album", "TTLTTTIT",
+        FIELDS(Album, &Album::AlbumId, &Album::AlbumName, &Album::CreateTime, &Album::Lpath, &Album::AlbumType,
+        &Album::Operation, &Album::IsDelete, &Album::Expand), GetAllAlbum),
     table<DownloadTask>("DownloadTask", "ITTTTTLILLTTIILLRITI", taskFields<DownloadTask>(),
                         bothHalves(GetAllDownloadTask)),
     table<TransferCompleteCloudTask>("TransferCompleteCloudTask", "ITTTTTLILLTTIILTRITI",
                                      taskFields<TransferCompleteCloudTask>(),
                                      bothHalves(GetAllTransferCompleteCloudTask)),
     table<UploadTask>("UploadTask", "ITTTTTLILLTTIITLRITIT", taskFields<UploadTask>(), GetAllUploadTask),
-    table<P>("UserProperties", "ITT", {FIELD(P, Id), FIELD(P, key), FIELD(P, Value)}, GetAllUserProperties),
-    table<L>("UserLog", "ITTTTTTTTDDTTTTTLLTTTTDTI", {
-        FIELD(L, Id), FIELD(L, Time), FIELD(L, Action), FIELD(L, UserId), FIELD(L, DevId), FIELD(L, Code),
-        FIELD(L, Info), FIELD(L, Extend), FIELD(L, TraceId), FIELD(L, UseTime), FIELD(L, StartTime), FIELD(L, Model),
-        FIELD(L, Romversion), FIELD(L, Appversion), FIELD(L, Reqsize), FIELD(L, Rspsize), FIELD(L, Logversion),
-        FIELD(L, TraceEndFlag), FIELD(L, CurModule), FIELD(L, Actiontype), FIELD(L, NextModule), FIELD(L, CountryCode),
-        FIELD(L, ResidenceTime), FIELD(L, OprType), FIELD(L, IsMaintenanceLog)}, GetAllUserLog),
+    table<P>("UserProperties", "ITT", FIELDS(P, &P::Id, &P::key, &P::Value), GetAllUserProperties),
+    table<L>("UserLog", "ITTTTTTTTDDTTTTTLLTTTTDTI",
+        FIELDS(L, &L::Id, &L::Time, &L::Action, &L::UserId, &L::DevId, &L::Code, &L::Info, &L::Extend, &L::TraceId,
+        &L::UseTime, &L::StartTime, &L::Model, &L::Romversion, &L::Appversion, &L::Reqsize, &L::Rspsize, &L::Logversion,
+        &L::TraceEndFlag, &L::CurModule, &L::Actiontype, &L::NextModule, &L::CountryCode, &L::ResidenceTime,
+        &L::OprType, &L::IsMaintenanceLog), GetAllUserLog),
 };
 // clang-format on
 const Table& gallery = tables[0];

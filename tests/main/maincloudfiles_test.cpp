@@ -10,13 +10,12 @@ namespace {
 using R = T_CloudFileTable;
 
 // clang-format off
-const RecordFields<R> files{"T_CloudFileTable", {
-    FIELD(R, id), FIELD(R, fileId), FIELD(R, deleted), FIELD(R, changeType), FIELD(R, fromDevice), FIELD(R, kind),
-    FIELD(R, fileName), FIELD(R, localFileName), FIELD(R, mimeType), FIELD(R, isFolder), FIELD(R, trashed),
-    FIELD(R, parentId), FIELD(R, parentFolder), FIELD(R, localParentId), FIELD(R, localParentFolder),
-    FIELD(R, createdTime), FIELD(R, modifiedTime), FIELD(R, localModifiedTime), FIELD(R, size),
-    FIELD(R, thunbnailDownloadLink), FIELD(R, localThunbnailDownload), FIELD(R, status), FIELD(R, fileStatus),
-    FIELD(R, isSyncDown), FIELD(R, isRiskFile), FIELD(R, imageRotate)}};
+const RecordFields<R> files{"T_CloudFileTable",
+    FIELDS(R, &R::id, &R::fileId, &R::deleted, &R::changeType, &R::fromDevice, &R::kind, &R::fileName,
+    &R::localFileName, &R::mimeType, &R::isFolder, &R::trashed, &R::parentId, &R::parentFolder, &R::localParentId,
+    &R::localParentFolder, &R::createdTime, &R::modifiedTime, &R::localModifiedTime, &R::size,
+    &R::thunbnailDownloadLink, &R::localThunbnailDownload, &R::status, &R::fileStatus, &R::isSyncDown, &R::isRiskFile,
+    &R::imageRotate)};
 // clang-format on
 
 /// The higher the seed, the newer.

@@ -1,39 +1,18 @@
 #include "support/drivefields.h"
 
-#include "support/lists.h"
-
 #include <cstdint>
-#include <regex>
-#include <type_traits>
 
 namespace testsupport {
 
 using DatabaseService::DriveDataTable;
 
-namespace {
-
-template <class Set, class Get>
-DriveField field(const char* column, void (DriveDataTable::*set)(Set), Get (DriveDataTable::*get)() const)
-{
-    if constexpr (std::is_integral_v<Get>) {
-        static_assert(std::is_same_v<Set, Get>);
-        return {column, false, 8 * sizeof(Get),
-                [set](DriveDataTable& record, const std::string& value) {
-                    (record.*set)(static_cast<Get>(std::stoll(value)));
-                },
-                [get](const DriveDataTable& record) { return std::to_string((record.*get)()); }};
-    } else {
-        return {column, true, 0, [set](DriveDataTable& record, const std::string& value) { (record.*set)(value); },
-                [get](const DriveDataTable& record) { return (record.*get)(); }};
-    }
-}
-
-} // namespace
-
 const std::vector<DriveField>& driveFields()
 {
     // The column, and what its accessors are called after.
-#define FIELD(column, member) field(#column, &DriveDataTable::Set##member, &DriveDataTable::Get##member)
+#define FIELD(column, member)                                                                                          \
+    {                                                                                                                  \
+#column, &DriveDataTable::Set##member, &DriveDataTable::Get##member                                            \
+    }
     // clang-format off
     static const std::vector<DriveField> fields{
         FIELD(fileId, Fileid), FIELD(name, Name), FIELD(kind, Kind), FIELD(mimeType, MimeType),

@@ -1,28 +1,14 @@
 #pragma once
 
 #include "databaseservice/drivedatatable.h"
-#include "support/sqlitefile.h"
+#include "support/recordfields.h"
 
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace testsupport {
 
-/// A column of the drive's table and the accessors of the member behind it.
-struct DriveField {
-    std::string column;
-    bool text;
-    int bits; ///< of a number
-    std::function<void(DatabaseService::DriveDataTable&, const std::string&)> set;
-    std::function<std::string(const DatabaseService::DriveDataTable&)> get;
-
-    /// The member as `SqliteFile` shows the cell.
-    std::string cell(const DatabaseService::DriveDataTable& record) const
-    {
-        return text ? textCell(get(record)) : get(record);
-    }
-};
+using DriveField = RecordField<DatabaseService::DriveDataTable>;
 
 /// All 53, in the order of a full read.
 const std::vector<DriveField>& driveFields();

@@ -6,6 +6,7 @@
 #include "support/sqlitefile.h"
 
 #include <functional>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -13,46 +14,73 @@
 
 namespace testsupport {
 
-/// A column and the public member behind it.
+template <class Value> Value fromText(const std::string& text)
+{
+    if constexpr (std::is_same_v<Value, std::wstring>) {
+        return platform::toWide(text);
+    } else if constexpr (std::is_arithmetic_v<Value>) {
+        return static_cast<Value>(std::stoll(text));
+    } else {
+        return text;
+    }
+}
+
+template <class Value> std::string toText(const Value& value)
+{
+    if constexpr (std::is_same_v<Value, std::wstring>) {
+        return platform::toUtf8(value);
+    } else {
+        return (std::ostringstream() << value).str();
+    }
+}
+
+/// A column and the member behind it, as text.
 template <class Record> struct RecordField {
     std::string column;
     bool text;
-    std::function<void(Record&, DatabaseService::int64)> set;
-    std::function<std::string(const Record&)> cell; ///< as `SqliteFile` shows it
+    int bits; ///< of a number
+    std::function<void(Record&, const std::string&)> set;
+    std::function<std::string(const Record&)> get;
 
-    /// The member may be of a base of the record.
+    /// A public member, which may be of a base of the record.
     template <class Value, class Owner>
-    RecordField(const char* name, Value Owner::*member) : column(name),
-                                                          text(!std::is_arithmetic_v<Value>)
+    RecordField(const std::string& name, Value Owner::*member)
+        : column(name),
+          text(!std::is_arithmetic_v<Value>),
+          bits(8 * sizeof(Value)),
+          set([member](Record& record, const std::string& value) { record.*member = fromText<Value>(value); }),
+          get([member](const Record& record) { return toText(record.*member); })
     {
-        set = [label = column, member](Record& record, DatabaseService::int64 number) {
-            if constexpr (std::is_same_v<Value, bool>) {
-                record.*member = number % 2 != 0;
-            } else if constexpr (std::is_integral_v<Value>) {
-                // 64-bit numbers reach beyond 32 bits, 32-bit ones below zero.
-                record.*member = static_cast<Value>(sizeof(Value) == 8 ? (number << 40) + number : -number);
-            } else if constexpr (std::is_floating_point_v<Value>) {
-                record.*member = static_cast<Value>(number) + Value{0.5};
-            } else if constexpr (std::is_same_v<Value, std::wstring>) {
-                record.*member = platform::toWide(label + " \xE5\x90\x8D '" + std::to_string(number));
-            } else {
-                record.*member = label + " \xE5\x90\x8D '" + std::to_string(number);
-            }
-        };
-        cell = [member](const Record& record) {
-            if constexpr (std::is_arithmetic_v<Value>) {
-                return (std::ostringstream() << record.*member).str();
-            } else if constexpr (std::is_same_v<Value, std::wstring>) {
-                return textCell(platform::toUtf8(record.*member));
-            } else {
-                return textCell(record.*member);
-            }
-        };
     }
+
+    /// A member behind accessors.
+    template <class Set, class Get>
+    RecordField(const std::string& name, void (Record::*write)(Set), Get (Record::*read)() const)
+        : column(name),
+          text(!std::is_arithmetic_v<Get>),
+          bits(8 * sizeof(Get)),
+          set([write](Record& record, const std::string& value) {
+              (record.*write)(fromText<std::decay_t<Get>>(value));
+          }),
+          get([read](const Record& record) { return toText((record.*read)()); })
+    {
+        static_assert(std::is_same_v<std::decay_t<Set>, std::decay_t<Get>>);
+    }
+
+    /// The member as `SqliteFile` shows the cell.
+    std::string cell(const Record& record) const { return text ? textCell(get(record)) : get(record); }
 };
 
-/// The column and the member have one name.
-#define FIELD(Record, member) RecordField<Record>(#member, &Record::member)
+template <class Record, class... Members>
+std::vector<RecordField<Record>> fieldsOf(const std::string& members, Members... member)
+{
+    static const std::regex name("::(\\w+)");
+    std::sregex_token_iterator at(members.begin(), members.end(), name, 1);
+    return {RecordField<Record>(*at++, member)...};
+}
+
+/// Columns that have the names of their members: FIELDS(Record, &Record::id, &Record::name).
+#define FIELDS(Record, ...) fieldsOf<Record>(#__VA_ARGS__, __VA_ARGS__)
 
 /// A table's columns in the order of a full read.
 template <class Record> struct RecordFields {
@@ -65,7 +93,11 @@ template <class Record> struct RecordFields {
         Record record{};
         DatabaseService::int64 number = 1001 * seed;
         for (const auto& field : all) {
-            field.set(record, ++number);
+            ++number;
+            // 64-bit numbers reach beyond 32 bits, 32-bit ones below zero.
+            const auto value = field.bits == 64 ? (number << 40) + number : field.bits == 8 ? number % 2 : -number;
+            field.set(record,
+                      field.text ? field.column + " \xE5\x90\x8D '" + std::to_string(number) : std::to_string(value));
         }
         return record;
     }
@@ -85,6 +117,12 @@ template <class Record> struct RecordFields {
     {
         return file.query("SELECT " + joined(mapped(all, &RecordField<Record>::column)) + " FROM " + table +
                           " ORDER BY 1");
+    }
+
+    /// Each column's name, type, whether it takes no NULL, default, and whether it is the key.
+    Rows schema(SqliteFile& file) const
+    {
+        return file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" + table + "')");
     }
 };
 

@@ -21,30 +21,26 @@ using U = UploadTaskProperty;
 using T = DbTransferTask;
 
 // clang-format off
-const RecordFields<C> completed{"CompletedTaskTable", {
-    FIELD(C, id), FIELD(C, fileName), FIELD(C, fileId), FIELD(C, totalLength), FIELD(C, localPath), FIELD(C, taskType),
-    FIELD(C, endTime), FIELD(C, isFastTrans), FIELD(C, pranteID), FIELD(C, isMoveData)}};
+const RecordFields<C> completed{"CompletedTaskTable",
+    FIELDS(C, &C::id, &C::fileName, &C::fileId, &C::totalLength, &C::localPath, &C::taskType, &C::endTime,
+    &C::isFastTrans, &C::pranteID, &C::isMoveData)};
 
-const RecordFields<D> download{"DownloadTaskTable", {
-    FIELD(D, id), FIELD(D, fileName), FIELD(D, relativePath), FIELD(D, fileId), FIELD(D, totalLength),
-    FIELD(D, position), FIELD(D, sliceIdx), FIELD(D, sliceCount), FIELD(D, localPath), FIELD(D, taskType),
-    FIELD(D, isFastTrans), FIELD(D, isMoveData), FIELD(D, RecordType)}};
+const RecordFields<D> download{"DownloadTaskTable",
+    FIELDS(D, &D::id, &D::fileName, &D::relativePath, &D::fileId, &D::totalLength, &D::position, &D::sliceIdx,
+    &D::sliceCount, &D::localPath, &D::taskType, &D::isFastTrans, &D::isMoveData, &D::RecordType)};
 
-const RecordFields<U> upload{"UploadTaskTable", {
-    FIELD(U, id), FIELD(U, fileName), FIELD(U, fileId), FIELD(U, totalLength), FIELD(U, localPath),
-    FIELD(U, taskStatus), FIELD(U, errorCode), FIELD(U, startTime), FIELD(U, transferId), FIELD(U, serverPath),
-    FIELD(U, sliceIndex), FIELD(U, uploadOffset), FIELD(U, sliceInfo), FIELD(U, isBatch), FIELD(U, isMoveData)}};
+const RecordFields<U> upload{"UploadTaskTable",
+    FIELDS(U, &U::id, &U::fileName, &U::fileId, &U::totalLength, &U::localPath, &U::taskStatus, &U::errorCode,
+    &U::startTime, &U::transferId, &U::serverPath, &U::sliceIndex, &U::uploadOffset, &U::sliceInfo, &U::isBatch,
+    &U::isMoveData)};
 
-const RecordFields<T> transfer{"TransferTask", {
-    FIELD(T, UniqueId), FIELD(T, FileId), FIELD(T, FileName), FIELD(T, StartTime), FIELD(T, EndTime),
-    FIELD(T, ErrorCode), FIELD(T, TimeoutLimit), FIELD(T, TransferSize), FIELD(T, TotalSize), FIELD(T, TaskStatus),
-    FIELD(T, BatchCreateTime), FIELD(T, BatchIndex), FIELD(T, ModuleType), FIELD(T, TransferType),
-    FIELD(T, LocalFilePath), FIELD(T, ParentId), FIELD(T, AssetId), FIELD(T, VersionId), FIELD(T, Hash),
-    FIELD(T, UpdateTime), FIELD(T, SliceIndex), FIELD(T, UploadOffset), FIELD(T, ObjectBucketId),
-    FIELD(T, RecordCursor), FIELD(T, ObsVersion), FIELD(T, Priority), FIELD(T, IsMoveData),
-    FIELD(T, IsLoadedForSuccessList), FIELD(T, CloudFilePath), FIELD(T, ThumbnailUrl), FIELD(T, CloudBatch),
-    FIELD(T, ExpandStr1), FIELD(T, ExpandStr2), FIELD(T, ExpandStr3), FIELD(T, ExpandInt1), FIELD(T, ExpandInt2),
-    FIELD(T, ExpandInt3), FIELD(T, Expand)}};
+const RecordFields<T> transfer{"TransferTask",
+    FIELDS(T, &T::UniqueId, &T::FileId, &T::FileName, &T::StartTime, &T::EndTime, &T::ErrorCode, &T::TimeoutLimit,
+    &T::TransferSize, &T::TotalSize, &T::TaskStatus, &T::BatchCreateTime, &T::BatchIndex, &T::ModuleType,
+    &T::TransferType, &T::LocalFilePath, &T::ParentId, &T::AssetId, &T::VersionId, &T::Hash, &T::UpdateTime,
+    &T::SliceIndex, &T::UploadOffset, &T::ObjectBucketId, &T::RecordCursor, &T::ObsVersion, &T::Priority,
+    &T::IsMoveData, &T::IsLoadedForSuccessList, &T::CloudFilePath, &T::ThumbnailUrl, &T::CloudBatch, &T::ExpandStr1,
+    &T::ExpandStr2, &T::ExpandStr3, &T::ExpandInt1, &T::ExpandInt2, &T::ExpandInt3, &T::Expand)};
 // clang-format on
 
 struct TransferStore : StoreTest {
@@ -87,9 +83,7 @@ TEST_F(TransferStore, Schema)
             expected.push_back({textCell(field.column), field.text ? "'TEXT'" : "'INTEGER'", key ? "1" : "0",
                                 zero ? "'0'" : "NULL", key ? "1" : "0"});
         }
-        EXPECT_EQ(m_file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" +
-                               fields.table + "')"),
-                  expected);
+        EXPECT_EQ(fields.schema(m_file), expected);
     };
     check(completed, "all");
     check(download, "all");
