@@ -2,7 +2,6 @@
 
 #include "harness.h"
 #include "support/damagedfile.h"
-#include "support/filebytes.h"
 
 using namespace testsupport;
 
@@ -34,7 +33,7 @@ void damage(Run& run)
         DatabaseService::CloseKeptConnections(DatabaseService::OpenTransactions::RollBack);
         run.expect(FaultyDisk::openDatabases() == 0, "a file stays open");
         run.expect(bytesOf(folders.path() / "untouched") == files["untouched"], "another file was written to");
-        for (const auto& [there, bytes] : filesIn(folders.path())) {
+        for (const auto& [there, bytes] : contents(folders.path())) {
             run.expect(files.contains(there) || there.starts_with(name + '-'), "there is a file " + there);
         }
     }

@@ -1,7 +1,6 @@
 // A disk that stays full, and no more files to open, by the system's limits and on small disks; then there is room.
 
 #include "harness.h"
-#include "support/filebytes.h"
 #include "support/process.h"
 
 using namespace testsupport;

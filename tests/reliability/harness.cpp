@@ -6,7 +6,6 @@
 #include "platform/paths.h"
 #include "platform/programentry.h"
 #include "platform/text.h"
-#include "support/filebytes.h"
 #include "support/limitedmemory.h"
 
 #include <algorithm>
@@ -55,15 +54,6 @@ std::optional<State> soundState(Run& run, const fs::path& folder)
     }
 }
 
-Files filesIn(const fs::path& folder)
-{
-    Files files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        files[entry.path().filename().string()] = bytesOf(entry.path());
-    }
-    return files;
-}
-
 const fs::path& Folders::fresh(const Files& files)
 {
     std::error_code ignored;
@@ -83,7 +73,7 @@ const Files& Folders::filesOf(const std::string& store)
         const FaultyDisk disk; // does not flush
         fresh();
         setUp(store);
-        m_known[store] = filesIn(m_path);
+        m_known[store] = contents(m_path);
     }
     return m_known[store];
 }
@@ -124,7 +114,7 @@ Reference referenceOf(Folders& folders, const std::vector<Operation>& chain, con
         const FaultyDisk disk([&](const FaultyDisk::Request& request) {
             ++reference.calls[request.call];
             if (request.call == FaultyDisk::Call::Delete) { // of the journal, which ends the transaction
-                steps.push_back(filesIn(folders.path()));
+                steps.push_back(contents(folders.path()));
                 steps.back().erase(fs::path(request.file).filename().string());
             }
             if (watch) {
@@ -171,7 +161,7 @@ int expectUnharmed(Run& run, Folders& folders, const Operation& operation, const
     unlistedBefore = FaultyDisk::openDatabases();
     lockedBefore = FaultyDisk::lockedDatabases();
     if (unlisted != 0) {
-        folders.fresh(filesIn(folders.path())); // as another process would find it
+        folders.fresh(contents(folders.path())); // as another process would find it
     }
     const auto found = soundState(run, folders.path());
     if (!found) {

@@ -2,6 +2,7 @@
 
 #include "databaseservice/keptconnections.h"
 #include "support/faultydisk.h"
+#include "support/filebytes.h"
 #include "support/sqlitefile.h"
 #include "support/storestate.h"
 #include "support/testfolder.h"
@@ -47,7 +48,6 @@ using testsupport::State;
 /// None, and the run is told, unless all files are sound and nobody has a lock on them.
 std::optional<State> soundState(Run& run, const std::filesystem::path& folder);
 using Files = std::map<std::string, std::string>;
-Files filesIn(const std::filesystem::path& folder);
 
 /// A folder that the stores look into, fresh for each case. The one before is removed, as far as nobody is in it.
 class Folders {

@@ -3,7 +3,6 @@
 
 #include "harness.h"
 #include "platform/paths.h"
-#include "support/filebytes.h"
 #include "support/process.h"
 
 #include <algorithm>

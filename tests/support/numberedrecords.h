@@ -36,34 +36,21 @@ template <class Record> Record one(int number)
         return record;
     } else {
         Record record{};
-        const auto put = [](auto& member, const std::string& value) {
+        const auto put = [](auto& member, const auto& value) {
             if constexpr (std::is_same_v<decltype(member), std::wstring&>) {
                 member = platform::toWide(value);
             } else {
                 member = value;
             }
         };
-        if constexpr (requires { record.id; }) record.id = row;
-        if constexpr (requires { record.Id; }) record.Id = row;
-        if constexpr (requires { record.fileId; }) put(record.fileId, id(row));
-        if constexpr (requires { record.FileId; }) put(record.FileId, id(row));
-        if constexpr (requires { record.UniqueId; }) put(record.UniqueId, id(row));
-        if constexpr (requires { record.AlbumId; }) put(record.AlbumId, id(row));
-        if constexpr (requires { record.AlbumVersion; }) put(record.AlbumVersion, id(row));
-        if constexpr (requires { record.key; }) put(record.key, id(row));
-        if constexpr (requires { record.parentId; }) put(record.parentId, id(row % 3));
-        if constexpr (requires { record.fileName; }) put(record.fileName, text(number));
-        if constexpr (requires { record.FileName; }) put(record.FileName, text(number));
-        if constexpr (requires { record.AlbumName; }) put(record.AlbumName, text(number));
-        if constexpr (requires { record.Cursor; }) put(record.Cursor, text(number));
-        if constexpr (requires { record.cursor; }) put(record.cursor, text(number));
-        if constexpr (requires { record.startCursor; }) put(record.startCursor, text(number));
-        if constexpr (requires { record.Title; }) put(record.Title, text(number));
-        if constexpr (requires { record.info; }) put(record.info, text(number));
-        if constexpr (requires { record.value; }) put(record.value, text(number));
-        if constexpr (requires { record.modifiedTime; }) record.modifiedTime = number;
-        if constexpr (requires { record.TaskStatus; }) record.TaskStatus = number % 5;
-        if constexpr (requires { record.UpdataTime; }) record.UpdataTime = number;
+#define PUT(member, value) if constexpr (requires { record.member; }) put(record.member, value)
+        PUT(id, row); PUT(Id, row); PUT(fileId, id(row)); PUT(FileId, id(row)); PUT(UniqueId, id(row));
+        PUT(AlbumId, id(row)); PUT(AlbumVersion, id(row)); PUT(key, id(row)); PUT(parentId, id(row % 3));
+        PUT(fileName, text(number)); PUT(FileName, text(number)); PUT(AlbumName, text(number));
+        PUT(Cursor, text(number)); PUT(cursor, text(number)); PUT(startCursor, text(number));
+        PUT(Title, text(number)); PUT(info, text(number)); PUT(value, text(number));
+        PUT(modifiedTime, number); PUT(UpdataTime, number); PUT(TaskStatus, number % 5);
+#undef PUT
         return record;
     }
 }

@@ -1,7 +1,7 @@
 #include "support/tooltest.h"
 
 #include "platform/paths.h"
-#include "support/process.h"
+#include "support/lists.h"
 #include "support/sqlitefile.h"
 
 #include <fstream>
@@ -34,15 +34,6 @@ void writeFile(const fs::path& file, const std::string& content)
 {
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
-}
-
-std::map<std::string, std::string> contents(const fs::path& folder)
-{
-    std::map<std::string, std::string> files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        files[platform::toUtf8(entry.path().filename())] = bytesOf(entry.path());
-    }
-    return files;
 }
 
 testing::AssertionResult refused(const Ran& ran, const std::string& told)
@@ -109,11 +100,7 @@ std::vector<nlohmann::json> ToolTest::rows(Arguments arguments) const
 
 std::vector<std::string> ToolTest::names(const Arguments& arguments) const
 {
-    std::vector<std::string> found;
-    for (const nlohmann::json& shown : rows(arguments)) {
-        found.push_back(shown["name"]);
-    }
-    return found;
+    return mapped(rows(arguments), [](const auto& shown) { return shown["name"].template get<std::string>(); });
 }
 
 void ToolTest::changeStore(const std::string& sql) const

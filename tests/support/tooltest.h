@@ -18,8 +18,6 @@ inline constexpr bool onPosix = std::filesystem::path::preferred_separator == '/
 std::filesystem::path utf8Path(const std::string& text);
 /// Makes the folders on the way.
 void writeFile(const std::filesystem::path& file, const std::string& content);
-/// Every file of a folder with what is in it.
-std::map<std::string, std::string> contents(const std::filesystem::path& folder);
 
 /// How a run of the tool ended.
 struct Ran {
