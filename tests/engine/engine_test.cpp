@@ -63,27 +63,17 @@ TEST_F(Engine, EveryOverloadRunsOnTheConnectionAndStatementItIsGiven)
     DatabaseBindParameter bind = row(2);
     Binds list;
     Results* rows = nullptr;
-    auto& s = m_store;
-    const std::pair<std::string, std::function<bool()>> cases[] = {
-        // the call tells what is to be expected
-        {"Execute(sql)", [&] { return s.Execute(sql); }},
-        {"Execute(sql, list)", [&] { return s.Execute(sql, list); }},
-        {"Execute(sql, bind)", [&] { return s.Execute(sql, bind); }},
-        {"Execute(stmt)", [&] { return s.Execute(stmt); }},
-        {"Execute(stmt, list)", [&] { return s.Execute(stmt, list); }},
-        {"Execute(db, sql)", [&] { return s.Execute(db, sql); }},
-        {"Execute(db, sql, list)", [&] { return s.Execute(db, sql, list); }},
-        {"Execute(db, stmt)", [&] { return s.Execute(db, stmt); }},
-        {"Execute(db, stmt, list)", [&] { return s.Execute(db, stmt, list); }},
-        {"Query(sql)", [&] { return s.Query(sql, rows); }},
-        {"Query(sql, bind)", [&] { return s.Query(sql, bind, rows); }},
-        {"Query(stmt)", [&] { return s.Query(stmt, rows); }},
-        {"Query(stmt, bind)", [&] { return s.Query(stmt, bind, rows); }},
-        {"Query(db, sql)", [&] { return s.Query(db, sql, rows); }},
-        {"Query(db, sql, bind)", [&] { return s.Query(db, sql, bind, rows); }},
-        {"Query(db, stmt)", [&] { return s.Query(db, stmt, rows); }},
-        {"Query(db, stmt, bind)", [&] { return s.Query(db, stmt, bind, rows); }},
-    };
+    // clang-format off
+#define CALL(call) {#call, [&] { return m_store.call; }}
+    const std::pair<std::string, std::function<bool()>> cases[] = { // the call tells what is to be expected
+        CALL(Execute(sql)), CALL(Execute(sql, list)), CALL(Execute(sql, bind)),
+        CALL(Execute(stmt)), CALL(Execute(stmt, list)),
+        CALL(Execute(db, sql)), CALL(Execute(db, sql, list)), CALL(Execute(db, stmt)), CALL(Execute(db, stmt, list)),
+        CALL(Query(sql, rows)), CALL(Query(sql, bind, rows)), CALL(Query(stmt, rows)), CALL(Query(stmt, bind, rows)),
+        CALL(Query(db, sql, rows)), CALL(Query(db, sql, bind, rows)),
+        CALL(Query(db, stmt, rows)), CALL(Query(db, stmt, bind, rows))};
+#undef CALL
+    // clang-format on
     int connections = 1; // the caller's is number 0, each call's own one the next
     for (const auto& [call, run] : cases) {
         SCOPED_TRACE(call);

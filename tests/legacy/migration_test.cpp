@@ -45,11 +45,16 @@ Summary summaryOf(const Report& report)
 struct Migration : StoreTest {
     Migration() : m_disk(std::in_place)
     {
-        fs::create_directory(m_store);
-        useFolder(m_store);
+        useStore(m_store);
         m_plan.legacyFile = sample();
-        m_plan.mainFile = m_store / "main.dat";
-        m_plan.galleryFile = m_store / "gallery.dat";
+    }
+
+    void useStore(const fs::path& store)
+    {
+        fs::create_directory(store);
+        useFolder(store);
+        m_plan.mainFile = store / "main.dat";
+        m_plan.galleryFile = store / "gallery.dat";
     }
 
     /// One file for all tests of the process, which only read it.
@@ -98,13 +103,13 @@ struct Migration : StoreTest {
     std::string inGallery(const std::string& query) const { return SqliteFile(m_plan.galleryFile).value(query); }
 
     /// Every table of both files with its number of rows.
-    static std::map<std::string, std::string> countsIn(const fs::path& store)
+    std::map<std::string, std::string> counts() const
     {
         std::map<std::string, std::string> counts;
-        for (const char* const name : {"main.dat", "gallery.dat"}) {
-            SqliteFile file(store / name);
+        for (const fs::path& name : {m_plan.mainFile, m_plan.galleryFile}) {
+            SqliteFile file(name);
             for (const auto& row : file.query("SELECT name FROM sqlite_master WHERE type = 'table'")) {
-                counts[name + row[0]] = file.value("SELECT COUNT(*) FROM " + row[0]);
+                counts[name.stem().string() + row[0]] = file.value("SELECT COUNT(*) FROM " + row[0]);
             }
         }
         return counts;
@@ -212,13 +217,13 @@ TEST_F(Migration, SecondRunLeavesEverythingAsItWas)
 {
     legacysample::putInTheWay(L"gallery.dat");
     const Report first = run();
-    const auto counts = countsIn(m_store);
+    const auto before = counts();
     const auto earlier = run().earlierRun;
     ASSERT_TRUE(earlier);
     EXPECT_NE(earlier->find(" read=101 written=95 lost=10"), std::string::npos) << *earlier;
 
     const Report second = runAgain();
-    EXPECT_EQ(countsIn(m_store), counts);
+    EXPECT_EQ(counts(), before);
     EXPECT_EQ(second.lost, first.lost);
     for (std::size_t i = 0; i < second.tables.size(); ++i) {
         EXPECT_EQ(second.tables[i].written, 0) << second.tables[i].table;
@@ -235,7 +240,7 @@ TEST_F(Migration, SecondRunLeavesEverythingAsItWas)
     const Report replacing = runAgain();
     EXPECT_EQ(replacing.tables[0].replaced, 1);
     EXPECT_EQ(replacing.tables[3].replaced, 1);
-    EXPECT_EQ(countsIn(m_store), counts);
+    EXPECT_EQ(counts(), before);
     EXPECT_EQ(inGallery("SELECT FileName FROM GalleryFile WHERE UniqueId = 'ugly-null'"), "''");
     EXPECT_EQ(inGallery("SELECT Position FROM DownloadTask WHERE Id = 2"), "1000000");
     EXPECT_EQ(SqliteFile(m_plan.mainFile).value("SELECT Value FROM UserProperties WHERE Key = 'Theme'"), "'light'");
@@ -341,33 +346,24 @@ TEST_F(Migration, RefusedRowIsCountedAndTheRunNotRemembered)
 // Wherever the disk fills up: the run says that it lost rows, and once there is room, another one brings all of them.
 TEST_F(Migration, FullDiskOnTheWay)
 {
-    // Failed commits leave connections open, and with them files that not every system lets go of.
-    const auto newStore = [this](std::int64_t number) {
-        const fs::path store = m_folder.path() / std::to_string(number);
-        fs::create_directory(store);
-        useFolder(store);
-        m_plan.mainFile = store / "main.dat";
-        m_plan.galleryFile = store / "gallery.dat";
-        return store;
-    };
     const auto runWith = [this](FaultyDisk::Fault fault, std::int64_t atChange) {
         m_disk.reset();
         m_disk.emplace(fault, atChange);
         return run();
     };
-    const fs::path undisturbed = newStore(0);
     runWith(FaultyDisk::Fault::None, 0);
     const std::int64_t changes = FaultyDisk::changes();
-    const auto counts = countsIn(undisturbed);
+    const auto undisturbed = counts();
     for (std::int64_t part = 1; part < 8; ++part) {
         SCOPED_TRACE(part);
-        const fs::path store = newStore(part);
+        // Failed commits leave connections open, and with them files that not every system lets go of.
+        useStore(m_folder.path() / std::to_string(part));
         const Report failed = runWith(FaultyDisk::Fault::Full, changes * part / 8);
         EXPECT_FALSE(failed.remembered);
         EXPECT_FALSE(failed.isWhole());
         m_log.take();
         EXPECT_TRUE(runWith(FaultyDisk::Fault::None, 0).remembered);
-        EXPECT_EQ(countsIn(store), counts);
+        EXPECT_EQ(counts(), undisturbed);
         m_log.take();
     }
 }
@@ -395,7 +391,7 @@ TEST_F(Migration, KilledAnywhereASecondRunEndsAsOneUndisturbed)
         ASSERT_EQ(migrate(legacy, {}), 0);
         const std::int64_t changes = std::stoll(bytesOf(m_folder.path() / "output"));
         ASSERT_GT(changes, kills);
-        const auto counts = countsIn(m_store);
+        const auto undisturbed = counts();
         for (int kill = 0; kill < kills; ++kill) {
             const std::string change = std::to_string(1 + changes * kill / kills);
             SCOPED_TRACE(platform::toUtf8(legacy) + " " + change);
@@ -403,7 +399,7 @@ TEST_F(Migration, KilledAnywhereASecondRunEndsAsOneUndisturbed)
             fs::copy(inTheWay, m_store);
             ASSERT_EQ(migrate(legacy, change), FaultyDisk::killedCode);
             ASSERT_EQ(migrate(legacy, {}), 0);
-            EXPECT_EQ(countsIn(m_store), counts);
+            EXPECT_EQ(counts(), undisturbed);
         }
     }
 }
