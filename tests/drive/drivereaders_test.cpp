@@ -1,5 +1,4 @@
 #include "support/drivetest.h"
-#include "support/enginelines.h"
 
 #include <algorithm>
 #include <functional>
@@ -12,7 +11,6 @@ namespace {
 
 using Ids = std::vector<std::string>;
 
-const EngineLines lines("DriveModuleData.dat");
 const EngineLines linesOfEmpty("empty.dat");
 
 struct DriveReaders : DriveTest {
@@ -77,7 +75,7 @@ TEST_F(DriveReaders, EveryFullReadGivesEveryMember)
     }
 }
 
-TEST_F(DriveReaders, NullReadsAsEmpty)
+TEST_F(DriveReaders, NullAndNothingReadAsEmpty)
 {
     m_file.exec("INSERT INTO DriveDataTable(fileId, needToDisplay) VALUES('id', NULL)");
     const DriveDataTable record = m_drive.GetALLDriveData().at(0);
@@ -86,10 +84,7 @@ TEST_F(DriveReaders, NullReadsAsEmpty)
         EXPECT_EQ(field.get(record), field.column == "fileId" ? "id" : field.text ? "" : "0") << field.column;
     }
     EXPECT_EQ(m_drive.GetDriveDataNameByFieldId({"id"}), Ids{""});
-}
-
-TEST_F(DriveReaders, NothingThereIsEmpty)
-{
+    m_file.exec("DELETE FROM DriveDataTable");
     const DriveDataTable unknown = m_drive.GetDriveDataById("unknown");
     EXPECT_TRUE(unknown.Empty());
     EXPECT_EQ(cellsOf(unknown), cellsOf(DriveDataTable()));

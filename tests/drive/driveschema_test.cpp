@@ -1,29 +1,16 @@
-#include "support/drivefields.h"
-#include "support/enginelines.h"
+#include "support/drivetest.h"
 #include "support/filebytes.h"
-#include "support/observed.h"
-#include "support/storetest.h"
 
 using namespace testsupport;
 using namespace DatabaseService;
 
-namespace {
-
-struct DriveSchema : StoreTest {
-    const std::filesystem::path m_path = path(L"DriveModuleData.dat");
-    ObservedDrive m_drive;
-};
-
-const EngineLines lines("DriveModuleData.dat");
-} // namespace
+using DriveSchema = DriveTest;
 
 TEST_F(DriveSchema, TablesAndIndexes)
 {
-    EXPECT_TRUE(m_drive.InitDatabase());
-    SqliteFile file(m_path, SqliteFile::Collation::NameCompare);
-    EXPECT_EQ(file.value("SELECT group_concat(name) FROM sqlite_master WHERE type = 'table'"),
+    EXPECT_EQ(m_file.value("SELECT group_concat(name) FROM sqlite_master WHERE type = 'table'"),
               "'DriveFullTask,DriveConfTable,DriveDataTable,DriveFolderSync'");
-    EXPECT_EQ(file.columns("DriveDataTable"),
+    EXPECT_EQ(m_file.columns("DriveDataTable"),
               "TEXT NOT NULL KEY: fileId\n"
               "TEXT: name kind mimeType description\n"
               "INTEGER: size\n"
@@ -47,7 +34,7 @@ TEST_F(DriveSchema, TablesAndIndexes)
               "TEXT: data1 data2 data3 data4\n"
               "INTEGER: subFileAndDirectory operateType\n"
               "TEXT: device");
-    EXPECT_EQ(file.columns("DriveConfTable"),
+    EXPECT_EQ(m_file.columns("DriveConfTable"),
               "INTEGER NOT NULL KEY: id\n"
               "INTEGER: isFirstStart\n"
               "TEXT: startCursor\n"
@@ -61,12 +48,12 @@ TEST_F(DriveSchema, TablesAndIndexes)
               "TEXT: ClosedBanners data1 data2 data3 data4\n"
               "INTEGER DEFAULT 0: lastLostFileQueryTimestamp\n"
               "TEXT DEFAULT '': lostFileQueryCursor");
-    EXPECT_EQ(file.columns("DriveFullTask"),
+    EXPECT_EQ(m_file.columns("DriveFullTask"),
               "TEXT NOT NULL KEY: fileId\nTEXT: cursor\nINTEGER: state updateTime\nTEXT: data1 data2 data3 data4");
-    EXPECT_EQ(file.columns("DriveFolderSync"), file.columns("DriveFullTask"));
+    EXPECT_EQ(m_file.columns("DriveFolderSync"), m_file.columns("DriveFullTask"));
 
-    EXPECT_EQ(file.text("SELECT m.name, x.name, x.coll, x.desc FROM sqlite_master m, pragma_index_xinfo(m.name) x "
-                        "WHERE m.type = 'index' AND m.sql IS NOT NULL AND x.key = 1 ORDER BY m.rowid"),
+    EXPECT_EQ(m_file.text("SELECT m.name, x.name, x.coll, x.desc FROM sqlite_master m, pragma_index_xinfo(m.name) x "
+                          "WHERE m.type = 'index' AND m.sql IS NOT NULL AND x.key = 1 ORDER BY m.rowid"),
               "'nameIndex'|'name'|'NameCompare'|0\n"
               "'mimeTypeIndex'|'mimeType'|'BINARY'|0\n"
               "'sizeIndex'|'size'|'BINARY'|0\n"
@@ -75,38 +62,22 @@ TEST_F(DriveSchema, TablesAndIndexes)
               "'parentIdIndex'|'parentId'|'BINARY'|0");
 }
 
-TEST_F(DriveSchema, EachStatementRunsAlone)
-{
-    EXPECT_TRUE(m_drive.InitDatabase());
-    const std::vector<std::string> statements = m_drive.trace.take();
-    ASSERT_EQ(statements.size(), 3U * 10);
-    for (std::size_t at = 0; at < statements.size(); at += 3) {
-        const std::string connection = std::to_string(at / 3) + ':';
-        EXPECT_EQ(statements[at], connection + "BEGIN IMMEDIATE;");
-        EXPECT_TRUE(statements[at + 1].starts_with(connection + "CREATE ")) << statements[at + 1];
-        EXPECT_NE(statements[at + 1].find(" IF NOT EXISTS "), std::string::npos) << statements[at + 1];
-        EXPECT_EQ(statements[at + 2], connection + "COMMIT;");
-    }
-}
-
 TEST_F(DriveSchema, WhatIsThereStaysAsItIs)
 {
-    SqliteFile(m_path).exec("CREATE TABLE DriveDataTable(fileId TEXT PRIMARY KEY, name INT, mimeType, size, "
-                            "modifiedTime, fileExtSign, parentId); INSERT INTO DriveDataTable(fileId) VALUES('kept')");
+    m_file.exec("DROP TABLE DriveDataTable; CREATE TABLE DriveDataTable(fileId TEXT PRIMARY KEY, name INT, mimeType, "
+                "size, modifiedTime, fileExtSign, parentId); INSERT INTO DriveDataTable(fileId) VALUES('kept')");
     EXPECT_TRUE(m_drive.InitDatabase());
     EXPECT_TRUE(m_drive.InsertDriveData(treeRecord("new", "root"))) << "there is no upgrade, and no report";
     EXPECT_TRUE(m_log.failuresWere({lines.prepare}));
-    SqliteFile file(m_path, SqliteFile::Collation::NameCompare);
-    EXPECT_EQ(file.value("SELECT group_concat(fileId) FROM DriveDataTable"), "'kept'");
+    EXPECT_EQ(ids(), "'kept'");
 
-    const std::string before = bytesOf(m_path);
+    const std::string before = bytesOf(path(L"DriveModuleData.dat"));
     EXPECT_TRUE(m_drive.InitDatabase());
-    EXPECT_EQ(bytesOf(m_path), before) << "a complete file is not written to";
+    EXPECT_EQ(bytesOf(path(L"DriveModuleData.dat")), before) << "a complete file is not written to";
 }
 
 TEST_F(DriveSchema, EveryConnectionKnowsTheCollation)
 {
-    EXPECT_TRUE(m_drive.InitDatabase());
     EXPECT_EQ(DriverDBProviderBase::GetNameCompareName(), "NameCompare");
     for (const char* id : {"10", "9", "a2", "A10", ""}) {
         DriveDataTable record = treeRecord("id" + std::string(id), "root");
@@ -117,7 +88,7 @@ TEST_F(DriveSchema, EveryConnectionKnowsTheCollation)
     EXPECT_TRUE(m_drive.Query("SELECT name FROM DriveDataTable ORDER BY name COLLATE NameCompare", list));
     EXPECT_EQ(takeRows(m_drive, list), (Rows{{"''"}, {"'9'"}, {"'10'"}, {"'a2'"}, {"'A10'"}}));
 
-    SqliteFile plain(m_path);
+    SqliteFile plain(path(L"DriveModuleData.dat"));
     EXPECT_THROW(plain.exec("INSERT INTO DriveDataTable(fileId, name) VALUES('x', 'y')"), std::runtime_error);
     EXPECT_THROW(plain.exec("CREATE INDEX other ON DriveDataTable(name COLLATE NameCompare)"), std::runtime_error);
     std::string error = "kept";

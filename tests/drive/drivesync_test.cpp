@@ -32,25 +32,19 @@ struct Setting {
     std::function<int(DriverDBProvider&, int id)> set;
 };
 
+#define SET(method, value) [](auto& drive, int id) { return drive.method(id, value); }
 const Setting settings[] = {
-    {"isFirstStart", "-9", true, [](auto& drive, int id) { return drive.UpdateIsFirstStartInDriverConf(id, -9); }},
-    {"isFirstStart", "8", false, [](auto& drive, int id) { return drive.UpdateIsFirstStartInDriverConfV2(id, 8); }},
-    {"rootFileId", "'r'", false, [](auto& drive, int id) { return drive.UpdateRootFileIdInDriverConf(id, "r"); }},
-    {"lastFullSyncTimestamp", "1099511627781", true,
-     [](auto& drive, int id) { return drive.UpdateLastFullSyncTimestampInDriverConf(id, big); }},
-    {"lastAutomaticSyncTimestamp", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateLastAutomaticSyncTimestampInDriverConf(id, big); }},
-    {"lastSubscribeTimestamp", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateLastSubscribeTimestampInDriverConf(id, big); }},
-    {"startCursor", "'s'", false, [](auto& drive, int id) { return drive.UpdateStartCursorInDriverConf(id, "s"); }},
-    {"fullSyncInterval", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateFullSyncIntervalInDriverConf(id, big); }},
-    {"automaticSyncInterval", "1099511627781", false,
-     [](auto& drive, int id) { return drive.UpdateAutomaticSyncIntervalInDriverConf(id, big); }},
-    {"lastLostFileQueryTimestamp", "1099511627781", true,
-     [](auto& drive, int id) { return drive.UpdateLastLostFileQueryTimestampInDriverConf(id, big); }},
-    {"lostFileQueryCursor", "'l'", true,
-     [](auto& drive, int id) { return drive.UpdateLostFileQueryCursorInDriverConf(id, "l"); }},
+    {"isFirstStart", "-9", true, SET(UpdateIsFirstStartInDriverConf, -9)},
+    {"isFirstStart", "8", false, SET(UpdateIsFirstStartInDriverConfV2, 8)},
+    {"rootFileId", "'r'", false, SET(UpdateRootFileIdInDriverConf, "r")},
+    {"lastFullSyncTimestamp", "1099511627781", true, SET(UpdateLastFullSyncTimestampInDriverConf, big)},
+    {"lastAutomaticSyncTimestamp", "1099511627781", false, SET(UpdateLastAutomaticSyncTimestampInDriverConf, big)},
+    {"lastSubscribeTimestamp", "1099511627781", false, SET(UpdateLastSubscribeTimestampInDriverConf, big)},
+    {"startCursor", "'s'", false, SET(UpdateStartCursorInDriverConf, "s")},
+    {"fullSyncInterval", "1099511627781", false, SET(UpdateFullSyncIntervalInDriverConf, big)},
+    {"automaticSyncInterval", "1099511627781", false, SET(UpdateAutomaticSyncIntervalInDriverConf, big)},
+    {"lastLostFileQueryTimestamp", "1099511627781", true, SET(UpdateLastLostFileQueryTimestampInDriverConf, big)},
+    {"lostFileQueryCursor", "'l'", true, SET(UpdateLostFileQueryCursorInDriverConf, "l")},
 };
 
 } // namespace

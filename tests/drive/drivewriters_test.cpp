@@ -1,5 +1,4 @@
 #include "support/drivetest.h"
-#include "support/enginelines.h"
 
 #include <algorithm>
 
@@ -23,8 +22,6 @@ const std::string markers = "renameName renameTime renameBatchId moveParentId mo
                             "softDeleteSrcPath softDelTime softDelBatchId hardDelete hardDelTime hardDelBatchId "
                             "localRestore restoreTime uploadTime uploadBatchId newBatchId restoreBatchId ";
 
-const EngineLines lines("DriveModuleData.dat");
-
 const std::string all =
     cloud + local + batch + "autoUpload riskFileSign riskFileType fileExtSign needToDisplay classIndex " + spare;
 
@@ -36,6 +33,7 @@ struct Update {
     std::string tail = "WHERE fileId = :fileId";
 };
 
+const std::string byId = "WHERE fileId = :fileId ;";
 const Update batches[] = {
     {"pointers",
      [](auto& drive, auto& records) {
@@ -58,13 +56,11 @@ const Update batches[] = {
      "WHERE fileId = :helpData;"},
     {"upload", &Drive::UploadDriveDataById, "mimeType name kind contentVersion version newBatchId fileId=helpData",
      "WHERE fileId = :fileId;"},
-    {"rename", &Drive::RenameDriveDataById, "renameName name renameBatchId renameTime", "WHERE fileId = :fileId ;"},
-    {"move", &Drive::MoveDriveDataToParent, "moveParentId moveBatchId moveTime", "WHERE fileId = :fileId ;"},
-    {"soft delete", &Drive::SoftDeleteDriveDataById, "softDelete softDeleteSrcPath softDelBatchId softDelTime",
-     "WHERE fileId = :fileId ;"},
-    {"hard delete", &Drive::HardDeleteDriveDataById, "hardDelete hardDelBatchId hardDelTime",
-     "WHERE fileId = :fileId ;"},
-    {"restore", &Drive::RestoreDriveDataById, "localRestore restoreBatchId restoreTime", "WHERE fileId = :fileId ;"},
+    {"rename", &Drive::RenameDriveDataById, "renameName name renameBatchId renameTime", byId},
+    {"move", &Drive::MoveDriveDataToParent, "moveParentId moveBatchId moveTime", byId},
+    {"soft delete", &Drive::SoftDeleteDriveDataById, "softDelete softDeleteSrcPath softDelBatchId softDelTime", byId},
+    {"hard delete", &Drive::HardDeleteDriveDataById, "hardDelete hardDelBatchId hardDelTime", byId},
+    {"restore", &Drive::RestoreDriveDataById, "localRestore restoreBatchId restoreTime", byId},
 };
 
 const Update single{"one", [](auto& drive, auto& records) { return drive.UpdateDriveData(records.at(0)); }, all};
