@@ -5,7 +5,6 @@
 #include "support/lists.h"
 #include "support/observed.h"
 #include "support/plainlines.h"
-#include "support/storetest.h"
 
 #include <limits>
 
@@ -14,7 +13,6 @@ using namespace DatabaseService;
 
 namespace {
 
-using Lines = std::vector<std::string>;
 using Records = std::vector<DriveDataTable>;
 
 constexpr int64 day = 86400;
@@ -32,7 +30,7 @@ const std::vector<std::pair<std::string, std::string>> marks{
     {"{key}", " name COLLATE NameCompare"},
 };
 
-struct CloudLists : StoreTest {
+struct CloudLists : PlainTest {
     CloudLists()
     {
         settings().SetServerTime(100 * day);
@@ -48,8 +46,6 @@ struct CloudLists : StoreTest {
     ~CloudLists() override { CloudDriverDb::InitDatabasePath({}); }
 
     static GlobalParamWrapper& settings() { return *GlobalParamWrapper::GetInstance(); }
-
-    Lines logged() { return takePlainLines(m_log); }
 
     /// The statements since the last look, without the connection's number.
     Lines statements()

@@ -4,7 +4,6 @@
 #include "databaseservice/keptconnections.h"
 #include "support/observed.h"
 #include "support/plainlines.h"
-#include "support/storetest.h"
 
 #include <stdexcept>
 
@@ -13,12 +12,10 @@ using namespace DatabaseService;
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 /// Notes when its hooks run.
 class HookedDb : public CommonSqliteDb {
 public:
-    explicit HookedDb(Lines& calls) : m_calls(calls) { }
+    explicit HookedDb(std::vector<std::string>& calls) : m_calls(calls) { }
 
     StatementTrace trace;
 
@@ -31,10 +28,10 @@ protected:
     void CloseBefore(sqlite3*) override { m_calls.emplace_back("close"); }
 
 private:
-    Lines& m_calls;
+    std::vector<std::string>& m_calls;
 };
 
-struct PlainConnection : StoreTest {
+struct PlainConnection : PlainTest {
     PlainConnection() { open(m_db); }
 
     std::string utf8(const std::wstring& name) const { return platform::toUtf8(path(name)); }
@@ -43,8 +40,6 @@ struct PlainConnection : StoreTest {
     {
         ASSERT_TRUE(db.OpenUtf8Path(utf8(name).c_str()));
     }
-
-    Lines logged() { return takePlainLines(m_log); }
 
     Lines m_calls;
     HookedDb m_db{m_calls}; // open

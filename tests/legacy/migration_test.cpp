@@ -161,55 +161,47 @@ TEST_F(Migration, UglyRowsComeOverAsFarAsTheyCan)
 {
     legacysample::putInTheWay(L"gallery.dat");
     run();
-    const std::tuple<const char*, const char*, const char*> cases[]{
-        {"gallery.dat",
-         "SELECT FileId, CreateTime, Sdsmtime, OperateTime, ContinuousNo, VideoMetadata FROM GalleryFile "
+    const std::pair<const char*, const char*> cases[]{
+        {"SELECT FileId, CreateTime, Sdsmtime, OperateTime, ContinuousNo, VideoMetadata FROM GalleryFile "
          "WHERE UniqueId = 'ugly-null'",
          "''|0|''|'0'|0|''"},
-        {"gallery.dat",
-         "SELECT FileName, Sdsmtime, PictureMetadata, VideoMetadata FROM GalleryFile WHERE UniqueId = 'ugly-shifted'",
+        {"SELECT FileName, Sdsmtime, PictureMetadata, VideoMetadata FROM GalleryFile WHERE UniqueId = 'ugly-shifted'",
          "'shifted.jpg'|''|'{\"picture\":1}'|'{\"video\":1}'"},
-        {"gallery.dat",
-         "SELECT FileId, CreateTime, Size, RecycleTime, GalleryState, FileName, IsDeleted, Sdsmtime FROM GalleryFile "
+        {"SELECT FileId, CreateTime, Size, RecycleTime, GalleryState, FileName, IsDeleted, Sdsmtime FROM GalleryFile "
          "WHERE UniqueId = '4711'",
          "'42'|0|0|0|0|'815'|0|'20200101'"},
-        {"gallery.dat",
-         "SELECT CreateTime, Size, GalleryState, OperateTime, IsFavorite FROM GalleryFile WHERE UniqueId = 'ugly-huge'",
+        {"SELECT CreateTime, Size, GalleryState, OperateTime, IsFavorite FROM GalleryFile WHERE UniqueId = 'ugly-huge'",
          "9223372036854775807|-9223372036854775808|2|'-9223372036854775808'|-2147483648"},
-        {"gallery.dat",
-         "SELECT UniqueId, FileName FROM GalleryFile WHERE UniqueId IN ('ugly-nul', 'ugly-' || char(65533), '', "
+        {"SELECT UniqueId, FileName FROM GalleryFile WHERE UniqueId IN ('ugly-nul', 'ugly-' || char(65533), '', "
          "'ugly-blob-key') ORDER BY UniqueId",
          "''|'no key.jpg'\n'ugly-blob-key'|''\n'ugly-nul'|'nul'\n'ugly-\uFFFD'|'\uFFFD('"},
-        {"gallery.dat",
-         "SELECT AlbumName, CreateTime, Lpath, AlbumType, Operation, IsDelete FROM Album ORDER BY AlbumId",
+        {"SELECT AlbumName, CreateTime, Lpath, AlbumType, Operation, IsDelete FROM Album ORDER BY AlbumId",
          "'no key'|0|'\uFFFD'|'5'|'a'|-1\n'Renamed since'|0|''|''|''|0"},
-        {"gallery.dat", "SELECT LatestVersion, TempVersion, UpdateTime, BriefingTime FROM AlbumLocalVersion ORDER BY 1",
+        {"SELECT LatestVersion, TempVersion, UpdateTime, BriefingTime FROM AlbumLocalVersion ORDER BY 1",
          "123456|123457|1577836800000|'1577836800000'\n2147483647|-2147483648|0|'9223372036854775807'"},
-        {"gallery.dat", "SELECT Id, UniqueId, TotalLength, Position FROM DownloadTask ORDER BY Id",
+        {"SELECT Id, UniqueId, TotalLength, Position FROM DownloadTask ORDER BY Id",
          "1|'another task'|0|0\n2|'unique-2'|3000000|1000000\n3|'unique-3'|3000000|1000000\n"
          "4|'unique-1'|3000000|1000000\n5|'ugly-download'|9223372036854775807|2147483647"},
-        {"gallery.dat",
-         "SELECT Id, Position, TaskStatus, StartTime, EndTime FROM UploadTask WHERE UniqueId = 'ugly-upload'",
+        {"SELECT Id, Position, TaskStatus, StartTime, EndTime FROM UploadTask WHERE UniqueId = 'ugly-upload'",
          "4|-2147483648|0|'noon'|'9223372036854775807'"},
-        {"gallery.dat",
-         "SELECT substr(UniqueId, 10), EndTime FROM TransferCompleteCloudTask WHERE FileName = 'end.jpg' "
+        {"SELECT substr(UniqueId, 10), EndTime FROM TransferCompleteCloudTask WHERE FileName = 'end.jpg' "
          "ORDER BY EndTime, UniqueId",
          "'-5'|-5\n''|0\n'noon'|0\n' 12 '|12\n'12 o'clock'|12\n'2020-01-01 00:00:00'|2020\n'1.5e12'|1500000000000\n"
          "'1577836800000.75'|1577836800000\n'99999999999999999999'|9223372036854775807"},
-        {"main.dat", "SELECT Key, Value FROM UserProperties WHERE Key != 'LegacyMigration' ORDER BY Key",
+        {"SELECT Key, Value FROM UserProperties WHERE Key != 'LegacyMigration' ORDER BY Key",
          "''|'no key'\n'Again'|'1'\n'AutoStart'|'1'\n'Language'|'de-DE'\n'SyncCloudFolder'|'D:\\Cloud'\n"
          "'Theme'|'dark'\n'Twice'|'new'\n'\uFFFD'|'a'"},
-        {"main.dat",
-         "SELECT id, time, substr(action, 1, 6), useTime, logversion FROM UserLogTable WHERE id NOT BETWEEN 2 AND 7 "
+        {"SELECT id, time, substr(action, 1, 6), useTime, logversion FROM UserLogTable WHERE id NOT BETWEEN 2 AND 7 "
          "ORDER BY id",
          "1|''|'stands'|0.0|0\n900000000|''|'stands'|0.0|0\n900000001|'2020-01-01 00:00:01'|'open'|1.0|1\n"
          "900000002|'ugly-id'|'open'|-1.0|2147483647"},
-        {"main.dat",
-         "SELECT id, startTime, traceEndFlag, residenceTime, isMainteranceLog FROM UBAUserLog WHERE time = 'ugly-id'",
+        {"SELECT id, startTime, traceEndFlag, residenceTime, isMainteranceLog FROM UBAUserLog WHERE time = 'ugly-id'",
          "8|9.22337203685478e+18|0|16.0|2"},
     };
-    for (const auto& [file, query, rows] : cases) {
-        EXPECT_EQ(SqliteFile(m_store / file).text(query), rows) << query;
+    SqliteFile store(m_plan.galleryFile);
+    store.exec("ATTACH '" + platform::toUtf8(m_plan.mainFile) + "' AS others");
+    for (const auto& [query, rows] : cases) {
+        EXPECT_EQ(store.text(query), rows) << query;
     }
 }
 

@@ -32,6 +32,7 @@ struct Store {
     std::string file;
     std::string numbers; ///< the SQL that gives those that were added
     std::function<void()> create;
+    std::function<void()> fill;
     std::function<void(int)> add; ///< one row that has the number
     std::function<std::size_t()> read;
 };

@@ -148,18 +148,28 @@ const std::vector<Store>& stores()
 {
     static auto& all = neverDestroyed(std::vector<Store>{
         {"drive", "DriveModuleData.dat", "SELECT substr(fileId, 4) + 0 FROM DriveDataTable", [] { D().InitDatabase(); },
+         [] { D().InsertDriveDataBatch(many<DriveDataTable>(0, 40)); D().InsertFullTaskBatch(lent(many<DriveFullTask>(0, 6)));
+              D().InsertDriverConfItem(lent(one<DriveConfTable>(1))); },
          [](int number) { DriveDataTable row = one<DriveDataTable>(number); row.SetFileid(id(number)); D().InsertDriveData(row); },
          [] { return D().GetALLDriveData().size(); }},
         {"main", "main.dat", "SELECT substr(Key, 4) + 0 FROM UserProperties", Main::InitMainDatabase,
+         [] { Main::InsertUserProperties(lent(many<UserProperties>(0, 8))); Main::InsertCloudDriveDataBatch(lent(many<T_CloudFileTable>(1, 9)));
+              Main::InsertNotepadCardItem(1, text(1)); Main::InsertWaitHandleCardItem(1, text(1)); },
          [](int number) { Main::InsertUserProperties(platform::toWide(id(number)), L"v"); },
          [] { return Main::GetAllUserProperties().size(); }},
         {"gallery", "gallery.dat", "SELECT substr(AlbumId, 4) + 0 FROM Album", [] { Gallery::InitGalleryDatabase(L"gallery.dat"); },
+         [] { Gallery::InsertGalleryFileTable(lent(many<GalleryFileTable>(0, 12))); Gallery::InsertAlbumTable(lent(many<AlbumTable>(0, 4))); },
          [](int number) { Gallery::InsertAlbumTable(lent(std::vector{AlbumTable{id(number), text(number), 0, "", "", "", 0, ""}})); },
          [] { return static_cast<std::size_t>(Gallery::CountAlbumTable()); }},
         {"shortcuts", "FastAccess.dat", "SELECT UpdataTime FROM FastAccess", [] { Fast::InitFastAccessDB(); },
+         [] { std::ranges::for_each(lent(many<FastAccessTable>(1, 9)), [](auto& row) { Fast::InsertFastAccessData(&row, {}); }); },
          [](int number) { Fast::InsertFastAccessData(&lent(one<FastAccessTable>(number)), {}); },
          [] { return reading<FastAccessTable>(readShortcuts)().size(); }},
         {"transfers", "transmission.dat", "SELECT totalLength FROM CompletedTaskTable", [] { TransDbConn::DeleteTasksFromTransferTask(77); },
+         [] { transfers().InsertCompletedTasks(many<Completed>(1, 9)); transfers().InsertDownloadTasks(shared<Download>(1, 9));
+              transfers().InsertUploadTasks(many<Upload>(1, 9));
+              transfers().ExecuteSQL("INSERT INTO TransferTask(UniqueId, TaskStatus, ModuleType, TransferType) VALUES ('id-1', 1, 0, 0), "
+                                     "('id-2', 2, 0, 0), ('id-3', 3, 0, 0), ('id-4', 4, 0, 0)"); },
          [](int number) { Completed row = one<Completed>(number); row.totalLength = number; transfers().InsertCompletedTasks({row}); },
          [] { return reading<Completed>([](auto& rows) { transfers().GetAllCompletedTasks(rows, 0, 0); })().size(); }},
     });
@@ -170,33 +180,13 @@ void setUp(const std::string& name)
 {
     if (const auto store = std::ranges::find(stores(), name, &Store::name); store != stores().end()) {
         store->create();
-    }
-    if (name == "drive") {
-        D().InsertDriveDataBatch(many<DriveDataTable>(0, 40));
-        D().InsertFullTaskBatch(lent(many<DriveFullTask>(0, 6)));
-        D().InsertDriverConfItem(lent(one<DriveConfTable>(1)));
-    } else if (name == "main") {
-        Main::InsertUserProperties(lent(many<UserProperties>(0, 8)));
-        Main::InsertCloudDriveDataBatch(lent(many<T_CloudFileTable>(1, 9)));
-        Main::InsertNotepadCardItem(1, text(1));
-        Main::InsertWaitHandleCardItem(1, text(1));
-    } else if (name == "gallery") {
-        Gallery::InsertGalleryFileTable(lent(many<GalleryFileTable>(0, 12)));
-        Gallery::InsertAlbumTable(lent(many<AlbumTable>(0, 4)));
-    } else if (name == "shortcuts") {
-        std::ranges::for_each(lent(many<FastAccessTable>(1, 9)), [](auto& row) { Fast::InsertFastAccessData(&row, {}); });
-    } else if (name == "transfers") {
-        transfers().InsertCompletedTasks(many<Completed>(1, 9));
-        transfers().InsertDownloadTasks(shared<Download>(1, 9));
-        transfers().InsertUploadTasks(many<Upload>(1, 9));
-        transfers().ExecuteSQL("INSERT INTO TransferTask(UniqueId, TaskStatus, ModuleType, TransferType) VALUES ('id-1', 1, 0, 0), "
-                               "('id-2', 2, 0, 0), ('id-3', 3, 0, 0), ('id-4', 4, 0, 0)");
+        store->fill();
     } else if (name == "legacy") {
-        SqliteFile store(file("legacy.dat"));
-        store.exec("CREATE TABLE before(a)");
+        SqliteFile older(file("legacy.dat"));
+        older.exec("CREATE TABLE before(a)");
         V10::InitDB(file("legacy.dat").wstring());
         CloseKeptConnections();
-        store.fill(20);
+        older.fill(20);
     } else if (name == "older") {
         SqliteFile(file("main.dat")).exec("CREATE TABLE before(a); INSERT INTO before VALUES(1)");
     }

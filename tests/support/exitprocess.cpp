@@ -24,30 +24,25 @@ namespace {
 
 TessixDeskClient::ModuleBase& module(char name)
 {
-    if (name == 't') {
-        return TransmissionDBModule::GetInstance();
-    }
-    return FastAccessDBModule::GetInstance();
+    using Module = TessixDeskClient::ModuleBase;
+    return name == 't' ? static_cast<Module&>(TransmissionDBModule::GetInstance()) : FastAccessDBModule::GetInstance();
 }
 
 } // namespace
 
 int platform::programMain(const std::vector<std::string>& arguments)
 {
-    if (arguments.size() != 4) {
-        return 2;
-    }
     testsupport::LogCapture log;
-    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(arguments[0]));
-    for (const char name : arguments[1]) {
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(arguments.at(0)));
+    for (const char name : arguments.at(1)) {
         module(name).OnUserLogin();
     }
     static auto& shortcut = platform::neverDestroyed(new DatabaseService::FastAccessTable);
-    for (int post = std::stoi(arguments[3]); post > 0; --post) {
+    for (int post = std::stoi(arguments.at(3)); post > 0; --post) {
         TransmissionDBModule::GetInstance().ExecuteSQL("INSERT INTO UploadTaskTable(errorCode) VALUES (1)");
         FastAccessDBModule::GetInstance().InsertFastAccessData(&shortcut, {});
     }
-    for (const char name : arguments[2]) {
+    for (const char name : arguments.at(2)) {
         module(name).StopWork();
     }
     const testing::AssertionResult clean = log.failuresWere({});

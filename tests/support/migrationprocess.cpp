@@ -12,18 +12,15 @@
 
 int platform::programMain(const std::vector<std::string>& arguments)
 {
-    if (arguments.size() < 3) {
-        return 2;
-    }
     const auto toPath = [](const std::string& text) { return platform::toPath(platform::toWide(text)); };
     using testsupport::FaultyDisk;
     const FaultyDisk disk(arguments.size() > 3 ? FaultyDisk::Fault::Kill : FaultyDisk::Fault::None,
                           arguments.size() > 3 ? std::stoll(arguments[3]) : 0);
-    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(arguments[1]));
+    GlobalParamWrapper::GetInstance()->SetUserDataBaseFolder(platform::toWide(arguments.at(1)));
     migration::Plan plan;
-    plan.legacyFile = toPath(arguments[0]);
+    plan.legacyFile = toPath(arguments.at(0));
     plan.mainFile = toPath(arguments[1]) / "main.dat";
-    plan.galleryFile = toPath(arguments[1]) / toPath(arguments[2]);
+    plan.galleryFile = toPath(arguments[1]) / toPath(arguments.at(2));
     const migration::Report report = migration::run(plan);
     std::cout << FaultyDisk::changes() << '\n';
     return report.remembered || report.earlierRun ? 0 : 1;

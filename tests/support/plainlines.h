@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/lists.h"
-#include "support/logcapture.h"
+#include "support/storetest.h"
 
 #include <regex>
 #include <string>
@@ -28,11 +28,15 @@ inline std::string sqliteFailed(const std::string& title, int code, const std::s
                      title + " failed, errcode=" + std::to_string(code) + ",errDesc[" + description + ']');
 }
 
-/// All lines since the last look, without their source lines.
-inline std::vector<std::string> takePlainLines(LogCapture& log)
-{
-    static const std::regex sourceLine(", line [1-9][0-9]*, flag");
-    return mapped(log.take(), [](const auto& line) { return std::regex_replace(line, sourceLine, ", flag"); });
-}
+struct PlainTest : StoreTest {
+    using Lines = std::vector<std::string>;
+
+    /// All lines since the last look, without their source lines.
+    Lines logged()
+    {
+        static const std::regex sourceLine(", line [1-9][0-9]*, flag");
+        return mapped(m_log.take(), [](const auto& line) { return std::regex_replace(line, sourceLine, ", flag"); });
+    }
+};
 
 } // namespace testsupport

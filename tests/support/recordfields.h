@@ -118,12 +118,12 @@ template <class Record> struct RecordFields {
         return file.query("SELECT " + joined(mapped(all, &RecordField<Record>::column)) + " FROM " + table +
                           " ORDER BY 1");
     }
-
-    /// Each column's name, type, whether it takes no NULL, default, and whether it is the key.
-    Rows schema(SqliteFile& file) const
-    {
-        return file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" + table + "')");
-    }
 };
+
+/// Each column's name, type, whether it takes no NULL, default, and whether it is the key.
+inline Rows schemaOf(SqliteFile& file, const std::string& table)
+{
+    return file.query("SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info('" + table + "')");
+}
 
 } // namespace testsupport

@@ -46,8 +46,7 @@ testing::AssertionResult refused(const Ran& ran, const std::string& told)
 
 testing::AssertionResult contains(const std::string& text, const std::string& part)
 {
-    return text.find(part) != std::string::npos ? testing::AssertionSuccess()
-                                                : testing::AssertionFailure() << "no " << part << " in: " << text;
+    return testing::AssertionResult(text.find(part) != std::string::npos) << "no " << part << " in: " << text;
 }
 
 std::vector<int> numbers(const Ran& scan)

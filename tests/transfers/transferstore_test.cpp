@@ -49,6 +49,8 @@ struct TransferStore : StoreTest {
         m_store.InitDatabase();
         m_store.CreateTransferTaskTable();
         m_store.trace.take();
+        m_type.ModuleType = 1;
+        m_type.TransferType = 2;
     }
 
     template <class Record> Rows rows(const RecordFields<Record>& fields) { return fields.rows(m_file); }
@@ -63,6 +65,7 @@ struct TransferStore : StoreTest {
 
     Observed<TransDbConnThread> m_store{*TransDbConnThread::GetInstance()};
     SqliteFile m_file{path(L"transmission.dat")};
+    TransTaskType m_type;
 };
 
 std::string idsOf(const std::vector<T>& tasks)
@@ -83,7 +86,7 @@ TEST_F(TransferStore, Schema)
             expected.push_back({textCell(field.column), field.text ? "'TEXT'" : "'INTEGER'", key ? "1" : "0",
                                 zero ? "'0'" : "NULL", key ? "1" : "0"});
         }
-        EXPECT_EQ(fields.schema(m_file), expected);
+        EXPECT_EQ(schemaOf(m_file, fields.table), expected);
     };
     check(completed, "all");
     check(download, "all");
@@ -254,11 +257,8 @@ TEST_F(TransferStore, StatusThreeIsNotActive)
     m_file.exec("UPDATE TransferTask SET FileId = 'F', FileName = 'N', EndTime = 1 << 40, TotalSize = 2 << 40, "
                 "LocalFilePath = 'L', ParentId = 'P', ErrorCode = 8");
     std::vector<T> tasks(1);
-    TransTaskType type;
-    type.ModuleType = 1;
-    type.TransferType = 2;
     EXPECT_TRUE(m_store.GetAllTask(tasks, 1, 2));
-    m_store.LoadDbSQL(type, tasks);
+    m_store.LoadDbSQL(m_type, tasks);
     EXPECT_EQ(idsOf(tasks), "afaf");
 
     tasks.clear();
@@ -286,23 +286,20 @@ TEST_F(TransferStore, StatusThreeIsNotActive)
 TEST_F(TransferStore, LoadedTasksAreHandedOverByAddress)
 {
     addTasks("('a',1,2,0), ('b',1,2,3), ('c',1,2,4)");
-    TransTaskType type;
-    type.ModuleType = 1;
-    type.TransferType = 2;
     std::string visited;
     const auto visit = [&](uint64 context, int64 address) {
         EXPECT_EQ(context, reinterpret_cast<std::uintptr_t>(&visited));
         EXPECT_EQ(m_store.closed, m_store.opened) << "no connection is open";
         visited += platform::toUtf8(reinterpret_cast<const T*>(static_cast<std::intptr_t>(address))->UniqueId);
     };
-    m_store.LoadDbSQL(type, &visited, visit);
+    m_store.LoadDbSQL(m_type, &visited, visit);
     EXPECT_EQ(visited, "ac");
 
     const auto fail = [](uint64, int64) { throw std::runtime_error("the callback's own"); };
-    EXPECT_THROW(m_store.LoadDbSQL(type, nullptr, fail), std::runtime_error);
+    EXPECT_THROW(m_store.LoadDbSQL(m_type, nullptr, fail), std::runtime_error);
     const int opened = m_store.opened;
     EXPECT_EQ(m_store.closed, opened);
-    m_store.LoadDbSQL(type, nullptr, {});
+    m_store.LoadDbSQL(m_type, nullptr, {});
     EXPECT_EQ(m_store.opened, opened);
 }
 
