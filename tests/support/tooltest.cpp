@@ -2,6 +2,7 @@
 
 #include "platform/paths.h"
 #include "support/lists.h"
+#include "support/process.h"
 #include "support/sqlitefile.h"
 
 #include <fstream>
@@ -38,15 +39,35 @@ void writeFile(const fs::path& file, const std::string& content)
 
 testing::AssertionResult refused(const Ran& ran, const std::string& told)
 {
-    if (ran.code != 1 || !ran.out.empty()) {
-        return testing::AssertionFailure() << "exit code " << ran.code << ", " << ran.out << ran.err;
-    }
-    return contains(ran.err, told);
+    return ran.out.empty() ? ended(ran, 1, told) : testing::AssertionFailure() << "it shows " << ran.out;
+}
+
+testing::AssertionResult ended(const Ran& ran, int code, const std::string& told)
+{
+    return ran.code == code ? contains(ran.err, told)
+                            : testing::AssertionFailure() << "exit code " << ran.code << ", " << ran.out << ran.err;
+}
+
+testing::AssertionResult holds(const nlohmann::json& line, const nlohmann::json& part)
+{
+    nlohmann::json both = line;
+    both.update(part);
+    return both == line ? testing::AssertionSuccess() : testing::AssertionFailure() << part << " is not in " << line;
 }
 
 testing::AssertionResult contains(const std::string& text, const std::string& part)
 {
     return testing::AssertionResult(text.find(part) != std::string::npos) << "no " << part << " in: " << text;
+}
+
+std::vector<nlohmann::json> linesOf(const Ran& ran)
+{
+    std::vector<nlohmann::json> lines;
+    std::istringstream stream(ran.out);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(nlohmann::json::parse(line));
+    }
+    return lines;
 }
 
 std::vector<int> numbers(const Ran& scan)
@@ -57,9 +78,11 @@ std::vector<int> numbers(const Ran& scan)
 }
 
 ToolTest::ToolTest()
-    : m_cacheFolder(onPosix ? "XDG_CACHE_HOME" : "LOCALAPPDATA", platform::toUtf8(m_folder.path() / "cache"))
+    : m_cacheFolder(onPosix ? "XDG_CACHE_HOME" : "LOCALAPPDATA", platform::toUtf8(m_folder.path() / "cache")),
+      m_temporaryFolder(onPosix ? "TMPDIR" : "TMP", platform::toUtf8(temporary()))
 {
     fs::create_directories(source());
+    fs::create_directories(temporary());
 }
 
 Ran ToolTest::run(const Arguments& arguments, const Arguments& before) const
@@ -84,17 +107,27 @@ Ran ToolTest::scan(const Arguments& before) const
     return onStore({"--json", "scan", platform::toUtf8(source())}, before);
 }
 
+void ToolTest::succeed(const std::vector<std::string>& lines) const
+{
+    for (const std::string& line : lines) {
+        const Ran ran = onStore(split(line));
+        EXPECT_EQ(ran.code, 0) << line << ": " << ran.err;
+    }
+}
+
+void ToolTest::fill(const std::vector<std::string>& names) const
+{
+    for (const std::string& name : names) {
+        writeFile(source() / utf8Path(name), name);
+    }
+}
+
 std::vector<nlohmann::json> ToolTest::rows(Arguments arguments) const
 {
     arguments.insert(arguments.begin(), "--json");
     const Ran ran = onStore(arguments);
     EXPECT_EQ(ran.code, 0) << ran.err;
-    std::vector<nlohmann::json> lines;
-    std::istringstream stream(ran.out);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(nlohmann::json::parse(line));
-    }
-    return lines;
+    return linesOf(ran);
 }
 
 std::vector<std::string> ToolTest::names(const Arguments& arguments) const
@@ -102,9 +135,9 @@ std::vector<std::string> ToolTest::names(const Arguments& arguments) const
     return mapped(rows(arguments), [](const auto& shown) { return shown["name"].template get<std::string>(); });
 }
 
-void ToolTest::changeStore(const std::string& sql) const
+void ToolTest::changeStore(const std::string& sql, const std::string& file) const
 {
-    SqliteFile(storeFile(), SqliteFile::Collation::NameCompare).exec(sql);
+    SqliteFile(store() / utf8Path(file), SqliteFile::Collation::NameCompare).exec(sql);
 }
 
 ToolTest::Arguments ToolTest::withoutPrivileges() const

@@ -10,6 +10,7 @@
 #include "support/sqlitefile.h"
 
 #include <algorithm>
+#include <sstream>
 
 using namespace testsupport;
 
@@ -34,44 +35,39 @@ struct Use {
 std::vector<Use> allUses()
 {
     const struct {
-        std::string file, writes;
-        Words lines;
+        std::string file, writes, lines;
     } groups[]{
-        {drive,
-         "",
-         {"ls", "ls --all --sort -name", "view other", "recycle", "recycle --expired", "stat /a/1", "find b", "count",
-          "count /a", "pending", "config", "query SELECT*FROM(DriveDataTable)ORDER/**/BY(name)"}},
-        {drive,
-         "#",
-         {"scan @/source", "reindex", "mkdir /a/n", "rename /b1 n", "mv /b1 /a", "rm /a/1 /b1", "rm --final /a",
-          "restore /b2"}},
-        {settings, "", {"properties list", "properties get k", "logs", "changes", "cards"}},
-        {settings, "#", {"properties set k w", "properties remove-all --yes"}},
-        {shortcuts, "", {"shortcuts list"}},
-        {shortcuts, "#", {"shortcuts add --title t", "shortcuts remove 1"}},
-        {transfers, "", {"transfers list"}},
-        {transfers,
-         "#",
-         {"transfers add upload --name n", "transfers add download --name n", "transfers add completed --name n",
-          "transfers add task --name n --unique-id z", "transfers simulate 3", "reset --user --yes"}},
-        {gallery,
-         "",
-         {"gallery counts --gallery g.dat", "gallery list --gallery g.dat", "gallery show id-1 --gallery g.dat"}},
-        {gallery, "#", {"gallery import @/source --gallery g.dat", "reset --gallery g.dat --yes"}},
-        {"store/", "", {"info", "check", "diff @/good @/store", "diff @/store @/good --summary", "gallery list"}},
-        {"store/", "#", {"check --repair", "check --repair #"}},
-        {"store/", "saved.dat", {"recover # @/saved.dat"}},
-        {"store/", "copy", {"copy-out @/copy", "copy-out @/copy --redact"}},
-        {"store/", "report.html", {"report @/report.html"}},
-        {"store/", "store/", {"init --gallery g.dat", "reset --all --yes"}},
-        {legacy, "", {"migrate # --gallery g.dat --dry-run"}},
-        {legacy, "store/main.dat store/g.dat", {"migrate # --gallery g.dat"}},
-        {settings, "# store/g.dat", {"migrate @/source/legacy.dat --gallery g.dat"}},
-        {gallery, "# store/main.dat", {"migrate @/source/legacy.dat --gallery g.dat"}},
+        {drive, "",
+         "ls, ls --all --sort -name, view other, recycle, recycle --expired, stat /a/1, find b, count, count /a, "
+         "pending, config, query SELECT*FROM(DriveDataTable)ORDER/**/BY(name)"},
+        {drive, "#",
+         "scan @/source, reindex, mkdir /a/n, rename /b1 n, mv /b1 /a, rm /a/1 /b1, rm --final /a, restore /b2"},
+        {settings, "", "properties list, properties get k, logs, changes, cards"},
+        {settings, "#", "properties set k w, properties remove-all --yes"},
+        {shortcuts, "", "shortcuts list"},
+        {shortcuts, "#", "shortcuts add --title t, shortcuts remove 1"},
+        {transfers, "", "transfers list"},
+        {transfers, "#",
+         "transfers add upload --name n, transfers add download --name n, transfers add completed --name n, "
+         "transfers add task --name n --unique-id z, transfers simulate 3, reset --user --yes"},
+        {gallery, "",
+         "gallery counts --gallery g.dat, gallery list --gallery g.dat, gallery show id-1 --gallery g.dat"},
+        {gallery, "#", "gallery import @/source --gallery g.dat, reset --gallery g.dat --yes"},
+        {"store/", "", "info, check, diff @/good @/store, diff @/store @/good --summary, gallery list"},
+        {"store/", "#", "check --repair, check --repair #"},
+        {"store/", "saved.dat", "recover # @/saved.dat"},
+        {"store/", "copy", "copy-out @/copy, copy-out @/copy --redact"},
+        {"store/", "report.html", "report @/report.html"},
+        {"store/", "store/", "init --gallery g.dat, reset --all --yes"},
+        {legacy, "", "migrate # --gallery g.dat --dry-run"},
+        {legacy, "store/main.dat store/g.dat", "migrate # --gallery g.dat"},
+        {settings, "# store/g.dat", "migrate @/source/legacy.dat --gallery g.dat"},
+        {gallery, "# store/main.dat", "migrate @/source/legacy.dat --gallery g.dat"},
     };
     std::vector<Use> uses;
     for (const auto& [file, writes, lines] : groups) {
-        for (const std::string& line : lines) {
+        std::istringstream stream(lines);
+        for (std::string line; std::getline(stream >> std::ws, line, ',');) {
             uses.push_back({file, writes, line});
         }
     }
@@ -108,14 +104,14 @@ std::string endless(const std::string& event)
 const std::string hostile[]{
     "UPDATE DriveDataTable SET parentId = fileId",
     "UPDATE DriveDataTable SET parentId = (SELECT fileId FROM DriveDataTable WHERE name = '1') WHERE name = 'a'",
-    "INSERT INTO DriveDataTable(fileId, name, parentId, mimeType, recycled, needToDisplay) WITH RECURSIVE n(i) AS "
-    "(SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) SELECT i, i, i - 1, 'x', 0, 1 FROM n",
+    ("INSERT INTO DriveDataTable(fileId, name, parentId, mimeType, recycled, needToDisplay) WITH RECURSIVE n(i) AS "
+     "(SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) SELECT i, i, i - 1, 'x', 0, 1 FROM n"),
     "BEGIN; " + repeated(1000, "CREATE TABLE more", "(x); ") + "COMMIT",
     "DROP TABLE T; CREATE TABLE T(C" + repeated(1990, ", more", " TEXT DEFAULT 'x'") +
         "); INSERT INTO T(C) VALUES('k')",
     "ALTER TABLE T ADD COLUMN made GENERATED ALWAYS AS (hex(zeroblob(400000000))) VIRTUAL",
-    "CREATE TABLE \"it's \"\"x\x1b[31m\"(\"a\nb\" DEFAULT 'x', \"c\"\"\"); INSERT INTO \"it's \"\"x\x1b[31m\" "
-    "VALUES(1, 2)",
+    ("CREATE TABLE \"it's \"\"x\x1b[31m\"(\"a\nb\" DEFAULT 'x', \"c\"\"\"); INSERT INTO \"it's \"\"x\x1b[31m\" "
+     "VALUES(1, 2)"),
     "CREATE TRIGGER harm AFTER UPDATE ON T BEGIN DELETE FROM T; END",
     "CREATE TRIGGER harm AFTER DELETE ON T BEGIN INSERT INTO T(C) VALUES('again'); END",
     "CREATE TRIGGER harm BEFORE INSERT ON T BEGIN SELECT RAISE(IGNORE); END",

@@ -5,10 +5,6 @@
 #include "support/trialrun.h"
 
 #include <cstdint>
-#include <filesystem>
-#include <map>
-#include <string>
-#include <vector>
 
 namespace toolharm {
 

@@ -4,8 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <string>
-#include <vector>
+#include <optional>
 
 namespace fs = std::filesystem;
 using namespace testsupport;
@@ -20,9 +19,7 @@ class ToolInspect : public ToolTest {
 protected:
     ToolInspect()
     {
-        for (const char* name : {"a/1", "a/2", "b1", "b2"}) {
-            writeFile(source() / name, "x");
-        }
+        fill({"a/1", "a/2", "b1", "b2"});
         EXPECT_EQ(onStore({"init", "--gallery", "g.dat"}).code, 0);
         EXPECT_EQ(scan().code, 0);
     }
@@ -38,19 +35,12 @@ protected:
     {
         writeFile(utf8Path(file), bytesOf(utf8Path(file)).replace((page - 1) * pageSize, pageSize, pageSize, '\0'));
     }
-    json lineOf(const Arguments& arguments) const
-    {
-        const Ran ran = run(arguments);
-        return json::parse(ran.out.substr(0, ran.out.find('\n')));
-    }
+    json lineOf(const Arguments& arguments) const { return linesOf(run(arguments)).at(0); }
 };
 
 TEST_F(ToolInspect, TheTablesTellWhichFileItIs)
 {
-    struct Case {
-        std::string file, change, kind, schema;
-    };
-    const std::vector<Case> cases{
+    const std::tuple<std::string, std::string, std::string, std::string> cases[]{
         {"DriveModuleData.dat", "", "drive", ""},
         {"main.dat", "ALTER TABLE T_CloudFileTable DROP COLUMN imageRotate", "main", "lacks the column imageRotate"},
         {"g.dat", "ALTER TABLE Album ADD COLUMN more", "gallery", "has a column more, more"},
@@ -101,10 +91,7 @@ TEST_F(ToolInspect, CheckTellsWhatIsWrong)
 {
     const std::string row = " WHERE name = 'b1'";
     const std::string others = "UPDATE DriveDataTable SET ";
-    struct Case {
-        std::string file, change, severity, what;
-    };
-    const std::vector<Case> cases{
+    const std::tuple<std::string, std::string, std::string, std::string> cases[]{
         {"DriveModuleData.dat", "", "", ""},
         {"DriveModuleData.dat", "parentId = 'nowhere'", "warning", "its folder nowhere has no row"},
         {"DriveModuleData.dat", "parentId = ''", "error", "a second root"},
@@ -137,8 +124,7 @@ TEST_F(ToolInspect, CheckTellsWhatIsWrong)
         const Ran ran = run({"--json", "check", renamed});
         EXPECT_EQ(ran.code, severity == "error" ? 1 : 0) << ran.out;
         EXPECT_TRUE(bytesOf(utf8Path(renamed)) == before);
-        const json first = lineOf({"--json", "check", renamed});
-        EXPECT_EQ(first.value("severity", ""), severity) << ran.out;
+        EXPECT_EQ(linesOf(ran).at(0).value("severity", ""), severity) << ran.out;
         EXPECT_TRUE(contains(ran.out, what));
     }
 
@@ -174,8 +160,7 @@ TEST_F(ToolInspect, RepairMakesIndexesAnewAndNothingElse)
         SqliteFile other(utf8Path(file));
         other.exec("BEGIN IMMEDIATE");
         const Ran ran = run({"--wait", "0.1", "check", "--repair", file});
-        EXPECT_EQ(ran.code, 1);
-        EXPECT_TRUE(contains(ran.err, "locked by another program") && contains(ran.err, "the file is as it was"));
+        EXPECT_TRUE(ended(ran, 1, "locked by another program") && contains(ran.err, "the file is as it was"));
     }
     EXPECT_TRUE(bytesOf(utf8Path(file)) == before);
     writeFile(utf8Path(file + ".before-repair"), "taken");
@@ -195,7 +180,7 @@ TEST_F(ToolInspect, RecoverSavesWhatCanBeRead)
                 "INSERT INTO DriveDataTable(fileId, name) SELECT 'row ' || i, printf('%.*c', IIF(i % 20 = 0, 9000, "
                 "300), 'x') FROM n");
     const Rows whole = SqliteFile(storeFile()).query(all);
-    const auto recover = [&](const std::string& damaged, std::size_t& saved, std::size_t& lost) {
+    const auto recover = [&](const std::string& damaged) -> std::optional<std::pair<std::size_t, std::size_t>> {
         fs::remove(utf8Path(out));
         const Ran ran = run({"--json", "recover", damaged, out});
         for (const auto& [name, bytes] : contents(m_folder.path())) {
@@ -203,10 +188,11 @@ TEST_F(ToolInspect, RecoverSavesWhatCanBeRead)
         }
         if (!fs::exists(utf8Path(out))) {
             EXPECT_TRUE(refused(ran, "nothing has been made"));
-            return false;
+            return std::nullopt;
         }
-        for (std::size_t at = 0; at < ran.out.size(); at = ran.out.find('\n', at) + 1) {
-            const json line = json::parse(ran.out.substr(at, ran.out.find('\n', at) - at));
+        std::size_t saved = 0;
+        std::size_t lost = 0;
+        for (const json& line : linesOf(ran)) {
             if (line["table"] == "DriveDataTable") {
                 saved = line["saved"];
                 lost = line["lost"];
@@ -220,7 +206,7 @@ TEST_F(ToolInspect, RecoverSavesWhatCanBeRead)
         for (const std::vector<std::string>& row : rows) {
             EXPECT_NE(std::find(whole.begin(), whole.end(), row), whole.end());
         }
-        return true;
+        return std::pair(saved, lost);
     };
     const std::string root =
         SqliteFile(storeFile()).value("SELECT rootpage FROM sqlite_master WHERE name = 'DriveDataTable'");
@@ -232,9 +218,8 @@ TEST_F(ToolInspect, RecoverSavesWhatCanBeRead)
         const std::string damaged = copy("DriveModuleData.dat");
         zero(damaged, page);
         const std::string before = bytesOf(utf8Path(damaged));
-        std::size_t saved = 0;
-        std::size_t lost = 0;
-        if (recover(damaged, saved, lost)) {
+        if (const auto found = recover(damaged)) {
+            const auto [saved, lost] = *found;
             ++made;
             partly += saved > 0 && lost > 0 ? 1 : 0;
             EXPECT_EQ(saved + lost, whole.size());
@@ -245,12 +230,9 @@ TEST_F(ToolInspect, RecoverSavesWhatCanBeRead)
     EXPECT_EQ(made, pages - 1) << "without the first page nothing tells the tables";
     EXPECT_GT(partly, 2U);
 
-    std::size_t saved = 0;
-    std::size_t lost = 0;
     const std::string cut = copy("DriveModuleData.dat");
     fs::resize_file(utf8Path(cut), (pages - 3) * pageSize);
-    EXPECT_TRUE(recover(cut, saved, lost));
-    EXPECT_GT(saved, 0U);
+    EXPECT_GT(recover(cut).value_or(std::pair(0, 0)).first, 0U);
     EXPECT_TRUE(refused(run({"recover", cut, out}), "nothing is overwritten"));
     EXPECT_TRUE(contains(run({"info", out}).out, "as this library lays it down"));
 

@@ -1,9 +1,6 @@
 #include "support/filebytes.h"
 #include "support/tooltest.h"
 
-#include <map>
-#include <string>
-
 using namespace testsupport;
 using nlohmann::json;
 
