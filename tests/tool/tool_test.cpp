@@ -1,7 +1,6 @@
 #include "clientservices/globalparamwrapper.h"
 #include "databaseservice/drivedatatable.h"
 #include "platform/paths.h"
-#include "support/process.h"
 #include "support/sqlitefile.h"
 #include "support/tooltest.h"
 
@@ -433,18 +432,16 @@ TEST_F(Tool, AScanMendsWhatOthersLeft)
 TEST_F(Tool, CompletesAFirstScanThatWasCutOff)
 {
     fill({"a/b/c", "a/d", "e/f", "g", "h/i"});
-    const auto indexes = [this] {
-        return SqliteFile(storeFile()).query("SELECT name FROM sqlite_master WHERE type = 'index' ORDER BY name");
-    };
+    const std::string indexes = "SELECT name FROM sqlite_master WHERE type = 'index' ORDER BY name";
     ASSERT_EQ(numbers(scan()), (std::vector{10, 0, 0, 0, 0, 10}));
-    const auto before = indexes();
+    const std::string before = SqliteFile(storeFile()).text(indexes);
     changeStore("DROP INDEX nameIndex; DROP INDEX mimeTypeIndex; DROP INDEX sizeIndex; DROP INDEX modifiedTimeIndex;"
                 "DROP INDEX fileExtSignIndex; DROP INDEX parentIdIndex;"
                 "DELETE FROM DriveDataTable WHERE parentId <> '' AND fileId > '8'");
     const int left = rows({"count"}).at(0)["rows"];
     EXPECT_EQ(numbers(scan()), (std::vector{10 - left, 0, left, 0, 0, 10}));
     EXPECT_EQ(row("/")["subtree"], 10);
-    EXPECT_EQ(indexes(), before);
+    EXPECT_EQ(SqliteFile(storeFile()).text(indexes), before);
 }
 
 // The store has /a/x below another folder, which is gone. What is swept with that folder is still on the disk.

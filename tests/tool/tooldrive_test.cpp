@@ -39,13 +39,6 @@ protected:
         EXPECT_EQ(lines[0]["operation"], operation) << testing::PrintToString(arguments);
         EXPECT_EQ(row("id:" + lines[0]["fileId"].get<std::string>())["name"], lines[0]["name"]);
     }
-
-    /// What a client does with pending deletions when it synchronises.
-    void carryToBin() const
-    {
-        changeStore("UPDATE DriveDataTable SET recycled = 1, directlyRecycled = 1, softDelete = 0, softDelBatchId = 0, "
-                    "recycledTime = softDelTime WHERE softDelBatchId <> 0");
-    }
 };
 
 TEST_F(ToolDrive, ListsShowWhatIsPending)
@@ -86,7 +79,9 @@ TEST_F(ToolDrive, ListsShowWhatIsPending)
     EXPECT_EQ(names({"ls"}), (Names{"a", "z"}));
     EXPECT_EQ(names({"ls", "/a"}), (Names{"new 9", "new 10", "it's"}));
 
-    carryToBin();
+    // What a client does with pending deletions when it synchronises.
+    changeStore("UPDATE DriveDataTable SET recycled = 1, directlyRecycled = 1, softDelete = 0, softDelBatchId = 0, "
+                "recycledTime = softDelTime WHERE softDelBatchId <> 0");
     EXPECT_EQ(names({"recycle"}), Names{"one"});
     expectDone({"mkdir", "/a/one"}, "new");
     EXPECT_EQ(onStore({"restore", "/a/one"}).code, 1); // the name is taken

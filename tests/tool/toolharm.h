@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/testfolder.h"
 #include "support/tooltest.h"
 #include "support/trialrun.h"
 

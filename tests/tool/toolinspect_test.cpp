@@ -89,8 +89,6 @@ TEST_F(ToolInspect, TheTablesTellWhichFileItIs)
 
 TEST_F(ToolInspect, CheckTellsWhatIsWrong)
 {
-    const std::string row = " WHERE name = 'b1'";
-    const std::string others = "UPDATE DriveDataTable SET ";
     const std::tuple<std::string, std::string, std::string, std::string> cases[]{
         {"DriveModuleData.dat", "", "", ""},
         {"DriveModuleData.dat", "parentId = 'nowhere'", "warning", "its folder nowhere has no row"},
@@ -119,7 +117,7 @@ TEST_F(ToolInspect, CheckTellsWhatIsWrong)
         const std::string renamed = copy(file);
         const bool isStatement = change.empty() || isupper(static_cast<unsigned char>(change[0])) != 0;
         SqliteFile(utf8Path(renamed), SqliteFile::Collation::NameCompare)
-            .exec(isStatement ? change : others + change + row);
+            .exec(isStatement ? change : "UPDATE DriveDataTable SET " + change + " WHERE name = 'b1'");
         const std::string before = bytesOf(utf8Path(renamed));
         const Ran ran = run({"--json", "check", renamed});
         EXPECT_EQ(ran.code, severity == "error" ? 1 : 0) << ran.out;

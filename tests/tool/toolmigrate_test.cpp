@@ -1,6 +1,5 @@
 #include "legacysample/legacysample.h"
 #include "platform/paths.h"
-#include "support/process.h"
 #include "support/sqlitefile.h"
 #include "support/tooltest.h"
 
@@ -38,16 +37,6 @@ protected:
     }
 
     fs::path m_legacy = source() / "legacy.dat";
-
-    /// Only what a client would have written.
-    void tidyLegacy() const
-    {
-        SqliteFile(m_legacy).exec("DELETE FROM GalleryFile WHERE length(UniqueId) != 32; DELETE FROM Album WHERE "
-                                  "AlbumId = ''; DELETE FROM AlbumLocalVersion WHERE AlbumVersion = ''; DELETE FROM "
-                                  "DownloadTask WHERE Id > 100; DELETE FROM UploadTask WHERE Id > 100; DELETE FROM "
-                                  "TransferCompleteCloudTask WHERE Id > 100; DELETE FROM UserProperties WHERE Id > 4; "
-                                  "DELETE FROM UserLog WHERE Id > 100");
-    }
 };
 
 } // namespace
@@ -112,7 +101,12 @@ TEST_F(ToolMigrate, TellsWhatCameOverAndWhatWasLost)
 
 TEST_F(ToolMigrate, ExitCodeTellsWhetherAnythingIsMissing)
 {
-    tidyLegacy();
+    // What no client would have written goes.
+    SqliteFile(m_legacy).exec("DELETE FROM GalleryFile WHERE length(UniqueId) != 32; DELETE FROM Album WHERE "
+                              "AlbumId = ''; DELETE FROM AlbumLocalVersion WHERE AlbumVersion = ''; DELETE FROM "
+                              "DownloadTask WHERE Id > 100; DELETE FROM UploadTask WHERE Id > 100; DELETE FROM "
+                              "TransferCompleteCloudTask WHERE Id > 100; DELETE FROM UserProperties WHERE Id > 4; "
+                              "DELETE FROM UserLog WHERE Id > 100");
     EXPECT_EQ(migrate().code, 1);
     const Ran whole = migrate({"--again", "--skip-uba"});
     EXPECT_EQ(whole.code, 0) << whole.err;

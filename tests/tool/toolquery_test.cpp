@@ -251,22 +251,20 @@ TEST_F(ToolQuery, ARedactedCopyHoldsNoWordOfTheStores)
 TEST_F(ToolQuery, ACopyIsWholeWhateverGoesOn)
 {
     const std::string folder = platform::toUtf8(m_folder.path() / "copy");
-    const auto size = [&] {
-        const Ran asked =
-            run({"--folder", folder, "query", "--csv", "SELECT size FROM DriveDataTable WHERE name = 'b.txt'"});
+    const auto expectCopied = [&] {
+        const auto before = contents(store());
+        ASSERT_EQ(onStore({"copy-out", folder}).code, 0);
+        EXPECT_EQ(contents(store()), before);
+        EXPECT_EQ(contents(utf8Path(folder)).size(), 4U);
+        const std::string query = "SELECT size FROM DriveDataTable WHERE name = 'b.txt'";
+        EXPECT_EQ(run({"--folder", folder, "query", "--csv", query}).out, "size\r\n5\r\n");
         fs::remove_all(utf8Path(folder));
-        return asked.out;
     };
-    const auto before = contents(store());
-    ASSERT_EQ(onStore({"copy-out", folder}).code, 0);
-    EXPECT_EQ(contents(store()), before);
-    EXPECT_EQ(contents(utf8Path(folder)).size(), before.size());
-    EXPECT_EQ(size(), "size\r\n5\r\n");
+    expectCopied();
     {
         SqliteFile client(storeFile(), SqliteFile::Collation::NameCompare);
         client.exec("PRAGMA cache_size = 1; BEGIN; UPDATE DriveDataTable SET size = 7");
-        ASSERT_EQ(onStore({"copy-out", folder}).code, 0) << "while a client is about to change something";
-        EXPECT_EQ(size(), "size\r\n5\r\n");
+        expectCopied();
         client.exec("COMMIT; BEGIN EXCLUSIVE");
         EXPECT_TRUE(
             refused(onStore({"--wait", "0.1", "copy-out", folder}), "DriveModuleData.dat: locked by another program"));
@@ -318,23 +316,22 @@ TEST_F(ToolQuery, NamesAreFoundByPattern)
 {
     fill({"\xD0\x96ub/aa.txt", "x[1].txt", "Abc"});
     ASSERT_EQ(scan().code, 0);
-    const std::tuple<Arguments, std::vector<std::string>> cases[]{
-        {{"a?.TXT"}, {"a9.txt", "aa.txt"}},
-        {{"a*"}, {"a9.txt", "A10.txt", "aa.txt", "Abc"}},
-        {{"a*", "--case"}, {"a9.txt", "aa.txt"}},
-        {{"[!a-w]*"}, {"x[1].txt", "\xD0\x96ub"}},
-        {{"x\\[1]*"}, {"x[1].txt"}},
-        {{"x[[]1*"}, {"x[1].txt"}},
-        {{"\xD0\xB6U"}, {"\xD0\x96ub"}},
-        {{"*.*.*"}, {}},
-        {{".t", "--offset", "1", "--count", "2"}, {"A10.txt", "aa.txt"}},
-        {{"["}, {"x[1].txt"}},
-        {{"*b*c*"}, {"Abc"}},
-        {{"b"}, {"Abc", "b.txt", "\xD0\x96ub"}}};
-    for (const auto& [arguments, found] : cases) {
-        Arguments command{"find"};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        EXPECT_EQ(names(command), found) << arguments[0];
+    const std::pair<std::string, std::vector<std::string>> cases[]{
+        {"a?.TXT", {"a9.txt", "aa.txt"}},
+        {"a*", {"a9.txt", "A10.txt", "aa.txt", "Abc"}},
+        {"a* --case", {"a9.txt", "aa.txt"}},
+        {"[!a-w]*", {"x[1].txt", "\xD0\x96ub"}},
+        {"x\\[1]*", {"x[1].txt"}},
+        {"x[[]1*", {"x[1].txt"}},
+        {"\xD0\xB6U", {"\xD0\x96ub"}},
+        {"*.*.*", {}},
+        {".t --offset 1 --count 2", {"A10.txt", "aa.txt"}},
+        {"[", {"x[1].txt"}},
+        {"*b*c*", {"Abc"}},
+        {"b", {"Abc", "b.txt", "\xD0\x96ub"}},
+    };
+    for (const auto& [line, found] : cases) {
+        EXPECT_EQ(names(split("find " + line)), found) << line;
     }
     EXPECT_EQ(rows({"find", "aa.txt"}).at(0)["path"], "/\xD0\x96ub/aa.txt");
     EXPECT_EQ(rows({"view", "document"}).at(2)["path"], "/\xD0\x96ub/aa.txt");
@@ -347,21 +344,16 @@ TEST_F(ToolQuery, RowsThatTheLibraryKeepsToItselfAreListed)
 {
     succeed({"init --gallery g.dat"});
     SqliteFile main(store() / "main.dat");
-    main.exec(
-        "INSERT INTO UBAUserLog SELECT 4, 't', 'act', 'u', 'd', '0', 'ok', 'e', 'tr', 1, 1700000000123, 'm', 'r', "
-        "'a', '1', '2', 1, 0, 'c', 'a', 'n', 'DE', 0, 'o', 0; INSERT INTO T_NotepadCard VALUES(3, 'note'); "
-        "INSERT INTO T_WaitHandleCardItem VALUES(4, 'wait'); INSERT INTO T_CloudFileTable SELECT 1, 'f', '0', 'add', "
-        "'d', 'k', 'a.txt', 'b', 'm', 0, 0, 'p', 'q', 'r', 's', 1, 1700000000123, 0, 5, '', '', 1, 1, 1, 0, 0; "
-        "INSERT INTO T_CloudFileTable SELECT 2, 'g', '0', 'add', 'd', 'k', 'c.txt', 'b', 'm', 0, 0, 'p', 'q', 'r', "
-        "'s', 1, 2, 0, 5, '', '', 1, 1, 1, 0, 0");
+    main.fill(2);
+    main.exec("UPDATE UBAUserLog SET startTime = 1700000000123");
     changeStore("INSERT INTO GalleryFile SELECT "
                 "'u','','','',0,0,'','',9,'',0,'','',0,0,0,'','',0,0,'',0,'p.jpg','',0,0,'','','',''",
                 "g.dat");
     const std::tuple<Arguments, std::size_t, std::string, std::string> cases[]{
-        {{"logs"}, 1, R"("table":"UBAUserLog")", "2023-11-14 22:13:20 UTC (1700000000123)"},
-        {{"changes"}, 2, R"("fileName":"c.txt")", "T_CloudFileTable: 1-2 of 2"},
-        {{"changes", "--offset", "1"}, 1, R"("fileName":"a.txt")", "T_CloudFileTable: 2-2 of 2"},
-        {{"cards"}, 2, R"("table":"T_NotepadCard","value":"note")", "3    note"},
+        {{"logs"}, 4, R"("table":"UserLogTable")", "2023-11-14 22:13:20 UTC (1700000000123)"},
+        {{"changes"}, 2, R"("fileName":"id-2")", "T_CloudFileTable: 1-2 of 2"},
+        {{"changes", "--offset", "1"}, 1, R"("fileName":"id-1")", "T_CloudFileTable: 2-2 of 2"},
+        {{"cards"}, 4, R"("table":"T_NotepadCard","value":"id-1")", "2    id-2"},
         {{"gallery", "list"}, 1, R"({"Album":0,"GalleryFile":1,"gallery":"g.dat"})", "g.dat        1       0"},
         {{"gallery", "list", "--gallery", "g.dat"}, 1, R"("FileName":"p.jpg")", "9 bytes"}};
     const auto expectAll = [&] {

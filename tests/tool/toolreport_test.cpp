@@ -1,4 +1,3 @@
-#include "support/filebytes.h"
 #include "support/tooltest.h"
 
 using namespace testsupport;

@@ -1,5 +1,4 @@
 #include "platform/paths.h"
-#include "support/process.h"
 #include "support/sqlitefile.h"
 #include "support/tooltest.h"
 
