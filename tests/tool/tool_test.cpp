@@ -144,7 +144,7 @@ TEST_F(Tool, TheManualAndTheCompletionAreSound)
     EXPECT_FALSE(contains(run({"--help"}).out, "--man"));
     if constexpr (onPosix) {
         const Ran formatted =
-            run({"--man"}, {"sh", "-c", "\"$0\" \"$@\" | if command -v groff; then groff -man -Tutf8 -ww -z; fi"});
+            run({"--man"}, {"sh", "-c", R"("$0" "$@" | if command -v groff; then groff -man -Tutf8 -ww -z; fi)"});
         EXPECT_EQ(formatted.err, "");
         const std::pair<std::string, std::string> cases[]{
             {"ren", "rename"},     {"ls --so", "--sort"},      {"--json ls --sort -m", "-modified"},

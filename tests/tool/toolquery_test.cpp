@@ -221,8 +221,8 @@ TEST_F(ToolQuery, ARedactedCopyHoldsNoWordOfTheStores)
     const std::string queries[]{
         "SELECT size, mimeType FROM DriveDataTable ORDER BY name COLLATE NameCompare, size",
         "SELECT count(*) FROM DriveDataTable AS child JOIN DriveDataTable AS parent ON child.parentId = parent.fileId",
-        "SELECT count(DISTINCT name), count(DISTINCT name COLLATE NameCompare) FROM DriveDataTable "
-        "WHERE name NOT LIKE '%.png'",
+        ("SELECT count(DISTINCT name), count(DISTINCT name COLLATE NameCompare) FROM DriveDataTable "
+         "WHERE name NOT LIKE '%.png'"),
         "SELECT a, typeof(b), typeof(c), length(b) > 0 FROM other",
         "SELECT seq FROM sqlite_sequence",
         "SELECT name, sql FROM sqlite_master ORDER BY name",

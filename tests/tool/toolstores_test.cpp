@@ -76,7 +76,7 @@ TEST_F(ToolStores, PropertiesGoInAndComeOutAsTheyAre)
 {
     init();
     const std::vector<std::string> texts{
-        "it's \"quoted\" `x` \\ %s; --", "\xE5\x86\x99 \xF0\x9F\x93\xB7", "-5", "two\nlines\t", "", "[a,b]"};
+        R"(it's "quoted" `x` \ %s; --)", "\xE5\x86\x99 \xF0\x9F\x93\xB7", "-5", "two\nlines\t", "", "[a,b]"};
     for (const std::string& text : texts) {
         SCOPED_TRACE(text);
         EXPECT_EQ(onStore({"properties", "set", "--", text, "first"}).code, 0);
