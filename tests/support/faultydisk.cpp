@@ -23,10 +23,11 @@ bool active = false;
 sqlite3_vfs* systemDisk = nullptr; // from the first object on: connections may outlive it
 sqlite3_vfs faultyDisk;
 
-/// A file for SQLite. The system's own lies behind it.
-struct OpenFile : sqlite3_file {
-    const char* name; ///< lives as long as the file
-    bool isDatabase;
+/// A file as SQLite has it. The system's own lies behind it.
+struct OpenFile {
+    sqlite3_file forSqlite{};
+    const char* name = ""; ///< lives as long as the file
+    bool isDatabase = false;
     int lock = SQLITE_LOCK_NONE;
 
     sqlite3_file* systems() { return reinterpret_cast<sqlite3_file*>(this + 1); }
@@ -34,7 +35,7 @@ struct OpenFile : sqlite3_file {
 
 OpenFile& ours(sqlite3_file* file)
 {
-    return *static_cast<OpenFile*>(file);
+    return *reinterpret_cast<OpenFile*>(file);
 }
 
 bool isChange(Call call)
@@ -130,7 +131,7 @@ int openFile(sqlite3_vfs* /*disk*/, const char* name, sqlite3_file* place, int f
     return ask({.call = Call::Open, .file = file.name, .flags = flags}, [&] {
         const int code = systemDisk->xOpen(systemDisk, name, file.systems(), flags, openedAs);
         if (file.systems()->pMethods != nullptr) {
-            file.pMethods = &functions;
+            file.forSqlite.pMethods = &functions;
             databasesOpen += file.isDatabase;
         }
         return code;

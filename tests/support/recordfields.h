@@ -91,7 +91,7 @@ template <class Record> struct RecordFields {
     Record filled(int seed) const
     {
         Record record{};
-        DatabaseService::int64 number = 1001 * seed;
+        DatabaseService::int64 number = DatabaseService::int64{1001} * seed;
         for (const auto& field : all) {
             ++number;
             // 64-bit numbers reach beyond 32 bits, 32-bit ones below zero.
