@@ -21,12 +21,12 @@ struct DriveTest : StoreTest {
     }
 
     /// The columns of a full read.
-    std::vector<std::string> row(const std::string& id)
+    std::vector<std::string> row(const std::string& id) const
     {
         const std::string columns = joined(driveColumns());
         return m_file.query("SELECT " + columns + " FROM DriveDataTable WHERE fileId = '" + id + '\'').at(0);
     }
-    std::string ids() { return m_file.value("SELECT group_concat(fileId) FROM DriveDataTable"); }
+    std::string ids() const { return m_file.value("SELECT group_concat(fileId) FROM DriveDataTable"); }
 
     /// The one statement since the last look, which has a transaction to itself.
     std::string statement(const std::string& begin = "BEGIN IMMEDIATE;")

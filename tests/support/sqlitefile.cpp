@@ -71,17 +71,17 @@ Rows SqliteFile::query(const std::string& sql) const
     return rows;
 }
 
-std::string SqliteFile::value(const std::string& sql)
+std::string SqliteFile::value(const std::string& sql) const
 {
     return query(sql).at(0).at(0);
 }
 
-std::string SqliteFile::text(const std::string& sql)
+std::string SqliteFile::text(const std::string& sql) const
 {
     return joined(mapped(query(sql), [](const auto& row) { return joined(row, "|"); }), "\n");
 }
 
-void SqliteFile::fill(int rows)
+void SqliteFile::fill(int rows) const
 {
     for (const auto& table : query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite%'")) {
         const std::string values =
@@ -94,14 +94,14 @@ void SqliteFile::fill(int rows)
     }
 }
 
-std::string SqliteFile::tables()
+std::string SqliteFile::tables() const
 {
     const std::string names = value("SELECT group_concat(name) FROM (SELECT name FROM sqlite_master WHERE type = "
                                     "'table' AND name NOT LIKE 'sqlite%' ORDER BY name)");
     return names == "NULL" ? "" : names.substr(1, names.size() - 2);
 }
 
-std::string SqliteFile::columns(const std::string& table)
+std::string SqliteFile::columns(const std::string& table) const
 {
     std::string text;
     std::string kind;

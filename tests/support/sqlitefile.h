@@ -26,17 +26,17 @@ public:
     void exec(const std::string& sql) const;
     Rows query(const std::string& sql) const;
     /// The one cell of the one row.
-    std::string value(const std::string& sql);
+    std::string value(const std::string& sql) const;
     /// A line for each row, with its cells between bars.
-    std::string text(const std::string& sql);
+    std::string text(const std::string& sql) const;
 
     /// So many rows into every table, whatever its columns: numbers, and texts that end in them.
-    void fill(int rows);
+    void fill(int rows) const;
 
     /// The names of the tables, with commas between them; SQLite's own are left out.
-    std::string tables();
+    std::string tables() const;
     /// A table's columns in runs of one kind, a line for each: "TEXT NOT NULL: a b".
-    std::string columns(const std::string& table);
+    std::string columns(const std::string& table) const;
 
 private:
     std::unique_ptr<sqlite3, int (*)(sqlite3*)> m_db{nullptr, &sqlite3_close};

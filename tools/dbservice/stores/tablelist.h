@@ -14,13 +14,13 @@ class Session;
 /// A table as people read it.
 struct ListedTable {
     struct Column {
-        const char* name;
+        const char* name = nullptr;
         Shown shown = Shown::Plain;
     };
 
-    const char* name;
+    const char* name = nullptr;
     std::vector<Column> columns; ///< one that a file lacks, as an older one may, is left empty
-    const char* order;           ///< as in ORDER BY
+    const char* order = nullptr; ///< as in ORDER BY
 };
 
 struct TablePage {
