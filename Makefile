@@ -68,7 +68,7 @@ test-report: build/release/build.ninja ## look at a report page in a browser, an
 	/usr/bin/python3 tests/report/page_test.py build/release/bin/dbservice build/report/scratch build/report
 
 .PHONY: reliability
-reliability: build/release/build.ninja ## harm the stores in every way we know, in 20 to 30 minutes (SHARE=1)
+reliability: build/release/build.ninja ## harm the stores in every way we know, in ten to thirty minutes (SHARE=1)
 	cmake --build --preset release --target reliability toolharm
 	(printf 'reliability %s\n' crowds damage faults memory kills power fulldisk recovery threads && \
 	    printf 'toolharm %s\n' damage kills names) | \

@@ -56,7 +56,7 @@ public:
     void post(std::size_t number)
     {
         const std::lock_guard lock(m_mutex);
-        m_queue.push_back({1, number});
+        m_queue.emplace_back(1, number);
         m_filled.notify_one();
     }
 
@@ -64,7 +64,7 @@ public:
     {
         {
             const std::lock_guard lock(m_mutex);
-            m_queue.push_back({quit, 0});
+            m_queue.emplace_back(quit, 0);
             m_filled.notify_one();
         }
         m_thread.join();
@@ -115,6 +115,7 @@ template <class Queue> void passMessages(std::size_t messages, std::size_t& hand
 std::vector<std::shared_ptr<DownloadTaskProperty>> copiesOf(const std::vector<DownloadTaskProperty>& records)
 {
     std::vector<std::shared_ptr<DownloadTaskProperty>> copies;
+    copies.reserve(records.size());
     for (const DownloadTaskProperty& record : records) {
         copies.push_back(std::make_shared<DownloadTaskProperty>(record));
     }

@@ -35,7 +35,7 @@ GalleryFileTable galleryFile(Random& random, std::size_t number)
     file.Size = static_cast<std::int64_t>(500'000 + random.below(6'000'000));
     file.Guid = random.letters(hexAlphabet, 32);
     file.GalleryState = 2;
-    file.LocalPath = fmt::format("C:\\Users\\someone\\Pictures\\Camera\\IMG_{:08}.JPG", number);
+    file.LocalPath = fmt::format(R"(C:\Users\someone\Pictures\Camera\IMG_{:08}.JPG)", number);
     file.OperateTime = std::to_string(file.CreateTime);
     file.FileName = fmt::format("IMG_{:08}.JPG", number);
     file.AlbumId = fmt::format("album-{}", random.below(40));

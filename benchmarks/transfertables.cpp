@@ -44,7 +44,7 @@ std::string fileName(std::size_t number)
 
 std::string localPath(std::size_t number)
 {
-    return fmt::format("C:\\Users\\someone\\Pictures\\Camera\\IMG_{:08}.JPG", number);
+    return fmt::format(R"(C:\Users\someone\Pictures\Camera\IMG_{:08}.JPG)", number);
 }
 
 CompletedTaskProperty completedTransfer(Random& random, std::size_t number)

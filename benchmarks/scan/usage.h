@@ -14,6 +14,6 @@ struct Usage {
 };
 
 /// Runs a program with its standard output thrown away. Throws `std::runtime_error` unless it ends well.
-Usage usageOf(const std::vector<std::string>& commandLine);
+Usage usageOf(std::vector<std::string> commandLine);
 
 } // namespace benchmarks

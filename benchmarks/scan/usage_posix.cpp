@@ -32,11 +32,12 @@ std::int64_t writtenSoFar()
 
 } // namespace
 
-Usage usageOf(const std::vector<std::string>& commandLine)
+Usage usageOf(std::vector<std::string> commandLine)
 {
     std::vector<char*> arguments;
-    for (const std::string& argument : commandLine) {
-        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.reserve(commandLine.size() + 1);
+    for (std::string& argument : commandLine) {
+        arguments.push_back(argument.data());
     }
     arguments.push_back(nullptr);
 
