@@ -8,7 +8,7 @@ namespace {
 constexpr int64 big = (int64{1} << 40) + 5; // 5 in 32 bits
 
 struct DriveSync : DriveTest {
-    Rows rows() { return m_file.query("SELECT * FROM DriveConfTable ORDER BY 1"); }
+    Rows rows() const { return m_file.query("SELECT * FROM DriveConfTable ORDER BY 1"); }
 };
 
 DriveConfTable configuration(int64 id)

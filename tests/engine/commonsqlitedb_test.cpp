@@ -36,7 +36,7 @@ struct PlainConnection : PlainTest {
 
     std::string utf8(const std::wstring& name) const { return platform::toUtf8(path(name)); }
 
-    void open(CommonSqliteDb& db, const std::wstring& name = L"plain.dat")
+    void open(CommonSqliteDb& db, const std::wstring& name = L"plain.dat") const
     {
         ASSERT_TRUE(db.OpenUtf8Path(utf8(name).c_str()));
     }
@@ -245,7 +245,7 @@ TEST_F(PlainConnection, CopiesShareTheConnection)
     CommonSqliteDb first(700);
     open(first);
     {
-        CommonSqliteDb copy(first);
+        CommonSqliteDb copy(first); // NOLINT(performance-unnecessary-copy-initialization): it is what is tried
         EXPECT_TRUE(copy.ExcuteSql("CREATE TEMP TABLE shared(a)"));
         EXPECT_TRUE(first.ExcuteSql("INSERT INTO shared VALUES(1)"));
     }

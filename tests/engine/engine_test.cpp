@@ -38,7 +38,7 @@ ExpectedLine opening(const std::string& path)
 struct Engine : StoreTest {
     Engine() { m_file.exec("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT)"); }
 
-    Rows rows() { return m_file.query("SELECT id, name FROM t ORDER BY id"); }
+    Rows rows() const { return m_file.query("SELECT id, name FROM t ORDER BY id"); }
 
     /// What a query gives when its transaction holds.
     template <class... Arguments> Rows query(Arguments... arguments)

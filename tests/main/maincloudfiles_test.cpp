@@ -32,7 +32,7 @@ struct MainCloudFiles : MainStoreTest {
     void insert(std::vector<R> records) { Main::InsertCloudDriveDataBatch(records); }
     void removeOldest(int count) { Main::DeleteCloudDriveDataBatchOrderBy(count); }
     Rows rows() { return files.rows(m_file); }
-    std::string ids() { return m_file.value("SELECT group_concat(id || fileId) FROM T_CloudFileTable"); }
+    std::string ids() const { return m_file.value("SELECT group_concat(id || fileId) FROM T_CloudFileTable"); }
 
     std::string a = "a";
     std::string parent = "parent";

@@ -79,7 +79,7 @@ void crowds(Run& run)
                     std::this_thread::sleep_for(std::chrono::milliseconds(10));
                 }
             }
-            std::this_thread::sleep_for(held ? time : time.zero());
+            std::this_thread::sleep_for(held ? time : std::chrono::milliseconds::zero());
             holder.reset();
             std::set<int> acknowledged;
             std::vector<int> counts[2];

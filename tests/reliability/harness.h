@@ -39,7 +39,7 @@ struct Store {
 const std::vector<Store>& stores();
 
 /// Fills an empty folder, which the user's database folder is set to, with the store.
-void setUp(const std::string& store);
+void setUp(const std::string& name);
 
 /// Turns this process to a folder that others have set up.
 void enter(const std::string& folder);

@@ -44,7 +44,7 @@ void kills(Run& run)
     const auto lastSeed = static_cast<std::uint32_t>(std::min(40, run.part(400)));
     int inTheMiddle = 0;
     for (int kill = 0; kill < run.part(2000); ++kill) {
-        const auto seed = static_cast<std::uint32_t>(run.seed * 1000 + run.random() % lastSeed);
+        const auto seed = static_cast<std::uint32_t>(std::uint64_t{run.seed} * 1000 + run.random() % lastSeed);
         const auto start = [&](std::int64_t atChange) {
             folders.fresh(folders.filesOf(chainOf(seed).front().store));
             writeBytes(oracle, "");

@@ -45,7 +45,8 @@ void memory(Run& run)
                        (shortage == Shortage::Lasting ? " and from then on" : ""));
             Outcome outcome = performWith(number / 2, shortage).first;
             if (run.control) { // what told of the failure gets lost
-                outcome.failureLines = outcome.threw = 0;
+                outcome.failureLines = 0;
+                outcome.threw = false;
             }
             unlisted += expectUnharmed(run, folders, operation, reference, outcome,
                                        {.unlisted = true, .untold = shortage == Shortage::Lasting});

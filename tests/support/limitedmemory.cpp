@@ -55,6 +55,7 @@ void testsupport::limitSqliteMemory()
     sqlite3_config(SQLITE_CONFIG_MALLOC, &limited);
 }
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): here is where it is managed
 void* operator new(std::size_t size)
 {
     void* const memory = mayAllocate() ? std::malloc(size) : nullptr;
@@ -70,3 +71,4 @@ void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }
+// NOLINTEND(cppcoreguidelines-no-malloc)

@@ -61,7 +61,7 @@ struct TransferStore : StoreTest {
         m_store.ExecuteSQL("INSERT INTO TransferTask(UniqueId, ModuleType, TransferType, TaskStatus) VALUES " + values);
     }
 
-    std::string ids() { return m_file.value("SELECT group_concat(UniqueId) FROM TransferTask"); }
+    std::string ids() const { return m_file.value("SELECT group_concat(UniqueId) FROM TransferTask"); }
 
     Observed<TransDbConnThread> m_store{*TransDbConnThread::GetInstance()};
     SqliteFile m_file{path(L"transmission.dat")};

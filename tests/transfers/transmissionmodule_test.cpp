@@ -124,7 +124,7 @@ std::vector<ExpectedLine> postLines(const char* outcome)
 }
 
 struct TransmissionModule : StoreTest {
-    std::string names(const char* table)
+    std::string names(const char* table) const
     {
         return SqliteFile(m_path).value(std::string("SELECT group_concat(id || fileName) FROM ") + table);
     }
