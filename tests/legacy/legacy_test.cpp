@@ -238,7 +238,7 @@ TEST_F(LegacyTables, CellsOfTheWrongKindAndNullsAreEmpty)
         for (std::size_t at = 0; at < table.columns.size(); ++at) {
             const std::string empty = table.isText(at) ? textCell("") : std::string("0");
             const bool chooses = table.columns[at] == "TaskType";
-            nulls.push_back(chooses ? "2" : "NULL");
+            nulls.emplace_back(chooses ? "2" : "NULL");
             nothing.push_back(chooses ? "2" : empty);
             if (table.kinds[at] != 'D') {
                 auto values = table.row();

@@ -166,7 +166,7 @@ TEST_F(Migration, UglyRowsComeOverAsFarAsTheyCan)
          "WHERE UniqueId = 'ugly-null'",
          "''|0|''|'0'|0|''"},
         {"SELECT FileName, Sdsmtime, PictureMetadata, VideoMetadata FROM GalleryFile WHERE UniqueId = 'ugly-shifted'",
-         "'shifted.jpg'|''|'{\"picture\":1}'|'{\"video\":1}'"},
+         R"('shifted.jpg'|''|'{"picture":1}'|'{"video":1}')"},
         {"SELECT FileId, CreateTime, Size, RecycleTime, GalleryState, FileName, IsDeleted, Sdsmtime FROM GalleryFile "
          "WHERE UniqueId = '4711'",
          "'42'|0|0|0|0|'815'|0|'20200101'"},

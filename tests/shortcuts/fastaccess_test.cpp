@@ -67,7 +67,7 @@ struct FastAccessModule : StoreTest {
     }
 
     /// A callback that writes down what it is given, and frees it.
-    std::function<void(uint64, int64)> noteAll(std::string& notes)
+    std::function<void(uint64, int64)> noteAll(std::string& notes) const
     {
         return [&notes, held = m_held](uint64 zero, int64 address) {
             notes += "[" + std::to_string(zero);
