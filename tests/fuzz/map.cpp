@@ -34,7 +34,7 @@ void fuzzing::attempt(const std::string& input)
     drive.ExecuteSQL(control ? "UPDATE DriveDataTable SET size = 7" : "SELECT 1");
     for (const auto& cell : changes()) {
         const std::string column = cell[1].substr(1, cell[1].size() - 2);
-        const bool named = values.contains(column) && known.find(' ' + column + ' ') != known.npos;
+        const bool named = values.contains(column) && known.find(' ' + column + ' ') != std::string::npos;
         expect(named && cell[0] == testsupport::textCell(id), "also changed: " + cell[0] + column);
     }
 }

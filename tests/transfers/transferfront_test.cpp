@@ -23,7 +23,8 @@ struct TransferFront : StoreTest {
     {
         m_log.take();
         call();
-        return std::ranges::count_if(m_log.take(), [](auto& line) { return line.find(" OpenDataBase:") != line.npos; });
+        return std::ranges::count_if(m_log.take(),
+                                     [](auto& line) { return line.find(" OpenDataBase:") != std::string::npos; });
     }
 
     SqliteFile file() { return SqliteFile(path(L"transmission.dat")); }

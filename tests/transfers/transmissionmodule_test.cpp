@@ -192,7 +192,7 @@ TEST_F(TransmissionModule, IdsFollowTheOrderOfBindingAndNoPayloadIsNothing)
     CommonAbility::WaitForThread(module); // the quit message is among them
     std::string order;
     for (const std::string& text : m_log.take()) {
-        if (const std::size_t at = text.find("::Notify"); at != text.npos) {
+        if (const std::size_t at = text.find("::Notify"); at != std::string::npos) {
             order += text.substr(at + 8, text.find(": ") - at - 8) + ' ';
         }
     }
