@@ -129,7 +129,7 @@ format-check: checks-packages ## fail if a source is not formatted
 	clang-format --dry-run --Werror $(sources)
 
 .PHONY: tidy
-tidy: build/tidy/build.ninja checks-packages ## run clang-tidy over all sources; takes minutes
+tidy: build/tidy/build.ninja checks-packages ## run clang-tidy over all sources; takes half an hour and more
 	run-clang-tidy -quiet -p build/tidy -j $(JOBS) '$(CURDIR)/(infrastructure|tools|tests|benchmarks)/'
 
 .PHONY: tidy-changes
