@@ -99,7 +99,6 @@ struct UploadTaskProperty {
 // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init): no defined value, as said
 struct DATABASESERVICE_EXPORT DbTransferTask {
     DbTransferTask() = default;
-    // NOLINTEND(cppcoreguidelines-pro-type-member-init)
     DbTransferTask(const DbTransferTask&) = default;
     DbTransferTask(DbTransferTask&&) = default;
     DbTransferTask& operator=(const DbTransferTask&) = default;
@@ -145,6 +144,7 @@ struct DATABASESERVICE_EXPORT DbTransferTask {
     int64 ExpandInt2;
     int64 ExpandInt3;
 };
+// NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
 /// Selects the tasks that `TransDbConnThread::LoadDbSQL` loads.
 struct DATABASESERVICE_EXPORT TransTaskType {
