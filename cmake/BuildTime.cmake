@@ -11,8 +11,9 @@ set(common_standard_headers
 
 # Compiles a target's sources in `count` groups, so that what they include is read once for each group: a third of the
 # time for those who build everything. A source's group follows from its name, so a new one leaves the others where they
-# are. ALONE stays what would not compile beside others of its group: where two give something the same name within the
-# source, or g++ 12 warns without cause. Without the option every source is compiled by itself.
+# are. ALONE stays what would not compile beside others of its group, where two give something the same name within the
+# source or g++ 12 warns without cause, and an entry point that tests leave out when they take the other objects.
+# Without the option every source is compiled by itself.
 option(DATABASESERVICE_GROUP_SOURCES "Compile the sources of a target in groups" OFF)
 function(compile_in_groups target count)
   if(NOT DATABASESERVICE_GROUP_SOURCES)

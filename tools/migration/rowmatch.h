@@ -128,7 +128,7 @@ public:
         std::uint64_t number;
         int64 id;
         std::size_t row;
-        auto operator<=>(const Entry&) const = default; // NOLINT(modernize-use-nullptr): no pointer here, clang-tidy 14
+        auto operator<=>(const Entry&) const = default; // NOLINT(modernize-use-nullptr): a mistake of clang-tidy 14
     };
 
     void reserve(std::size_t rows) { m_entries.reserve(rows); }

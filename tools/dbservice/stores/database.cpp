@@ -160,7 +160,7 @@ std::string Database::list(const std::vector<std::string>& columns)
     for (const std::string& column : columns) {
         all += (all.empty() ? "" : ", ") + inQuotes(column, '"');
     }
-    return all.empty() ? "*" : all; // whose failure tells why a table shows none
+    return all.empty() ? "*" : all; // SQLite then says why the table has none
 }
 
 void Database::fail(const char* verb) const

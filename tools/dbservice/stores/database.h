@@ -69,7 +69,7 @@ public:
     std::vector<std::string> tables();                          ///< `namesOfTables`
     std::vector<std::string> columns(const std::string& table); ///< without those that SQLite computes
 
-    /// Columns as a statement names them; all without any.
+    /// Columns in quotes, as a statement selects them; `*` where there are none.
     static std::string list(const std::vector<std::string>& columns);
 
     /// Throws the `Failure` with what SQLite said last.

@@ -127,7 +127,8 @@ void writeRedacted(const fs::path& file, const fs::path& target, const Pseudonym
                    const std::string& called)
 {
     Database made(target, Database::Access::Create, "the copy of " + called);
-    // SQLite computes a foreign column anew in each row that is added, even one that is not stored.
+    // A foreign column may compute a value of any length, and SQLite does so for each row that is added, even if it is
+    // not stored.
     const std::uintmax_t longest = std::min<std::uintmax_t>(4 * fs::file_size(file) + 1'000'000, 1'000'000'000);
     sqlite3_limit(made.handle(), SQLITE_LIMIT_LENGTH, static_cast<int>(longest));
     const Pseudonyms* state = &pseudonyms;
